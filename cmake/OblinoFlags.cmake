@@ -1,0 +1,22 @@
+# The one place that decides how every target of the project is compiled.
+add_library(oblino_flags INTERFACE)
+target_compile_features(oblino_flags INTERFACE cxx_std_20)
+target_compile_options(oblino_flags INTERFACE
+  -Wall -Wextra -Wshadow -Wconversion -Wsign-conversion -Wnon-virtual-dtor -Woverloaded-virtual
+  -fno-math-errno)
+target_compile_definitions(oblino_flags INTERFACE
+  QT_NO_FOREACH
+  QT_NO_CAST_FROM_ASCII
+  QT_NO_CAST_TO_ASCII
+  QT_NO_URL_CAST_FROM_STRING
+  QT_NO_NARROWING_CONVERSIONS_IN_CONNECT
+  QT_NO_KEYWORDS
+  QT_STRICT_ITERATORS
+  QT_DISABLE_DEPRECATED_BEFORE=0x060400)
+if(OBLINO_WARNINGS_AS_ERRORS)
+  target_compile_options(oblino_flags INTERFACE -Werror)
+endif()
+if(OBLINO_SANITIZE)
+  target_compile_options(oblino_flags INTERFACE -fsanitize=${OBLINO_SANITIZE} -fno-omit-frame-pointer)
+  target_link_options(oblino_flags INTERFACE -fsanitize=${OBLINO_SANITIZE})
+endif()

@@ -1,0 +1,49 @@
+# Sourced by the commands at the top of the repository: says what a Debian 12 machine needs and installs what
+# is missing. The including script has set `set -euo pipefail` and stands in the repository's top folder.
+
+build_packages=(
+    g++ cmake ninja-build
+    qt6-base-dev qt6-base-dev-tools qt6-multimedia-dev libqt6svg6-dev
+)
+# What the built program loads at run time.
+run_packages=(
+    libqt6svg6 libqt6multimedia6 libxcb-cursor0 fonts-dejavu-core
+)
+# For a machine without a display.
+display_packages=(xvfb xauth xdotool imagemagick)
+test_packages=(
+    libbenchmark-dev dbus xvfb xauth xdotool strace util-linux clang-format clang-tidy python3
+)
+
+fail() {
+    echo "$(basename "$0"): $*" >&2
+    exit 1
+}
+
+install_missing() {
+    local missing=() package
+    for package in "$@"; do
+        dpkg-query -W -f='${db:Status-Status}\n' "$package" 2>/dev/null | grep -qx installed || missing+=("$package")
+    done
+    [ ${#missing[@]} -eq 0 ] && return
+    command -v apt-get >/dev/null || fail "these Debian packages are missing and apt-get is not here: ${missing[*]}"
+    local as_root=()
+    if [ "$(id -u)" -ne 0 ]; then
+        command -v sudo >/dev/null || fail "installing ${missing[*]} needs root: run this as root, or install sudo"
+        as_root=(sudo)
+    fi
+    echo "Installing: ${missing[*]}"
+    "${as_root[@]}" apt-get update -qq || fail "apt-get update failed; see above"
+    "${as_root[@]}" env DEBIAN_FRONTEND=noninteractive apt-get install -y -qq --no-install-recommends "${missing[@]}" \
+        >/dev/null || fail "apt-get could not install: ${missing[*]}"
+}
+
+# build <preset> [cmake options]
+build() {
+    local preset=$1 log
+    shift
+    log=$(mktemp)
+    cmake --preset "$preset" "$@" >"$log" 2>&1 || { tail -n 20 "$log" >&2; fail "cmake could not configure the $preset build; see above"; }
+    cmake --build --preset "$preset" || fail "the $preset build failed; see the first error above"
+    rm -f "$log"
+}

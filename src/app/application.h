@@ -1,0 +1,36 @@
+#pragma once
+
+#include <platform/portalappearance.h>
+#include <platform/unixsignals.h>
+
+#include <QObject>
+
+#include <memory>
+
+namespace oblino {
+
+class SingleInstance;
+class ViewController;
+
+/// Puts the program together and sees to its end.
+class Application : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit Application(SingleInstance &instance);
+    ~Application() override;
+
+    void start();
+
+private:
+    void followAppearance();
+    void terminate();
+
+    PortalAppearance m_portal;
+    UnixSignals m_signals;
+    std::unique_ptr<ViewController> m_mainWindow;
+    SingleInstance &m_instance;
+};
+
+} // namespace oblino

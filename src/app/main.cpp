@@ -1,0 +1,72 @@
+#include <app/application.h>
+
+#include <platform/singleinstance.h>
+
+#include <QApplication>
+#include <QIcon>
+#include <QStandardPaths>
+
+#include <pwd.h>
+#include <unistd.h>
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+// Without HOME the standard folders would lie at the root of the file system.
+void seeToHome()
+{
+    if (!qEnvironmentVariableIsEmpty("HOME"))
+        return;
+    if (const passwd *user = ::getpwuid(::getuid()))
+        qputenv("HOME", user->pw_dir);
+}
+
+bool hasDisplay()
+{
+    const bool chosen = !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
+    return chosen || !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+}
+
+// GStreamer, the other backend, brings no MP3 decoder of its own.
+void chooseAudioBackend()
+{
+    if (qEnvironmentVariableIsEmpty("QT_MEDIA_BACKEND"))
+        qputenv("QT_MEDIA_BACKEND", "ffmpeg");
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    seeToHome();
+    if (!hasDisplay()) {
+        std::fputs("oblino: no display: neither DISPLAY nor WAYLAND_DISPLAY is set\n", stderr);
+        return EXIT_FAILURE;
+    }
+    chooseAudioBackend();
+
+    QApplication application(argc, argv);
+    QApplication::setApplicationName(QStringLiteral("oblino"));
+    QApplication::setApplicationDisplayName(QStringLiteral("Oblino"));
+    QApplication::setApplicationVersion(QStringLiteral(OBLINO_VERSION));
+    QApplication::setDesktopFileName(QStringLiteral("oblino"));
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/oblino.svg")));
+    QApplication::setQuitOnLastWindowClosed(false); // closing the main window ends the program
+
+    oblino::SingleInstance instance(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation));
+    switch (instance.claim()) {
+    case oblino::SingleInstance::Claim::First:
+        break;
+    case oblino::SingleInstance::Claim::RaisedOther:
+        return EXIT_SUCCESS;
+    case oblino::SingleInstance::Claim::OtherSilent:
+        std::fputs("oblino: another Oblino is running and does not answer\n", stderr);
+        return EXIT_FAILURE;
+    }
+
+    oblino::Application oblino(instance);
+    oblino.start();
+    return QApplication::exec();
+}

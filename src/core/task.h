@@ -1,0 +1,56 @@
+#pragma once
+
+#include <platform/color.h>
+
+#include <QDateTime>
+#include <QList>
+#include <QString>
+
+namespace oblino {
+
+/// Times of day that a new task gets; see TaskManager.
+struct DefaultTimes
+{
+    qint64 startHour = 8;
+    qint64 startMin = 0;
+    qint64 endHour = 17;
+    qint64 endMin = 0;
+};
+
+/// The default times of the shared task store at this moment.
+[[nodiscard]] DefaultTimes sharedDefaultTimes();
+/// The moment at which a task is made.
+[[nodiscard]] QDateTime momentOfMaking();
+
+/// One task: a plain value. The dates carry the day, the four integers the time of day; nothing ties them
+/// together.
+struct task
+{
+    QString key = QStringLiteral("NoKey");          ///< unique; usually 36 characters of an upper-case UUID
+    QDateTime date = momentOfMaking();              ///< start date
+    QString name = QStringLiteral("Unnamed");       ///< short title
+    QString desc = QStringLiteral("UnDescribed");   ///< may hold several lines
+    QString client = QStringLiteral("UnAssigned");  ///< a copy of the client's name
+    QString teamMember = QStringLiteral("UnAssigned"); ///< a copy of the team member's name
+    Color color;
+    QDateTime due = momentOfMaking();               ///< due date
+    qint64 status = 0;                              ///< index into the forms' status list
+    qint64 priority = 0;                            ///< index into the forms' priority list
+    QString statusName = QStringLiteral("NoStatus");     ///< display text of the status
+    QString priorityName = QStringLiteral("NoPriority"); ///< display text of the priority
+    bool hidden = false;                            ///< left out of the ordinary views
+    qint64 startHour = sharedDefaultTimes().startHour; ///< 0..23
+    qint64 startMin = sharedDefaultTimes().startMin;   ///< 0..59
+    qint64 endHour = sharedDefaultTimes().endHour;     ///< 0..23
+    qint64 endMin = sharedDefaultTimes().endMin;       ///< 0..59
+};
+
+/// The two values of task::status that have a meaning of their own.
+enum TaskStatus : qint64 { OpenStatus = 0, ClosedStatus = 1 };
+
+/// The trace form of a task: its key and its name.
+void appendTrace(QByteArray &line, const task &t);
+
+} // namespace oblino
+
+Q_DECLARE_TYPEINFO(oblino::task, Q_RELOCATABLE_TYPE);

@@ -1,0 +1,12 @@
+#include <core/taskkey.h>
+
+#include <QUuid>
+
+namespace oblino {
+
+QString newUuidText()
+{
+    return QUuid::createUuid().toString(QUuid::WithoutBraces).toUpper();
+}
+
+} // namespace oblino

@@ -1,0 +1,78 @@
+#include <core/tasklistreader.h>
+
+#include <core/tasklistwriter.h>
+#include <core/taskmanager.h>
+#include <core/taskrowreader.h>
+#include <platform/clock.h>
+#include <platform/trace.h>
+
+#include <QUtf8StringView>
+
+namespace oblino {
+
+namespace {
+
+bool isBlank(QStringView text)
+{
+    return text.trimmed().isEmpty();
+}
+
+void addTo(TaskManager &store, const task &t)
+{
+    (void)store.addTask(t.key, t.date, t.name, t.desc, t.color, t.due, t.status, t.priority, t.statusName,
+                        t.priorityName, t.hidden, t.startHour, t.startMin, t.endHour, t.endMin, t.client,
+                        t.teamMember);
+}
+
+} // namespace
+
+TaskListText decodedTaskList(const QByteArray &bytes)
+{
+    if (QUtf8StringView(bytes).isValidUtf8())
+        return {QString::fromUtf8(bytes), {}};
+    TaskListText result;
+    QByteArray valid;
+    const QList<QByteArray> rows = bytes.split(rowSeparator);
+    for (const QByteArray &row : rows) {
+        if (!QUtf8StringView(row).isValidUtf8())
+            result.unreadableRows.append(row);
+        else
+            valid += row + rowSeparator;
+    }
+    if (QUtf8StringView(rows.last()).isValidUtf8())
+        valid.chop(1); // what follows the last separator is no row
+    result.text = QString::fromUtf8(valid);
+    return result;
+}
+
+TaskListReading addTaskList(const QString &text, TaskManager &store)
+{
+    TaskListReading result;
+    result.invertedColors = store.inDarkMode();
+    TaskRowReader reader(today());
+    trace("No of Rows:", [&text] { return text.count(QLatin1Char(rowSeparator)) + 1; });
+
+    const QStringView whole(text);
+    qsizetype begin = 0;
+    for (qsizetype end = 0; (end = whole.indexOf(QLatin1Char(rowSeparator), begin)) >= 0; begin = end + 1) {
+        const QStringView row = whole.sliced(begin, end - begin);
+        reader.split(row);
+        if (result.invertedColors)
+            trace("In dark mode -> Invert");
+        trace("No of Fields:", reader.fieldCount());
+        if (const auto t = reader.read(store.defaultTimes(), result.invertedColors))
+            addTo(store, *t);
+        else if (!isBlank(row))
+            result.unreadableRows.append(row.toUtf8());
+        if (reader.fieldCount() == 20)
+            trace("20 fields");
+        trace("Row:", row);
+        trace("Fields:", [row] { return row.split(QLatin1Char(fieldSeparator)); });
+    }
+    if (const QStringView rest = whole.sliced(begin); !isBlank(rest))
+        result.unreadableRows.append(rest.toUtf8());
+    store.setBackupTasks(store.tasks());
+    return result;
+}
+
+} // namespace oblino

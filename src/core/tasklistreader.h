@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+
+namespace oblino {
+
+class TaskManager;
+
+/// The text of a task list file, and the rows that cannot be part of a text.
+struct TaskListText
+{
+    QString text;
+    QList<QByteArray> unreadableRows; ///< rows that are not valid UTF-8, byte for byte
+};
+
+/// Decodes the bytes of a task list file row by row.
+[[nodiscard]] TaskListText decodedTaskList(const QByteArray &bytes);
+
+/// What came of adding the rows of a text to the store.
+struct TaskListReading
+{
+    bool invertedColors = false;      ///< whether the tasks hold the inverted colours of the dark appearance
+    QList<QByteArray> unreadableRows; ///< rows that were left out, byte for byte
+};
+
+/// Adds every row of the text to the store. What follows the last "^" is no row; unless it is blank it counts
+/// as unreadable.
+[[nodiscard]] TaskListReading addTaskList(const QString &text, TaskManager &store);
+
+} // namespace oblino

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <core/task.h>
+
+#include <QByteArray>
+#include <QList>
+
+namespace oblino {
+
+/// The separators of the task list file. Nothing in a field is escaped.
+inline constexpr char fieldSeparator = '|'; ///< between two fields of a row
+inline constexpr char rowSeparator = '^';   ///< after the last field of every row, the last row included
+
+/// The content of the task list file: a row of 20 fields for each task, in UTF-8. A separator inside a text,
+/// which would break the row, is written as the look-alike "¦" or "ˆ".
+/// @param invertedColors  whether the tasks hold the inverted colours of the dark appearance; the file always
+///                        holds those of the light one
+[[nodiscard]] QByteArray taskListText(const QList<task> &tasks, bool invertedColors);
+
+} // namespace oblino

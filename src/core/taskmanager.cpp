@@ -1,0 +1,113 @@
+#include <core/taskmanager.h>
+
+#include <core/taskkey.h>
+#include <core/taskordering.h>
+#include <core/taskviews.h>
+#include <platform/appearance.h>
+#include <platform/clock.h>
+#include <platform/defaults.h>
+#include <platform/trace.h>
+
+namespace oblino {
+
+TaskManager::TaskManager(Defaults &userDefaults, Appearance &appearance, QObject *parent)
+    : QObject(parent)
+    , defaults(userDefaults)
+    , m_appearance(appearance)
+{
+}
+
+TaskManager &tskMgr()
+{
+    static TaskManager instance(Defaults::standard(), Appearance::standard());
+    return instance;
+}
+
+void TaskManager::setIsSearching(bool searching)
+{
+    if (searching == m_isSearching)
+        return;
+    m_isSearching = searching;
+    if (searching)
+        m_backupTasks = m_tasks;
+    else
+        m_tasks = m_backupTasks;
+}
+
+void TaskManager::sort(const SortDescriptor &sortDescriptor)
+{
+    m_tasks = orderedTasks(m_tasks, sortDescriptor);
+}
+
+QString TaskManager::addTask(const QString &key, const QDateTime &date, const QString &name, const QString &desc,
+                             const Color &color, const QDateTime &due, qint64 status, qint64 priority,
+                             const QString &statusName, const QString &priorityName, bool hidden,
+                             qint64 startHour, qint64 startMin, qint64 endHour, qint64 endMin,
+                             const QString &client, const QString &teamMember)
+{
+    const QString usedKey = key.isEmpty() ? newUuidText() : key;
+    selectedList().append(task{.key = usedKey,
+                               .date = date,
+                               .name = name,
+                               .desc = desc,
+                               .client = client,
+                               .teamMember = teamMember,
+                               .color = color,
+                               .due = due,
+                               .status = status,
+                               .priority = priority,
+                               .statusName = statusName,
+                               .priorityName = priorityName,
+                               .hidden = hidden,
+                               .startHour = startHour,
+                               .startMin = startMin,
+                               .endHour = endHour,
+                               .endMin = endMin});
+    m_defaultTimes = {startHour, startMin, endHour, endMin};
+    trace("Add Task, hidden:", hidden);
+    return usedKey;
+}
+
+void TaskManager::editSelectedTask(const QDateTime &date, const QString &name, const QString &desc,
+                                   const Color &color, const QDateTime &due, qint64 status, qint64 priority,
+                                   const QString &statusName, const QString &priorityName, qint64 startHour,
+                                   qint64 startMin, qint64 endHour, qint64 endMin, const QString &client,
+                                   const QString &teamMember)
+{
+    if (hasSelection()) {
+        task &t = selectedList()[m_selected];
+        t = task{.key = t.key,
+                 .date = date,
+                 .name = name,
+                 .desc = desc,
+                 .client = client,
+                 .teamMember = teamMember,
+                 .color = color,
+                 .due = due,
+                 .status = status,
+                 .priority = priority,
+                 .statusName = statusName,
+                 .priorityName = priorityName,
+                 .hidden = t.hidden,
+                 .startHour = startHour,
+                 .startMin = startMin,
+                 .endHour = endHour,
+                 .endMin = endMin};
+    }
+    m_defaultTimes = {startHour, startMin, endHour, endMin};
+    trace("Edit Task");
+}
+
+void TaskManager::setFilter(qint64 itemStatus)
+{
+    m_tasksInView = tasksOfView(m_tasks, itemStatus, today());
+    trace("Number if tasks in view:", m_tasksInView.size());
+}
+
+void TaskManager::removeAll()
+{
+    m_backupTasks.clear();
+    m_tasks.clear();
+}
+
+} // namespace oblino

@@ -1,0 +1,179 @@
+#pragma once
+
+#include <core/cellidentifiers.h>
+#include <core/sortdescriptor.h>
+#include <core/task.h>
+
+#include <QList>
+#include <QObject>
+#include <QString>
+
+namespace oblino {
+
+class Appearance;
+class ColorWell;
+class Defaults;
+class TextView;
+
+/// The task store: the task list, the list that the main window shows, the full list while a search is
+/// active, the selection, the default times of new tasks, and the settings. It is used on the user-interface
+/// thread alone, except for the settings, and neither writes files nor tells anybody of a change.
+///
+/// The selected list is backupTasks() while searching and tasks() otherwise; selected() indexes it.
+/// Operations on the selected task do nothing where nothing is selected.
+class TaskManager : public QObject
+{
+    Q_OBJECT
+
+public:
+    using CellIdentifiers = oblino::CellIdentifiers;
+
+    /// The keys of the settings.
+    struct defaultsKeys
+    {
+        static inline const QString keyOne = QStringLiteral("twilioSID");
+        static inline const QString keyTwo = QStringLiteral("twillioSecret");
+        static inline const QString keyThree = QStringLiteral("twillioSendingPhoneNo");
+        static inline const QString keyFour = QStringLiteral("twillioNotifications");
+        static inline const QString keyFive = QStringLiteral("twillioMessageTitle");
+        static inline const QString keySix = QStringLiteral("twillioOverwrite");
+        static inline const QString keySeven = QStringLiteral("twillioTestPhoneNo");
+        static inline const QString keyEight = QStringLiteral("twillioMessageFooter");
+        static inline const QString keyNine = QStringLiteral("twillioDelay");
+    };
+
+    explicit TaskManager(Defaults &userDefaults, Appearance &appearance, QObject *parent = nullptr);
+
+    // Lists and state
+
+    [[nodiscard]] const QList<task> &tasks() const { return m_tasks; }
+    void setTasks(const QList<task> &tasks) { m_tasks = tasks; }
+    [[nodiscard]] const QList<task> &tasksInView() const { return m_tasksInView; }
+    [[nodiscard]] const QList<task> &backupTasks() const { return m_backupTasks; }
+    void setBackupTasks(const QList<task> &tasks) { m_backupTasks = tasks; }
+    /// Every task, whether a search is active or not.
+    [[nodiscard]] const QList<task> &fullList() const { return m_isSearching ? m_backupTasks : m_tasks; }
+    /// Index of the selected task in the selected list, -1 when nothing is selected.
+    [[nodiscard]] qint64 selected() const { return m_selected; }
+
+    [[nodiscard]] const DefaultTimes &defaultTimes() const { return m_defaultTimes; }
+    [[nodiscard]] qint64 defaultStartHour() const { return m_defaultTimes.startHour; }
+    [[nodiscard]] qint64 defaultStartMin() const { return m_defaultTimes.startMin; }
+    [[nodiscard]] qint64 defaultEndHour() const { return m_defaultTimes.endHour; }
+    [[nodiscard]] qint64 defaultEndMin() const { return m_defaultTimes.endMin; }
+
+    /// The last status message, for the main window's status line.
+    [[nodiscard]] QString lastMessage() const { return m_lastMessage; }
+    void setLastMessage(const QString &message) { m_lastMessage = message; }
+
+    [[nodiscard]] bool isSearching() const { return m_isSearching; }
+    /// Entering a search keeps the full list aside; leaving it brings the full list back, with every change
+    /// made to it meanwhile.
+    void setIsSearching(bool searching);
+    [[nodiscard]] QString searchTerm() const { return m_searchTerm; }
+    void setSearchTerm(const QString &term) { m_searchTerm = term; }
+
+    // Settings; safe to call from any thread
+
+    void setTwilioSID(const QString &twilioSID);
+    void setTwilioSecret(const QString &twillioSecret);
+    void setTwilioSendingPhoneNo(const QString &twillioSendingPhoneNo);
+    [[nodiscard]] QString getTwilioSID() const;
+    [[nodiscard]] QString getTwilioSecret() const;
+    [[nodiscard]] QString getTwilioSendingPhoneNo() const;
+    void setNotification(bool yn);
+    [[nodiscard]] bool getNotification() const;
+    [[nodiscard]] QString getMessageTitle() const;
+    void setMessageTitle(const QString &messageTitle);
+    [[nodiscard]] QString getMessageFooter() const;
+    void setMessageFooter(const QString &messageFooter);
+    void setOverwrite(bool yn);
+    [[nodiscard]] bool getOverwrite() const;
+    /// @param ms  the pause after each message, in milliseconds
+    void setDelay(qint64 ms);
+    [[nodiscard]] qint64 getDelay() const;
+    void setTestOhoneNo(const QString &testPhoneNo);
+    [[nodiscard]] QString getTestPhoneNo() const;
+
+    // Ordering
+
+    /// Reorders tasks(). During a search those are the results, whose order ends with the search.
+    void sort(const SortDescriptor &sortDescriptor);
+
+    // Tasks
+
+    /// Adds a task at the end of the selected list; its times become the default times. A text key that is
+    /// empty is replaced by a new one.
+    /// @return the key
+    QString addTask(const QString &key, const QDateTime &date, const QString &name, const QString &desc,
+                    const Color &color, const QDateTime &due, qint64 status, qint64 priority,
+                    const QString &statusName, const QString &priorityName, bool hidden, qint64 startHour,
+                    qint64 startMin, qint64 endHour, qint64 endMin, const QString &client,
+                    const QString &teamMember);
+
+    /// Overwrites the selected task but for its key and hidden flag. The times become the default times even
+    /// where nothing is selected.
+    void editSelectedTask(const QDateTime &date, const QString &name, const QString &desc, const Color &color,
+                          const QDateTime &due, qint64 status, qint64 priority, const QString &statusName,
+                          const QString &priorityName, qint64 startHour, qint64 startMin, qint64 endHour,
+                          qint64 endMin, const QString &client, const QString &teamMember);
+
+    /// Rebuilds tasksInView() for the view of that index.
+    void setFilter(qint64 itemStatus);
+
+    // Colours
+
+    /// Sets a form's colours to the neutral ones of the appearance.
+    void changeColor(ColorWell &colorWell, TextView &descriptionColor) const;
+    /// Inverts a form's colour and gives its description the text colour of the appearance.
+    void invertColorWheeel(ColorWell &colorWell, TextView &descriptionColor) const;
+    /// Inverts the colour of every task of the full list.
+    void invertColors();
+
+    // Selection
+
+    /// Selects the task with that key, the last one where several have it.
+    /// @return selected(): -1 when no task has the key
+    qint64 setSelected(const QString &key);
+    /// Moves the selected task one place up or down in tasks(); selected() stays.
+    /// @return whether it moved
+    bool swapSelected(bool upper);
+    /// Sets the selected task to status 1, "Closed". @return whether a task was selected
+    bool closeSelected(QObject *sender);
+    /// Adds a copy of the selected task with a new key. @return whether a task was selected
+    bool cloneSelected(QObject *sender);
+    [[nodiscard]] bool inDarkMode() const;
+    [[nodiscard]] qint64 getSelectedTaskIndex() const { return m_selected; }
+    /// A copy of the selected task, or a blank record where nothing is selected.
+    [[nodiscard]] task getSelectedTask() const;
+    /// Removes the selected task; selected() stays.
+    void removeSelected();
+    /// Empties tasks() and backupTasks(); tasksInView() follows with the next setFilter().
+    void removeAll();
+    void hideSelected();
+    void unhideSelected();
+    /// The selected task's hidden flag; false where nothing is selected.
+    [[nodiscard]] bool getHiddenSelected() const;
+
+private:
+    [[nodiscard]] QList<task> &selectedList() { return m_isSearching ? m_backupTasks : m_tasks; }
+    [[nodiscard]] bool hasSelection() const { return m_selected >= 0 && m_selected < fullList().size(); }
+    [[nodiscard]] QString text(const QString &key) const;
+    void setHiddenOfSelected(bool hidden);
+
+    QList<task> m_tasks;
+    QList<task> m_tasksInView;
+    QList<task> m_backupTasks;
+    qint64 m_selected = -1;
+    DefaultTimes m_defaultTimes;
+    QString m_lastMessage;
+    bool m_isSearching = false;
+    QString m_searchTerm;
+    Defaults &defaults;
+    Appearance &m_appearance;
+};
+
+/// The task store of the application, made on first use.
+[[nodiscard]] TaskManager &tskMgr();
+
+} // namespace oblino

@@ -1,0 +1,103 @@
+#include <core/taskmanager.h>
+
+#include <platform/clock.h>
+#include <platform/trace.h>
+
+#include <algorithm>
+
+namespace oblino {
+
+qint64 TaskManager::setSelected(const QString &key)
+{
+    m_selected = -1;
+    const QList<task> &list = fullList();
+    for (qsizetype i = 0; i < list.size(); ++i) {
+        if (list.at(i).key == key)
+            m_selected = i;
+    }
+    return m_selected;
+}
+
+bool TaskManager::swapSelected(bool upper)
+{
+    const qint64 other = upper ? m_selected - 1 : m_selected + 1;
+    const bool bothExist = m_selected >= 0 && other >= 0 && std::max(m_selected, other) < m_tasks.size();
+    if (bothExist)
+        m_tasks.swapItemsAt(m_selected, other);
+    return bothExist;
+}
+
+bool TaskManager::closeSelected(QObject *)
+{
+    if (!hasSelection())
+        return false;
+    task &t = selectedList()[m_selected];
+    t.status = ClosedStatus;
+    t.statusName = QStringLiteral("Closed");
+    return true;
+}
+
+bool TaskManager::cloneSelected(QObject *)
+{
+    if (!hasSelection())
+        return false;
+    const task t = fullList().at(m_selected);
+    addTask({}, t.date, t.name, t.desc, t.color, t.due, t.status, t.priority, t.statusName, t.priorityName,
+            t.hidden, t.startHour, t.startMin, t.endHour, t.endMin, t.client, t.teamMember);
+    return true;
+}
+
+task TaskManager::getSelectedTask() const
+{
+    if (hasSelection())
+        return fullList().at(m_selected);
+    const QDateTime moment = now();
+    return task{.key = {},
+                .date = moment,
+                .name = {},
+                .desc = {},
+                .client = QStringLiteral("UnAssigned"),
+                .teamMember = QStringLiteral("UnAssigned"),
+                .color = Color(),
+                .due = moment,
+                .status = 0,
+                .priority = 0,
+                .statusName = {},
+                .priorityName = {},
+                .hidden = false,
+                .startHour = m_defaultTimes.startHour,
+                .startMin = m_defaultTimes.startMin,
+                .endHour = m_defaultTimes.endHour,
+                .endMin = m_defaultTimes.endMin};
+}
+
+void TaskManager::removeSelected()
+{
+    if (hasSelection())
+        selectedList().removeAt(m_selected);
+}
+
+void TaskManager::hideSelected()
+{
+    setHiddenOfSelected(true);
+}
+
+void TaskManager::unhideSelected()
+{
+    setHiddenOfSelected(false);
+}
+
+bool TaskManager::getHiddenSelected() const
+{
+    if (!m_isSearching)
+        trace("Selected:", m_selected);
+    return hasSelection() && fullList().at(m_selected).hidden;
+}
+
+void TaskManager::setHiddenOfSelected(bool hidden)
+{
+    if (hasSelection())
+        selectedList()[m_selected].hidden = hidden;
+}
+
+} // namespace oblino

@@ -1,0 +1,78 @@
+#include <core/taskviews.h>
+
+#include <core/days.h>
+
+namespace oblino {
+
+namespace {
+
+enum View : qint64 {
+    AllView = 0,
+    HiddenView = 3,
+    HiddenOpenView = 4,
+    HiddenClosedView = 5,
+    GlobalOpenView = 7,
+    GlobalClosedView = 8,
+    DueTodayView = 9,
+};
+
+// What a view admits beside the tasks of rule 1 in timesInView().
+bool admitted(const task &t, qint64 itemStatus, QDate day)
+{
+    switch (itemStatus) {
+    case HiddenView:
+        return t.hidden;
+    case HiddenOpenView:
+        return t.hidden && t.status == OpenStatus;
+    case HiddenClosedView:
+        return t.hidden && t.status == ClosedStatus;
+    case globalAllView:
+        return true;
+    case GlobalOpenView:
+        return t.status == OpenStatus;
+    case GlobalClosedView:
+        return t.status == ClosedStatus;
+    case DueTodayView:
+        return compareDays(day, t.due.date()) == DayOrder::Same;
+    default:
+        return false;
+    }
+}
+
+} // namespace
+
+QStringList viewLabels()
+{
+    return {QStringLiteral("All"),         QStringLiteral("Open"),          QStringLiteral("Closed"),
+            QStringLiteral("Hidden"),      QStringLiteral("Hidden Open"),   QStringLiteral("Hidden Closed"),
+            QStringLiteral("Global-All"),  QStringLiteral("Global-Open"),   QStringLiteral("Global-Closed"),
+            QStringLiteral("Due Today")};
+}
+
+int timesInView(const task &t, qint64 itemStatus, QDate day)
+{
+    const bool ordinary = (itemStatus == AllView || t.status == itemStatus - 1) && !t.hidden;
+    return (ordinary ? 1 : 0) + (admitted(t, itemStatus, day) ? 1 : 0);
+}
+
+QList<task> tasksOfView(const QList<task> &tasks, qint64 itemStatus, QDate day)
+{
+    qsizetype kept = 0; // how many stand in the view, each once, without a gap from the start
+    int times = 1;
+    while (kept < tasks.size() && (times = timesInView(tasks.at(kept), itemStatus, day)) == 1)
+        ++kept;
+    if (kept == tasks.size())
+        return tasks; // the same list, shared
+
+    QList<task> view;
+    view.reserve(tasks.size());
+    view.append(tasks.first(kept));
+    view.insert(view.size(), times, tasks.at(kept));
+    for (const task &t : tasks.sliced(kept + 1)) {
+        for (times = timesInView(t, itemStatus, day); times > 0; --times)
+            view.append(t);
+    }
+    return view;
+}
+
+} // namespace oblino

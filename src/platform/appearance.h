@@ -1,0 +1,35 @@
+#pragma once
+
+#include <QObject>
+#include <QString>
+
+#include <optional>
+
+namespace oblino {
+
+/// The user's global appearance setting: the text under "AppleInterfaceStyle", which is "Dark" while the
+/// dark appearance is on and absent otherwise. It holds what a source such as PortalAppearance tells it.
+class Appearance : public QObject
+{
+    Q_OBJECT
+
+public:
+    explicit Appearance(QObject *parent = nullptr);
+
+    /// The appearance of this user's desktop.
+    static Appearance &standard();
+
+    /// The text stored under a key of the global defaults; none for a key that holds nothing.
+    [[nodiscard]] std::optional<QString> text(const QString &key) const;
+
+    /// Sets the text under "AppleInterfaceStyle"; tells observers when it differs from before.
+    void setInterfaceStyle(const std::optional<QString> &style);
+
+Q_SIGNALS:
+    void changed();
+
+private:
+    std::optional<QString> m_interfaceStyle;
+};
+
+} // namespace oblino

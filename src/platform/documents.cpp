@@ -1,0 +1,53 @@
+#include <platform/documents.h>
+
+#include <QDir>
+#include <QStandardPaths>
+
+#include <utility>
+
+namespace oblino {
+
+namespace {
+
+std::optional<QString> documentsFolder()
+{
+    // Without a home QStandardPaths answers folders below the root, which are nobody's.
+    if (qEnvironmentVariableIsEmpty("HOME"))
+        return std::nullopt;
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    if (folder.isEmpty() || !QDir().mkpath(folder))
+        return std::nullopt;
+    return folder;
+}
+
+} // namespace
+
+Documents::Documents(std::optional<QString> folder, QString privateFolder, FileCalls &calls)
+    : m_folder(std::move(folder)), m_privateFolder(std::move(privateFolder)), m_calls(calls)
+{
+}
+
+Documents &Documents::standard()
+{
+    static Documents documents(documentsFolder(),
+                               QStandardPaths::writableLocation(QStandardPaths::AppDataLocation));
+    return documents;
+}
+
+SafeFile *Documents::file(const QString &name)
+{
+    if (!m_folder)
+        return nullptr;
+    const auto [entry, isNew] =
+        m_files.try_emplace(name, QDir(*m_folder).filePath(name), m_privateFolder, m_calls);
+    if (isNew)
+        m_notices += entry->second.recover();
+    return &entry->second;
+}
+
+QStringList Documents::takeNotices()
+{
+    return std::exchange(m_notices, {});
+}
+
+} // namespace oblino

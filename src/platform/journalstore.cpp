@@ -1,0 +1,69 @@
+#include <platform/journalstore.h>
+
+#include <platform/openfile.h>
+
+#include <QFile>
+
+#include <cerrno>
+
+#include <fcntl.h>
+
+namespace oblino {
+
+JournalStore::JournalStore(const QString &folder, FileCalls &calls)
+    : m_folder(QFile::encodeName(folder)), m_calls(calls)
+{
+}
+
+QByteArray JournalStore::fileFor(const QByteArray &path) const
+{
+    constexpr qsizetype digits = 32;
+    return m_folder + '/' + sha256(path).toHex().first(digits) + ".journal";
+}
+
+QByteArray JournalStore::unfinishedFor(const QByteArray &path) const
+{
+    return fileFor(path) + ".tmp";
+}
+
+int JournalStore::load(const QByteArray &path, std::optional<Journal> &journal)
+{
+    QByteArray bytes;
+    OpenFile file(m_calls);
+    int error = file.openRegular(fileFor(path), O_RDONLY);
+    if (error == 0)
+        error = file.readAll(bytes);
+    if (error == 0)
+        journal = Journal::decoded(bytes);
+    return error;
+}
+
+int JournalStore::store(const Journal &journal, bool &isInPlace)
+{
+    const QByteArray unfinished = unfinishedFor(journal.path);
+    OpenFile file(m_calls);
+    int error = file.openPrivate(unfinished, O_TRUNC);
+    if (error == 0)
+        error = file.writeAll(journal.encoded());
+    if (error == 0)
+        error = file.sync();
+    if (error == 0 && m_calls.rename(unfinished, fileFor(journal.path)) == -1)
+        error = errno;
+    isInPlace = error == 0;
+    if (isInPlace)
+        return syncFolder(m_calls, m_folder);
+    m_calls.unlink(unfinished);
+    return error;
+}
+
+void JournalStore::remove(const QByteArray &path)
+{
+    m_calls.unlink(fileFor(path));
+}
+
+void JournalStore::removeUnfinished(const QByteArray &path)
+{
+    m_calls.unlink(unfinishedFor(path));
+}
+
+} // namespace oblino

@@ -1,0 +1,207 @@
+#include <platform/openfile.h>
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <cerrno>
+#include <filesystem>
+#include <system_error>
+
+#include <fcntl.h>
+
+namespace oblino {
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+/// A longer file is no text that anybody plans with, and reading it would use up the memory.
+constexpr qsizetype largestFile = qsizetype{1} << 30;
+
+template<typename Call>
+auto uninterrupted(Call call)
+{
+    auto answer = call();
+    while (answer == -1 && errno == EINTR)
+        answer = call();
+    return answer;
+}
+
+template<typename Call>
+int outcome(Call call)
+{
+    return uninterrupted(call) == -1 ? errno : 0;
+}
+
+int makeFolder(FileCalls &calls, const QByteArray &path)
+{
+    int error = outcome([&] { return calls.mkdir(path, 0700); });
+    if (error == ENOENT && parentFolder(path) != path) {
+        error = makeFolder(calls, parentFolder(path));
+        if (error == 0)
+            error = outcome([&] { return calls.mkdir(path, 0700); });
+    }
+    if (error == EEXIST)
+        return 0;
+    return error != 0 ? error : syncFolder(calls, parentFolder(path));
+}
+
+bool isSameTime(const timespec &a, const timespec &b)
+{
+    return a.tv_sec == b.tv_sec && a.tv_nsec == b.tv_nsec;
+}
+
+} // namespace
+
+OpenFile::~OpenFile()
+{
+    if (m_fd != -1)
+        m_calls.close(m_fd);
+}
+
+int OpenFile::open(const QByteArray &path, int flags, mode_t mode)
+{
+    if (m_fd != -1)
+        m_calls.close(m_fd);
+    m_fd = uninterrupted([&] { return m_calls.open(path, flags | O_CLOEXEC | O_NOCTTY, mode); });
+    return m_fd == -1 ? errno : 0;
+}
+
+int OpenFile::openRegular(const QByteArray &path, int flags, mode_t mode)
+{
+    // Without O_NONBLOCK a named pipe would wait for its other end.
+    int error = open(path, flags | O_NONBLOCK, mode);
+    if (error == 0)
+        error = takeStatus();
+    if (error == 0 && !S_ISREG(m_status.st_mode))
+        error = S_ISDIR(m_status.st_mode) ? EISDIR : notRegular;
+    return error;
+}
+
+int OpenFile::openPrivate(const QByteArray &path, int flags)
+{
+    int error = openRegular(path, O_RDWR | O_CREAT | flags);
+    if (error == ENOENT) {
+        error = makeFolder(m_calls, parentFolder(path));
+        if (error == 0)
+            error = openRegular(path, O_RDWR | O_CREAT | flags);
+    }
+    return error;
+}
+
+int OpenFile::takeStatus()
+{
+    return outcome([&] { return m_calls.fstat(m_fd, &m_status); });
+}
+
+int OpenFile::readAll(QByteArray &bytes)
+{
+    qsizetype filled = 0;
+    if (m_status.st_size > largestFile)
+        return EFBIG;
+    // The one byte more lets the end of the file show without growing the buffer.
+    bytes.resize(m_status.st_size + 1);
+    for (;;) {
+        const ssize_t count = uninterrupted([&] {
+            return m_calls.pread(m_fd, bytes.data() + filled, static_cast<size_t>(bytes.size() - filled),
+                                 filled);
+        });
+        if (count == -1)
+            return errno;
+        if (count == 0)
+            break;
+        filled += count;
+        if (filled > largestFile)
+            return EFBIG;
+        if (filled == bytes.size())
+            bytes.resize(2 * filled);
+    }
+    bytes.truncate(filled);
+    return 0;
+}
+
+int OpenFile::writeAll(const QByteArray &bytes, off_t offset)
+{
+    qsizetype done = 0;
+    while (done < bytes.size()) {
+        const ssize_t count = uninterrupted([&] {
+            return m_calls.pwrite(m_fd, bytes.constData() + done, static_cast<size_t>(bytes.size() - done),
+                                  offset + done);
+        });
+        if (count == -1)
+            return errno;
+        if (count == 0)
+            return ENOSPC;
+        done += count;
+    }
+    return 0;
+}
+
+int OpenFile::resize(off_t size)
+{
+    return outcome([&] { return m_calls.ftruncate(m_fd, size); });
+}
+
+int OpenFile::sync()
+{
+    return outcome([&] { return m_calls.fsync(m_fd); });
+}
+
+int OpenFile::reserve(off_t size)
+{
+    if (size == 0)
+        return 0;
+    const int error = outcome([&] { return m_calls.reserve(m_fd, size); });
+    return error == EOPNOTSUPP || error == ENOSYS || error == EINVAL ? 0 : error;
+}
+
+bool isUntouched(const struct stat &a, const struct stat &b)
+{
+    // A program may set the time of modification back, but not that of the last change.
+    return a.st_dev == b.st_dev && a.st_ino == b.st_ino && a.st_size == b.st_size &&
+           isSameTime(a.st_mtim, b.st_mtim) && isSameTime(a.st_ctim, b.st_ctim);
+}
+
+QByteArray withoutLinks(const QString &path)
+{
+    // QFileInfo and weakly_canonical() give up at a link to a missing file, which a save is to create.
+    constexpr int mostLinks = 40;
+    std::error_code error;
+    std::filesystem::path file = QFile::encodeName(QFileInfo(path).absoluteFilePath()).toStdString();
+    for (int links = 0; links < mostLinks; ++links) {
+        const auto folder = std::filesystem::weakly_canonical(file.parent_path(), error);
+        if (!error)
+            file = folder / file.filename();
+        const auto next = std::filesystem::read_symlink(file, error);
+        if (error)
+            break;
+        file = file.parent_path() / next;
+    }
+    return QByteArray::fromStdString(file.string());
+}
+
+QByteArray parentFolder(const QByteArray &path)
+{
+    const qsizetype slash = path.lastIndexOf('/');
+    return slash > 0 ? path.first(slash) : QByteArray("/");
+}
+
+int syncFolder(FileCalls &calls, const QByteArray &path)
+{
+    OpenFile folder(calls);
+    int error = folder.open(path, O_RDONLY | O_DIRECTORY);
+    // A folder that may be written but not read cannot be synced by anybody like us.
+    if (error == EACCES)
+        return 0;
+    if (error == 0)
+        error = folder.sync();
+    // So say file systems that know no syncing of folders.
+    return error == EINVAL ? 0 : error;
+}
+
+QString errorWords(int error)
+{
+    return error == OpenFile::notRegular ? u"it is not a regular file"_s : qt_error_string(error);
+}
+
+} // namespace oblino

@@ -1,0 +1,63 @@
+#pragma once
+
+#include <platform/filecalls.h>
+
+#include <QByteArray>
+#include <QString>
+
+namespace oblino {
+
+/// One open file, closed when it goes. Calls that a signal interrupts are made again. Every function answers
+/// 0, or what went wrong: an `errno` or notRegular.
+class OpenFile
+{
+public:
+    static constexpr int notRegular = -1;
+
+    explicit OpenFile(FileCalls &calls) : m_calls(calls) {}
+    OpenFile(const OpenFile &) = delete;
+    OpenFile &operator=(const OpenFile &) = delete;
+    ~OpenFile();
+
+    [[nodiscard]] int open(const QByteArray &path, int flags, mode_t mode = 0600);
+
+    /// Opens a regular file and takes its status; anything else is refused without waiting for it.
+    [[nodiscard]] int openRegular(const QByteArray &path, int flags, mode_t mode = 0600);
+
+    /// Opens for writing a file (0600) in a private folder (0700), and makes the folder when it is missing.
+    [[nodiscard]] int openPrivate(const QByteArray &path, int flags);
+
+    [[nodiscard]] int takeStatus();
+    /// The status as it was last taken.
+    [[nodiscard]] const struct stat &status() const { return m_status; }
+
+    [[nodiscard]] int readAll(QByteArray &bytes);
+    [[nodiscard]] int writeAll(const QByteArray &bytes, off_t offset = 0);
+    [[nodiscard]] int resize(off_t size);
+    [[nodiscard]] int sync();
+
+    /// Sees to it that `size` bytes fit the disk, where the file system can tell.
+    [[nodiscard]] int reserve(off_t size);
+
+private:
+    FileCalls &m_calls;
+    int m_fd = -1;
+    struct stat m_status = {};
+};
+
+/// Whether `a` and `b` are of the same file, and nobody wrote to it between them.
+[[nodiscard]] bool isUntouched(const struct stat &a, const struct stat &b);
+
+/// The file that `path` leads to, be it there or not.
+[[nodiscard]] QByteArray withoutLinks(const QString &path);
+
+/// The folder that holds the file or folder `path`.
+[[nodiscard]] QByteArray parentFolder(const QByteArray &path);
+
+/// Sees the names in a folder safely on disk.
+[[nodiscard]] int syncFolder(FileCalls &calls, const QByteArray &path);
+
+/// A failure of the functions above in words for the user, fit for the end of a sentence.
+[[nodiscard]] QString errorWords(int error);
+
+} // namespace oblino

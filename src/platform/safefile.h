@@ -1,0 +1,103 @@
+#pragma once
+
+#include <platform/filecalls.h>
+#include <platform/journalstore.h>
+#include <platform/recoveryfolder.h>
+
+#include <QByteArray>
+#include <QList>
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+namespace oblino {
+
+class OpenFile;
+
+/// What came of reading a whole file.
+struct FileReading
+{
+    enum class Outcome { Read, Missing, Failed };
+
+    Outcome outcome = Outcome::Failed;
+    QByteArray bytes; ///< the file's content when it was read, else empty
+    QString error;    ///< why it failed, in words for the user, else empty
+};
+
+/// What came of writing a whole file.
+struct FileWriting
+{
+    bool written = false;
+    QString error;       ///< why it was not written, in words for the user
+    QStringList notices; ///< what the user should know besides, written or not, in whole sentences
+};
+
+/// One file of the user's, rewritten whole and in place, so that its inode, links, owner and mode stay. A
+/// crash, a full disk or a power cut at any moment leaves the old content or the new one: before the file is
+/// touched, the new content lies complete in a journal in the program's private folder, and recover() brings
+/// an interrupted save to its end.
+class SafeFile
+{
+public:
+    /// @param path           the user's file; symbolic links are followed
+    /// @param privateFolder  where journal and recovery copies go; made (0700) when first needed
+    SafeFile(QString path, const QString &privateFolder, FileCalls &calls = FileCalls::posix());
+
+    /// Ends a save that a crash cut short. To be called once, before the first read(). Where that fails, the
+    /// journal stays, and read() answers its text until a write() succeeds.
+    /// @return what the user should know of it, in whole sentences; usually nothing
+    [[nodiscard]] QStringList recover();
+
+    /// Reads the whole file and remembers what was seen. Anything but a regular file fails without waiting.
+    /// While a save is unfinished, a file that can be read is answered with the text of that save.
+    [[nodiscard]] FileReading read();
+
+    /// Replaces the content. When another program changed the file since it was last read or written, that
+    /// version is copied into the recovery folder first. On failure the old content stays, or lies complete
+    /// in the journal.
+    [[nodiscard]] FileWriting write(const QByteArray &bytes);
+
+    /// Appends `bytes` under a dated heading to a file in the recovery folder and sees them safely on disk.
+    /// @return an error in words for the user, empty when it was done
+    [[nodiscard]] QString setAside(const QByteArray &bytes);
+
+    [[nodiscard]] QString path() const { return m_path; }
+    [[nodiscard]] QString journalPath() const;
+    [[nodiscard]] QString recoveryFolder() const;
+    /// The file that setAside() appends to.
+    [[nodiscard]] QString asidePath() const;
+
+private:
+    /// What is known of the file.
+    struct Seen
+    {
+        bool known = false;      ///< the content was read, or is our own writing
+        struct stat status = {}; ///< when it was last looked at
+        QByteArray hash;         ///< of the content, empty after a write that failed midway
+    };
+
+    [[nodiscard]] QString fileName() const;
+
+    [[nodiscard]] int save(const QByteArray &bytes, QStringList &notices);
+    [[nodiscard]] int openForSaving(OpenFile &file, const QByteArray &path);
+    [[nodiscard]] int keepOtherVersion(OpenFile &file, QStringList &notices);
+    [[nodiscard]] int keepUnless(const QList<QByteArray> &known, OpenFile &file, const QString &words,
+                                 QStringList &notices);
+    [[nodiscard]] int keepStrayJournal(const Journal &next, QStringList &notices);
+    [[nodiscard]] int overwrite(OpenFile &file, const Journal &journal);
+    [[nodiscard]] bool holds(const QByteArray &path, const QByteArray &hash);
+    void finish(const Journal &journal, QStringList &notices);
+    void setJournalAside(const QByteArray &path, QStringList &notices);
+
+    QString m_path;
+    FileCalls &m_calls;
+    JournalStore m_journals;
+    RecoveryFolder m_recovery;
+    Seen m_seen;
+    std::optional<QByteArray> m_pending; ///< the text of an unfinished save, which the journal holds
+    bool m_nameIsSafe = false;           ///< the file's name was seen safely on disk
+    bool m_strayJournal = true;          ///< a journal may be there whose text nobody has read
+};
+
+} // namespace oblino

@@ -1,0 +1,72 @@
+#include <platform/unixsignals.h>
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <csignal>
+
+namespace oblino {
+
+namespace {
+
+constexpr std::array endingSignals = {SIGTERM, SIGINT, SIGHUP};
+constexpr unsigned secondsToEnd = 3;
+
+std::atomic<int> writeEnd = -1; // lock-free, as a signal handler needs it
+
+void handle(int)
+{
+    const int before = errno;
+    const char byte = 0;
+    if (::write(writeEnd.load(), &byte, 1) < 0) {
+        // The pipe is full: the event loop knows already.
+    }
+    errno = before;
+}
+
+void setHandler(int number, void (*handler)(int))
+{
+    struct sigaction action = {};
+    action.sa_handler = handler;
+    action.sa_flags = SA_RESTART;
+    ::sigaction(number, &action, nullptr);
+}
+
+} // namespace
+
+UnixSignals::UnixSignals(QObject *parent)
+    : QObject(parent)
+    , m_notifier(QSocketNotifier::Read)
+{
+    if (::pipe2(m_ends, O_CLOEXEC | O_NONBLOCK) != 0)
+        return;
+    writeEnd = m_ends[1];
+    m_notifier.setSocket(m_ends[0]);
+    m_notifier.setEnabled(true);
+    connect(&m_notifier, &QSocketNotifier::activated, this, &UnixSignals::take);
+    for (const int number : endingSignals)
+        setHandler(number, handle);
+    setHandler(SIGPIPE, SIG_IGN); // whoever reads the traces may go away
+}
+
+UnixSignals::~UnixSignals()
+{
+    for (const int number : endingSignals)
+        setHandler(number, SIG_DFL);
+    m_notifier.setEnabled(false);
+    for (const int end : m_ends)
+        ::close(end);
+}
+
+void UnixSignals::take()
+{
+    char bytes[64];
+    while (::read(m_ends[0], bytes, sizeof bytes) > 0) { }
+    ::alarm(secondsToEnd);
+    Q_EMIT endRequested();
+}
+
+} // namespace oblino

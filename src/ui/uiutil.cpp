@@ -1,0 +1,114 @@
+#include <ui/uiutil.h>
+
+#include <core/celltext.h>
+#include <core/days.h>
+#include <platform/soundplayer.h>
+#include <platform/trace.h>
+#include <platform/widgets/messageboxalert.h>
+
+#include <QTimeEdit>
+
+#include <algorithm>
+#include <utility>
+
+namespace oblino {
+
+namespace {
+
+const QString sound = QStringLiteral(":/sounds/ding.mp3");
+
+} // namespace
+
+UIUtil::UIUtil(std::unique_ptr<Alert> alert)
+    : m_alert(std::move(alert))
+{
+}
+
+UIUtil::~UIUtil() = default;
+
+UIUtil &uiUtil()
+{
+    static UIUtil instance(std::make_unique<MessageBoxAlert>());
+    return instance;
+}
+
+void UIUtil::setAlert(std::unique_ptr<Alert> alert)
+{
+    m_alert = std::move(alert);
+}
+
+bool UIUtil::dialogOKCancel(const QString &question, const QString &text)
+{
+    return m_alert->ask({question, text, {QStringLiteral("OK"), QStringLiteral("Cancel")}, 1}) == 0;
+}
+
+bool UIUtil::dialogYesNo(const QString &question, const QString &text)
+{
+    return m_alert->ask({question, text, {QStringLiteral("Yes"), QStringLiteral("No")}, 1}) == 0;
+}
+
+bool UIUtil::dialogOK(const QString &text)
+{
+    (void)m_alert->ask({{}, text, {QStringLiteral("OK")}, 0});
+    return true;
+}
+
+QString UIUtil::truncUntilNL(const QString &text) const
+{
+    return textUntilLineFeed(text);
+}
+
+template<>
+int UIUtil::compareDate<int>(const QDateTime &date1, const QDateTime &date2) const
+{
+    const QDate first = date1.date();
+    const QDate second = date2.date();
+    return first < second ? 1 : first == second ? 0 : -1;
+}
+
+template<>
+bool UIUtil::compareDate<bool>(const QDateTime &date1, const QDateTime &date2) const
+{
+    return compareDays(date1.date(), date2.date()) != DayOrder::Descending;
+}
+
+void UIUtil::prepareSound()
+{
+    if (!SoundPlayer::exists(sound))
+        return;
+    soundPlayer = std::make_unique<SoundPlayer>(sound);
+    QObject::connect(soundPlayer.get(), &SoundPlayer::failed, soundPlayer.get(), [](const QString &description) {
+        trace("Sound player not available: ", description);
+    });
+    soundPlayer->prepare();
+}
+
+void UIUtil::playSound()
+{
+    if (soundPlayer)
+        soundPlayer->play();
+}
+
+int UIUtil::getHourFromDatePicker(const QTimeEdit &datePicker) const
+{
+    return datePicker.time().hour();
+}
+
+int UIUtil::getMinuteFromDatePicker(const QTimeEdit &datePicker) const
+{
+    return datePicker.time().minute();
+}
+
+void UIUtil::setTimeDatePicker(QTimeEdit &datePicker, qint64 hour, qint64 min) const
+{
+    datePicker.setTime(QTime(static_cast<int>(std::clamp<qint64>(hour, 0, 23)),
+                             static_cast<int>(std::clamp<qint64>(min, 0, 59))));
+}
+
+QString UIUtil::amPM(qint64 hour, qint64 min) const
+{
+    trace("Hour:", hour, " Min:", min);
+    return twelveHourTime(hour, min);
+}
+
+} // namespace oblino

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <QDate>
+#include <QDateTime>
+#include <QString>
+
+#include <memory>
+
+class QTimeEdit;
+
+namespace oblino {
+
+class Alert;
+class SoundPlayer;
+
+/// The small routines that every window uses: modal questions, the one-line cut of a description, day
+/// comparisons, the sound, time pickers and the twelve-hour time text.
+class UIUtil
+{
+public:
+    explicit UIUtil(std::unique_ptr<Alert> alert);
+    UIUtil(const UIUtil &) = delete;
+    UIUtil &operator=(const UIUtil &) = delete;
+    ~UIUtil();
+
+    /// Replaces the way in which questions are asked.
+    void setAlert(std::unique_ptr<Alert> alert);
+
+    /// @return whether "OK" was pressed
+    [[nodiscard]] bool dialogOKCancel(const QString &question, const QString &text);
+    /// @return whether "Yes" was pressed
+    [[nodiscard]] bool dialogYesNo(const QString &question, const QString &text);
+    /// @return true, once the alert is gone
+    bool dialogOK(const QString &text);
+
+    /// The text before its first line feed, followed by "..."; a text without a line feed as it is.
+    [[nodiscard]] QString truncUntilNL(const QString &text) const;
+
+    /// Compares two moments by calendar day. As an `int`: 1 when the first is on an earlier day, 0 on the
+    /// same day, -1 when it is on a later day. As a `bool`: whether the first is on or before the day of the
+    /// second.
+    template<typename Result>
+    [[nodiscard]] Result compareDate(const QDateTime &date1, const QDateTime &date2) const;
+
+    void prepareSound();
+    void playSound();
+
+    /// 0..23
+    [[nodiscard]] int getHourFromDatePicker(const QTimeEdit &datePicker) const;
+    /// 0..59
+    [[nodiscard]] int getMinuteFromDatePicker(const QTimeEdit &datePicker) const;
+    /// Hours and minutes outside 0..23 and 0..59 count as the nearest inside.
+    void setTimeDatePicker(QTimeEdit &datePicker, qint64 hour, qint64 min) const;
+
+    /// The time of day on a twelve-hour clock, as in 12:05AM.
+    [[nodiscard]] QString amPM(qint64 hour, qint64 min) const;
+
+private:
+    std::unique_ptr<Alert> m_alert;
+    std::unique_ptr<SoundPlayer> soundPlayer; // none until prepareSound() has found the sound
+};
+
+template<>
+int UIUtil::compareDate<int>(const QDateTime &date1, const QDateTime &date2) const;
+template<>
+bool UIUtil::compareDate<bool>(const QDateTime &date1, const QDateTime &date2) const;
+
+/// The utilities of the application, made on first use.
+[[nodiscard]] UIUtil &uiUtil();
+
+} // namespace oblino

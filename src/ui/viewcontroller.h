@@ -1,0 +1,155 @@
+#pragma once
+
+#include <ui/tasktablemodel.h>
+
+#include <core/sortdescriptor.h>
+#include <core/task.h>
+#include <core/tasklistfile.h>
+
+#include <QHash>
+#include <QMainWindow>
+
+#include <memory>
+
+class QAction;
+class QActionGroup;
+class QComboBox;
+class QLabel;
+class QTableView;
+class QToolButton;
+
+namespace oblino {
+
+namespace Ui {
+class ViewController;
+}
+
+class EmptyState;
+class NotificationCenter;
+class SearchField;
+class TaskManager;
+class UIUtil;
+
+/// The main window: turns the user's actions into operations of the task store, keeps table and commands in
+/// step with it, and has the list saved after every change.
+class ViewController : public QMainWindow, private TaskTableSource
+{
+    Q_OBJECT
+
+public:
+    ViewController(TaskManager &store, Documents &documents, UIUtil &utilities, NotificationCenter &notifications,
+                   QWidget *parent = nullptr);
+    ~ViewController() override;
+
+    // Commands
+
+    void ChangeView();
+    void search();
+    void upper();
+    void downer();
+    void hideClicked();
+    void btnDeleteTask_Click(QObject *sender);
+    void cloneTask(QObject *sender);
+    void closeTask(QObject *sender);
+    void doubleClickTable();
+    void doubleClickOnResultRow();
+
+    // What others tell the window
+
+    void reloadTableData();
+    void updateComplete();
+    void interfaceModeChanged();
+
+    // The task list file
+
+    bool saveToFile();
+    [[nodiscard]] QString readFromFile();
+    QString splitStringFile(const QString &joinedStr);
+
+    /// Brings the window in front of the others.
+    void comeToFront();
+
+Q_SIGNALS:
+    /// The window was closed, which ends the application.
+    void terminationRequested();
+
+protected:
+    void showEvent(QShowEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
+
+private:
+    // Life cycle
+
+    void viewDidLoad();
+    void viewWillAppear();
+    bool windowShouldClose();
+
+    // The table
+
+    [[nodiscard]] int numberOfRows() override;
+    [[nodiscard]] QString objectValueFor(int column, int row) const override;
+    [[nodiscard]] QString wholeTextFor(int column, int row) const override;
+    [[nodiscard]] QColor didAdd(int row) const override;
+    [[nodiscard]] int markFor(int column, int row) const override;
+    void sortDescriptorsDidChange(int section, Qt::SortOrder order);
+    void tableViewSelectionDidChange();
+
+    void disableSelectionButtons();
+    void enableSelectionButtons();
+    void reinitForSearching();
+
+    // Setting up
+
+    void bindOutlets();
+    void connectCommands();
+    void fillViews();
+    void fillSortMenu();
+    void prepareTable();
+
+    // Helpers
+
+    void reload();
+    void reloadKeepingSelection();
+    void changeList();
+    void moveSelected(bool up, const QString &elsewhereMessage);
+    void showHideCommand(bool hidden);
+    void setSelectionCommandsEnabled(bool enabled);
+    void forgetSortOrder();
+    void copyKey();
+    void about();
+    void showNotices();
+    void showCounts();
+    [[nodiscard]] bool selectionIsShown() const;
+    [[nodiscard]] int rowOfKey(const QString &key) const;
+    [[nodiscard]] int viewIndex() const;
+
+    std::unique_ptr<Ui::ViewController> m_ui;
+    TaskManager &m_store;
+    UIUtil &m_utilities;
+    NotificationCenter &m_notifications;
+    TaskListFile m_file;
+    TaskTableModel m_model;
+    QList<SortDescriptor> m_sortPrototypes;
+    QHash<QAction *, QString> m_toolTips; // of commands while they are enabled
+    QString m_selectedKey;                // of the task that the user selected last
+    QActionGroup *m_views = nullptr;
+
+    // Outlets
+
+    QTableView *tblView = nullptr;
+    QToolButton *deleteButton = nullptr;
+    QToolButton *hideButton = nullptr;
+    QToolButton *upperButton = nullptr;
+    QToolButton *downerButton = nullptr;
+    QToolButton *editButton = nullptr;
+    QToolButton *shareButton = nullptr;
+    QToolButton *cloneButton = nullptr;
+    QToolButton *closeButton = nullptr;
+    QComboBox *viewSelection = nullptr;
+    SearchField *searchField = nullptr;
+    QLabel *statusMessage = nullptr;
+    QLabel *statusMessageLabel = nullptr;
+    EmptyState *m_emptyState = nullptr;
+};
+
+} // namespace oblino

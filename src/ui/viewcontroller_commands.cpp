@@ -1,0 +1,172 @@
+// The commands of the main window on the selected task.
+#include <ui/viewcontroller.h>
+
+#include <ui/icons.h>
+#include <ui/uiutil.h>
+#include <ui_viewcontroller.h>
+
+#include <core/taskmanager.h>
+#include <core/taskviews.h>
+#include <platform/pasteboard.h>
+#include <platform/trace.h>
+
+#include <QCoreApplication>
+#include <QLabel>
+#include <QMessageBox>
+#include <QToolButton>
+
+namespace oblino {
+
+namespace {
+
+const QString selectFirst = QStringLiteral("Select a task first.");
+
+} // namespace
+
+void ViewController::enableSelectionButtons()
+{
+    setSelectionCommandsEnabled(true);
+    for (QAction *action : {m_ui->moveUpAction, m_ui->moveDownAction})
+        action->setEnabled(true);
+}
+
+void ViewController::disableSelectionButtons()
+{
+    setSelectionCommandsEnabled(false);
+}
+
+void ViewController::setSelectionCommandsEnabled(bool enabled)
+{
+    for (QAction *action : {m_ui->deleteAction, m_ui->hideAction, m_ui->cloneAction, m_ui->closeAction, m_ui->copyKeyAction}) {
+        action->setEnabled(enabled);
+        if (action != m_ui->hideAction) // its tool tip says which way it works
+            action->setToolTip(enabled ? m_toolTips.value(action) : selectFirst);
+    }
+}
+
+void ViewController::showHideCommand(bool hidden)
+{
+    m_ui->hideAction->setIcon(themedIcon(hidden ? QStringLiteral("AppHideIcon") : QStringLiteral("AppShowIcon")));
+    m_ui->hideAction->setText(hidden ? tr("Un&hide") : tr("&Hide"));
+    m_ui->hideAction->setIconText(hidden ? tr("Unhide") : tr("Hide"));
+    m_ui->hideAction->setToolTip(hidden ? QStringLiteral("UNHIDE") : QStringLiteral("HIDE"));
+}
+
+// The end of every command that changes the list.
+void ViewController::changeList()
+{
+    reinitForSearching();
+    reload();
+    disableSelectionButtons();
+    saveToFile();
+}
+
+void ViewController::upper()
+{
+    moveSelected(true, QStringLiteral("Change to Global-All View to order Tasks."));
+}
+
+void ViewController::downer()
+{
+    moveSelected(false, QStringLiteral("Change to the Global-All View to order Tasks."));
+}
+
+void ViewController::moveSelected(bool up, const QString &elsewhereMessage)
+{
+    if (viewIndex() != globalAllView) {
+        m_utilities.dialogOK(elsewhereMessage);
+        return;
+    }
+    // After a deletion the index may point at a task that the user never selected.
+    if (!selectionIsShown()) {
+        m_utilities.dialogOK(QStringLiteral("Select a Task."));
+        return;
+    }
+    const QString key = m_store.getSelectedTask().key;
+    if (m_store.swapSelected(up))
+        forgetSortOrder();
+    reload();
+    disableSelectionButtons();
+    m_store.setSelected(key);
+    if (const int row = rowOfKey(key); row >= 0)
+        tblView->selectRow(row);
+    saveToFile();
+}
+
+void ViewController::hideClicked()
+{
+    if (m_store.getSelectedTaskIndex() < 0)
+        return;
+    trace("Hide Pressed!");
+    const bool hidden = m_store.getHiddenSelected();
+    showHideCommand(!hidden);
+    if (hidden)
+        m_store.unhideSelected();
+    else
+        m_store.hideSelected();
+    changeList();
+}
+
+void ViewController::btnDeleteTask_Click(QObject *)
+{
+    if (m_store.getSelectedTaskIndex() < 0)
+        return;
+    const task selected = m_store.getSelectedTask();
+    const bool confirmed = m_utilities.dialogYesNo(
+        QStringLiteral("The task will be deleted locally as well as from the iCloud if present. Are you sure you "
+                       "want to delete ?"),
+        selected.name);
+    // The list may have changed under the question; only the task that was asked about goes.
+    if (confirmed && m_store.setSelected(selected.key) >= 0) {
+        trace("Ok Pressed!");
+        m_store.removeSelected();
+    }
+    trace("Tasks:", m_store.tasks());
+    changeList();
+}
+
+void ViewController::cloneTask(QObject *sender)
+{
+    m_store.cloneSelected(sender);
+    forgetSortOrder();
+    changeList();
+}
+
+void ViewController::closeTask(QObject *sender)
+{
+    if (m_store.getSelectedTask().status != OpenStatus) {
+        m_utilities.dialogOK(QStringLiteral("Task already closed"));
+        return;
+    }
+    m_utilities.playSound();
+    trace("Close Task");
+    m_store.closeSelected(sender);
+    changeList();
+}
+
+void ViewController::doubleClickTable()
+{
+    trace("Double Click");
+    doubleClickOnResultRow();
+}
+
+void ViewController::doubleClickOnResultRow()
+{
+    trace("doubleClickOnResultRow ", tblView->currentIndex().row());
+}
+
+void ViewController::copyKey()
+{
+    Pasteboard::setText(m_store.getSelectedTask().key);
+    statusMessageLabel->setText(tr("Task key copied."));
+}
+
+void ViewController::about()
+{
+    QMessageBox::about(this, tr("About Oblino"),
+                       tr("<h3>Oblino %1</h3><p>Plan work as a list of tasks, and text clients and team members "
+                          "their schedules.</p>")
+                           .arg(QCoreApplication::applicationVersion()));
+}
+
+} // namespace oblino

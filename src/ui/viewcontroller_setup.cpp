@@ -1,0 +1,169 @@
+// Putting the main window together.
+#include <ui/viewcontroller.h>
+
+#include <ui/emptystate.h>
+#include <ui/icons.h>
+#include <ui/searchfield.h>
+#include <ui/taskcelldelegate.h>
+#include <ui_viewcontroller.h>
+
+#include <core/taskmanager.h>
+#include <core/taskviews.h>
+
+#include <QActionGroup>
+#include <QHeaderView>
+#include <QLabel>
+#include <QScreen>
+#include <QToolButton>
+
+#include <algorithm>
+
+namespace oblino {
+
+namespace {
+
+constexpr int rowHeight = 36; // pixels, for the usual font size
+
+QLabel *statusLabel(QWidget *parent, const QString &name)
+{
+    auto *label = new QLabel(parent);
+    label->setObjectName(name);
+    label->setTextFormat(Qt::PlainText);
+    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    label->setContentsMargins(12, 4, 12, 4);
+    return label;
+}
+
+// A width for each column, from texts that are likely to stand in it.
+QList<int> firstWidths(const QFontMetrics &metrics)
+{
+    const auto wide = [&metrics](const QString &text) { return metrics.horizontalAdvance(text) + 28; };
+    const int date = wide(QStringLiteral("00/00/0000"));
+    const int time = wide(QStringLiteral("00:00")) + 8;
+    const int person = wide(QStringLiteral("Harbor Cafe Ltd"));
+    const int mark = wide(QStringLiteral("Medium")) + 28;
+    return {date,   time, time, wide(QStringLiteral("Paint the fence in the yard")),
+            person, person,     wide(QStringLiteral("Two coats, the second when dry")),
+            mark,   mark, date, wide(QStringLiteral("0C5E2A1F-7B3D-4E6A-9F12-3A4B5C6D7E8F"))};
+}
+
+} // namespace
+
+void ViewController::bindOutlets()
+{
+    const auto button = [this](QAction *action, const char *name) {
+        auto *made = qobject_cast<QToolButton *>(m_ui->commandBar->widgetForAction(action));
+        made->setObjectName(QLatin1String(name));
+        return made;
+    };
+    deleteButton = button(m_ui->deleteAction, "deleteButton");
+    hideButton = button(m_ui->hideAction, "hideButton");
+    upperButton = button(m_ui->moveUpAction, "upperButton");
+    downerButton = button(m_ui->moveDownAction, "downerButton");
+    editButton = button(m_ui->editAction, "editButton");
+    shareButton = button(m_ui->shareAction, "shareButton");
+    cloneButton = button(m_ui->cloneAction, "cloneButton");
+    closeButton = button(m_ui->closeAction, "closeButton");
+    tblView = m_ui->tblView;
+    viewSelection = m_ui->viewSelection;
+    searchField = m_ui->searchField;
+
+    statusMessageLabel = statusLabel(this, QStringLiteral("statusMessageLabel"));
+    statusMessageLabel->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    statusMessage = statusLabel(this, QStringLiteral("statusMessage"));
+    m_ui->statusBar->addWidget(statusMessageLabel, 1);
+    m_ui->statusBar->addPermanentWidget(statusMessage);
+
+    for (QAction *action : findChildren<QAction *>()) {
+        m_toolTips.insert(action, action->toolTip());
+        if (const QString icon = action->property("iconName").toString(); !icon.isEmpty())
+            action->setIcon(themedIcon(icon));
+    }
+}
+
+void ViewController::connectCommands()
+{
+    const auto command = [this](QAction *action, auto call) { connect(action, &QAction::triggered, this, call); };
+    command(m_ui->deleteAction, [this] { btnDeleteTask_Click(deleteButton); });
+    command(m_ui->hideAction, [this] { hideClicked(); });
+    command(m_ui->cloneAction, [this] { cloneTask(cloneButton); });
+    command(m_ui->closeAction, [this] { closeTask(closeButton); });
+    command(m_ui->moveUpAction, [this] { upper(); });
+    command(m_ui->moveDownAction, [this] { downer(); });
+    command(m_ui->copyKeyAction, [this] { copyKey(); });
+    command(m_ui->findAction, [this] {
+        searchField->setFocus(Qt::ShortcutFocusReason);
+        searchField->selectAll();
+    });
+    command(m_ui->clearSearchAction, [this] { searchField->clear(); });
+    command(m_ui->aboutAction, [this] { about(); });
+    command(m_ui->quitAction, [this] { close(); });
+
+    connect(viewSelection, &QComboBox::currentIndexChanged, this, &ViewController::ChangeView);
+    connect(searchField, &QLineEdit::textChanged, this, &ViewController::search);
+    connect(searchField, &SearchField::left, tblView, [this] {
+        tblView->setFocus(Qt::OtherFocusReason);
+        if (m_model.rowCount() > 0 && !tblView->selectionModel()->hasSelection())
+            tblView->selectRow(0);
+    });
+    connect(tblView, &QTableView::doubleClicked, this, &ViewController::doubleClickTable);
+}
+
+void ViewController::fillViews()
+{
+    m_views = new QActionGroup(this);
+    const QStringList labels = viewLabels();
+    viewSelection->addItems(labels);
+    viewSelection->setMaxVisibleItems(static_cast<int>(labels.size()));
+    for (int i = 0; i < labels.size(); ++i) {
+        QAction *action = m_ui->viewMenu->addAction(labels.at(i), this, [this, i] { viewSelection->setCurrentIndex(i); });
+        action->setCheckable(true);
+        action->setChecked(i == 0);
+        action->setShortcut(QKeySequence(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_0 + (i + 1) % 10)));
+        m_views->addAction(action);
+    }
+}
+
+void ViewController::fillSortMenu()
+{
+    m_ui->viewMenu->addSeparator();
+    QMenu *menu = m_ui->viewMenu->addMenu(tr("&Sort By"));
+    QHeaderView *header = tblView->horizontalHeader();
+    for (int column = 0; column < m_model.columnCount(); ++column) {
+        menu->addAction(TaskTableModel::titles().at(column), this,
+                        [header, column] { header->setSortIndicator(column, Qt::AscendingOrder); });
+    }
+    menu->addSeparator();
+    QAction *reverse = menu->addAction(tr("&Reverse Order"), this, [header] {
+        const bool ascending = header->sortIndicatorOrder() == Qt::AscendingOrder;
+        header->setSortIndicator(header->sortIndicatorSection(), ascending ? Qt::DescendingOrder : Qt::AscendingOrder);
+    });
+    reverse->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_R));
+}
+
+void ViewController::prepareTable()
+{
+    tblView->setModel(&m_model);
+    tblView->setItemDelegate(new TaskCellDelegate(tblView));
+    tblView->setShowGrid(false); // the delegate draws the vertical lines
+    m_emptyState = new EmptyState(tblView->viewport());
+    tblView->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    tblView->verticalHeader()->setDefaultSectionSize(std::max(rowHeight, fontMetrics().height() * 2));
+
+    QHeaderView *header = tblView->horizontalHeader();
+    header->setSectionsClickable(true);
+    header->setStretchLastSection(true);
+    header->setMinimumSectionSize(fontMetrics().horizontalAdvance(QStringLiteral("00:00")));
+    const QList<int> widths = firstWidths(fontMetrics());
+    for (int column = 0; column < widths.size(); ++column)
+        header->resizeSection(column, widths.at(column));
+    header->setSortIndicator(0, Qt::AscendingOrder);
+    header->setSortIndicatorShown(true);
+
+    connect(header, &QHeaderView::sortIndicatorChanged, this, &ViewController::sortDescriptorsDidChange);
+    connect(tblView->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            &ViewController::tableViewSelectionDidChange);
+    resize(size().boundedTo(screen()->availableSize()));
+}
+
+} // namespace oblino

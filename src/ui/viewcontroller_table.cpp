@@ -1,0 +1,161 @@
+// The table of the main window, its selection and its sorting.
+#include <ui/viewcontroller.h>
+
+#include <ui/emptystate.h>
+#include <ui/searchfield.h>
+#include <ui/theme.h>
+#include <ui_viewcontroller.h>
+
+#include <core/celltext.h>
+#include <core/taskmanager.h>
+#include <core/taskviews.h>
+#include <platform/trace.h>
+
+#include <QHeaderView>
+#include <QLabel>
+#include <QLocale>
+#include <QScrollBar>
+#include <QSignalBlocker>
+
+#include <algorithm>
+
+namespace oblino {
+
+int ViewController::numberOfRows()
+{
+    trace("Index of Selected:", viewIndex());
+    m_store.setFilter(viewIndex());
+    trace("Number of Rows:", m_store.tasksInView().size());
+    return static_cast<int>(m_store.tasksInView().size());
+}
+
+QString ViewController::objectValueFor(int column, int row) const
+{
+    return cellText(m_store.tasksInView().at(row), TaskTableModel::identifiers().at(column), QLocale());
+}
+
+QString ViewController::wholeTextFor(int column, int row) const
+{
+    const task &t = m_store.tasksInView().at(row);
+    return TaskTableModel::identifiers().at(column) == CellIdentifiers::DescCell ? t.desc : objectValueFor(column, row);
+}
+
+QColor ViewController::didAdd(int row) const
+{
+    trace("Row:", row);
+    return screenColor(m_store.tasksInView().at(row).color);
+}
+
+int ViewController::markFor(int column, int row) const
+{
+    const task &t = m_store.tasksInView().at(row);
+    const bool status = TaskTableModel::identifiers().at(column) == CellIdentifiers::StatusCell;
+    return static_cast<int>(std::clamp<qint64>(status ? t.status : t.priority, -1, 1000));
+}
+
+void ViewController::sortDescriptorsDidChange(int section, Qt::SortOrder order)
+{
+    if (section < 0)
+        return;
+    SortDescriptor descriptor = m_sortPrototypes.at(section);
+    descriptor.ascending = order == Qt::AscendingOrder;
+    trace("Sorting:", descriptor);
+    m_store.sort(descriptor);
+    reloadKeepingSelection();
+}
+
+void ViewController::tableViewSelectionDidChange()
+{
+    trace("Selection changed");
+    const QModelIndexList rows = tblView->selectionModel()->selectedRows(TaskTableModel::keyColumn);
+    const int row = rows.isEmpty() ? -1 : rows.first().row();
+    trace("Selected Row:", row);
+    if (row >= 0) {
+        m_selectedKey = rows.first().data().toString();
+        const qint64 index = m_store.setSelected(m_selectedKey);
+        trace("Index:", index);
+        const bool hidden = m_store.getHiddenSelected();
+        trace("Hidden:", hidden);
+        showHideCommand(hidden);
+        if (index < 0)
+            disableSelectionButtons();
+        else
+            enableSelectionButtons();
+    }
+    trace("Row:", row);
+}
+
+void ViewController::reload()
+{
+    const QModelIndex current = tblView->currentIndex();
+    const int scrolled = tblView->verticalScrollBar()->value();
+    m_model.reload();
+    // The keyboard goes on from the row where it was; nothing is selected by that.
+    if (const int rows = m_model.rowCount(); current.isValid() && rows > 0) {
+        const QModelIndex near = m_model.index(std::min(current.row(), rows - 1), current.column());
+        tblView->selectionModel()->setCurrentIndex(near, QItemSelectionModel::NoUpdate);
+        tblView->verticalScrollBar()->setValue(scrolled);
+    }
+    showCounts();
+}
+
+void ViewController::reloadKeepingSelection()
+{
+    const bool wasShown = selectionIsShown() && tblView->selectionModel()->hasSelection();
+    const QString key = m_selectedKey;
+    reload();
+    if (!wasShown)
+        return;
+    // A command must never act on a task that the user does not see selected.
+    if (const int row = rowOfKey(key); row >= 0)
+        tblView->selectRow(row);
+    else
+        disableSelectionButtons();
+}
+
+bool ViewController::selectionIsShown() const
+{
+    return m_store.getSelectedTaskIndex() >= 0 && m_store.getSelectedTask().key == m_selectedKey;
+}
+
+int ViewController::rowOfKey(const QString &key) const
+{
+    const QList<task> &rows = m_store.tasksInView();
+    const auto found = std::find_if(rows.cbegin(), rows.cend(), [&key](const task &t) { return t.key == key; });
+    return found == rows.cend() ? -1 : static_cast<int>(found - rows.cbegin());
+}
+
+int ViewController::viewIndex() const
+{
+    return viewSelection->currentIndex();
+}
+
+void ViewController::forgetSortOrder()
+{
+    QHeaderView *header = tblView->horizontalHeader();
+    const QSignalBlocker blocker(header);
+    header->setSortIndicator(-1, Qt::AscendingOrder);
+    header->viewport()->update();
+}
+
+void ViewController::showCounts()
+{
+    const qsizetype shown = m_store.tasksInView().size();
+    const qsizetype all = m_store.fullList().size();
+    const QLocale locale;
+    const QString noun = all == 1 ? tr("task") : tr("tasks");
+    statusMessage->setText(shown == all ? tr("%1 %2").arg(locale.toString(all), noun)
+                                        : tr("%1 of %2 %3").arg(locale.toString(shown), locale.toString(all), noun));
+    m_emptyState->setVisible(shown == 0);
+    if (all == 0) {
+        m_emptyState->say(tr("No tasks yet"), tr("Add the first one with Task ▸ New Task… (Ctrl+N)."));
+    } else if (m_store.isSearching() && m_store.tasks().isEmpty()) {
+        m_emptyState->say(tr("No task matches “%1”").arg(m_store.searchTerm().left(60)),
+                          tr("Press Esc in the search field to see every task of the view again."));
+    } else {
+        m_emptyState->say(tr("No tasks in the view %1").arg(viewSelection->currentText()),
+                          tr("Choose another view to see your other tasks."));
+    }
+}
+
+} // namespace oblino
