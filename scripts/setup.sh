@@ -3,11 +3,11 @@
 
 build_packages=(
     g++ cmake ninja-build
-    qt6-base-dev qt6-base-dev-tools qt6-multimedia-dev libqt6svg6-dev
+    qt6-base-dev qt6-base-dev-tools qt6-multimedia-dev qt6-svg-dev
 )
 # What the built program loads at run time.
 run_packages=(
-    libqt6svg6 libqt6multimedia6 libxcb-cursor0 fonts-dejavu-core
+    libqt6svg6 libqt6multimedia6 fonts-dejavu-core
 )
 # For a machine without a display.
 display_packages=(xvfb xauth xdotool imagemagick)

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace oblino {
+
+/// A documents folder and a private folder of a test's own, gone with the test.
+class TemporaryHome
+{
+public:
+    TemporaryHome()
+    {
+        QDir(m_folder.path()).mkdir(QStringLiteral("Documents"));
+    }
+
+    [[nodiscard]] QString documents() const { return m_folder.filePath(QStringLiteral("Documents")); }
+    [[nodiscard]] QString privateFolder() const { return m_folder.filePath(QStringLiteral("private")); }
+    [[nodiscard]] QString path(const QString &name) const { return m_folder.filePath(name); }
+    [[nodiscard]] QString listPath() const { return documents() + QStringLiteral("/ltodolist.txt"); }
+
+    static QByteArray content(const QString &path)
+    {
+        QFile file(path);
+        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    }
+
+    static void write(const QString &path, const QByteArray &bytes)
+    {
+        QFile file(path);
+        QVERIFY2(file.open(QIODevice::WriteOnly | QIODevice::Truncate), qPrintable(file.errorString()));
+        QCOMPARE(file.write(bytes), bytes.size());
+    }
+
+private:
+    QTemporaryDir m_folder;
+};
+
+} // namespace oblino
