@@ -1,5 +1,7 @@
 #include <support/testmain.h>
 
+#include <QStandardPaths>
+
 #include <cstdio>
 #include <cstring>
 #include <vector>
@@ -37,6 +39,7 @@ int main(int argc, char **argv)
         argv[1] = argv[0];
         ++argv;
         const auto application = entry.makeApplication(argc, argv);
+        QStandardPaths::setTestModeEnabled(true); // never the settings and files of whoever runs the tests
         QCoreApplication::setApplicationName(QStringLiteral("oblino"));
         const auto test = entry.makeTest();
         return QTest::qExec(test.get(), argc, argv);
