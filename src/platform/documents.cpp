@@ -23,7 +23,9 @@ std::optional<QString> documentsFolder()
 } // namespace
 
 Documents::Documents(std::optional<QString> folder, QString privateFolder, FileCalls &calls)
-    : m_folder(std::move(folder)), m_privateFolder(std::move(privateFolder)), m_calls(calls)
+    : m_folder(std::move(folder))
+    , m_privateFolder(std::move(privateFolder))
+    , m_calls(calls)
 {
 }
 

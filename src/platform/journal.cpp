@@ -23,7 +23,10 @@ void appendNumber(QByteArray &bytes, Number number)
 class Pieces
 {
 public:
-    explicit Pieces(QByteArrayView bytes) : m_rest(bytes) {}
+    explicit Pieces(QByteArrayView bytes)
+        : m_rest(bytes)
+    {
+    }
 
     QByteArrayView take(quint64 size)
     {

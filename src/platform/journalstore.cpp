@@ -11,7 +11,8 @@
 namespace oblino {
 
 JournalStore::JournalStore(const QString &folder, FileCalls &calls)
-    : m_folder(QFile::encodeName(folder)), m_calls(calls)
+    : m_folder(QFile::encodeName(folder))
+    , m_calls(calls)
 {
 }
 

@@ -14,7 +14,10 @@ class OpenFile
 public:
     static constexpr int notRegular = -1;
 
-    explicit OpenFile(FileCalls &calls) : m_calls(calls) {}
+    explicit OpenFile(FileCalls &calls)
+        : m_calls(calls)
+    {
+    }
     OpenFile(const OpenFile &) = delete;
     OpenFile &operator=(const OpenFile &) = delete;
     ~OpenFile();

@@ -14,7 +14,11 @@ namespace oblino {
 
 using namespace Qt::Literals::StringLiterals;
 
-RecoveryFolder::RecoveryFolder(QString path, FileCalls &calls) : m_path(std::move(path)), m_calls(calls) {}
+RecoveryFolder::RecoveryFolder(QString path, FileCalls &calls)
+    : m_path(std::move(path))
+    , m_calls(calls)
+{
+}
 
 QString RecoveryFolder::asidePath() const
 {

@@ -16,8 +16,10 @@ namespace oblino {
 using namespace Qt::Literals::StringLiterals;
 
 SafeFile::SafeFile(QString path, const QString &privateFolder, FileCalls &calls)
-    : m_path(std::move(path)), m_calls(calls), m_journals(QDir(privateFolder).absolutePath(), calls),
-      m_recovery(QDir(privateFolder).absoluteFilePath(u"recovery"_s), calls)
+    : m_path(std::move(path))
+    , m_calls(calls)
+    , m_journals(QDir(privateFolder).absolutePath(), calls)
+    , m_recovery(QDir(privateFolder).absoluteFilePath(u"recovery"_s), calls)
 {
 }
 

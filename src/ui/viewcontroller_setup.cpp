@@ -5,6 +5,7 @@
 #include <ui/icons.h>
 #include <ui/searchfield.h>
 #include <ui/taskcelldelegate.h>
+#include <ui/taskheader.h>
 #include <ui_viewcontroller.h>
 
 #include <core/taskmanager.h>
@@ -143,6 +144,7 @@ void ViewController::fillSortMenu()
 
 void ViewController::prepareTable()
 {
+    tblView->setHorizontalHeader(new TaskHeader(tblView));
     tblView->setModel(&m_model);
     tblView->setItemDelegate(new TaskCellDelegate(tblView));
     tblView->setShowGrid(false); // the delegate draws the vertical lines
@@ -151,14 +153,12 @@ void ViewController::prepareTable()
     tblView->verticalHeader()->setDefaultSectionSize(std::max(rowHeight, fontMetrics().height() * 2));
 
     QHeaderView *header = tblView->horizontalHeader();
-    header->setSectionsClickable(true);
     header->setStretchLastSection(true);
     header->setMinimumSectionSize(fontMetrics().horizontalAdvance(QStringLiteral("00:00")));
     const QList<int> widths = firstWidths(fontMetrics());
     for (int column = 0; column < widths.size(); ++column)
         header->resizeSection(column, widths.at(column));
     header->setSortIndicator(0, Qt::AscendingOrder);
-    header->setSortIndicatorShown(true);
 
     connect(header, &QHeaderView::sortIndicatorChanged, this, &ViewController::sortDescriptorsDidChange);
     connect(tblView->selectionModel(), &QItemSelectionModel::selectionChanged, this,

@@ -83,12 +83,16 @@ QList<DiskModel::State> DiskModel::Moment::afterPowerCut() const
     return states;
 }
 
-DiskModel::DiskModel() : DiskModel(State{{{"/disk", 1}, {"/disk/docs", 2}}, {{1, {true, {}, 0}}, {2, {true, {}, 0}}}})
+DiskModel::DiskModel()
+    : DiskModel(State{{{"/disk", 1}, {"/disk/docs", 2}}, {{1, {true, {}, 0}}, {2, {true, {}, 0}}}})
 {
 }
 
 DiskModel::DiskModel(const State &state)
-    : m_cached(state), m_now{state, {}}, m_moments{m_now}, m_lastNode(state.nodes.rbegin()->first)
+    : m_cached(state)
+    , m_now{state, {}}
+    , m_moments{m_now}
+    , m_lastNode(state.nodes.rbegin()->first)
 {
 }
 
@@ -190,8 +194,8 @@ int DiskModel::fsync(int fd)
     const QByteArray path = m_open.at(static_cast<size_t>(fd));
     const int node = m_cached.names.at(path);
     std::erase_if(m_now.unsynced, [&](const Step &step) {
-        const bool isSynced = step.isOnName() ? folderOf(step.from) == path || folderOf(step.to) == path
-                                              : step.node == node;
+        const bool isSynced =
+            step.isOnName() ? folderOf(step.from) == path || folderOf(step.to) == path : step.node == node;
         if (isSynced)
             apply(m_now.durable, step);
         return isSynced;

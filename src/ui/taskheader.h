@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QHeaderView>
+
+namespace oblino {
+
+/// The header of the task table: titles stand where the texts below them stand, and a small arrow points up
+/// where the column is sorted ascending, down where it is sorted descending.
+class TaskHeader : public QHeaderView
+{
+    Q_OBJECT
+
+public:
+    explicit TaskHeader(QWidget *parent = nullptr);
+
+    [[nodiscard]] QSize sizeHint() const override;
+
+protected:
+    void paintSection(QPainter *painter, const QRect &rect, int section) const override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void leaveEvent(QEvent *event) override;
+
+private:
+    int m_hovered = -1;
+};
+
+} // namespace oblino

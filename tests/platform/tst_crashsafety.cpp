@@ -1,0 +1,310 @@
+#include "../support/diskmodel.h"
+#include "../support/faultyfilecalls.h"
+#include "../support/place.h"
+
+#include <QProcess>
+#include <QTest>
+
+#include <cerrno>
+#include <set>
+
+using namespace oblino;
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+const QByteArray shortText = "one\n";
+const QByteArray longText = QByteArray("two and a line\n").repeated(700);
+const QByteArray thirdText = "three, something else again\n";
+const QByteArray tornText = longText.first(5000) + shortText;
+
+const struct
+{
+    const char *name;
+    QByteArray before, after;
+} saves[] = {{"a new file is created", {}, longText},
+             {"a longer text makes the file grow", shortText, longText},
+             {"a shorter text needs the file cut", longText, shortText},
+             {"an empty text leaves no byte", shortText, {}}};
+
+const struct
+{
+    const char *name;
+    int fault;
+} faults[] = {{"the disk is broken", EIO},
+              {"the disk is full", ENOSPC},
+              {"the quota is used up", EDQUOT},
+              {"a signal comes", EINTR},
+              {"half is transferred", FaultyFileCalls::halfTransfer}};
+
+/// @return the exit code, or -1 when the process was killed
+int runVictim(const Place &place, const QString &action, int call, const QStringList &more = {})
+{
+    QProcess victim;
+    victim.setProcessChannelMode(QProcess::ForwardedChannels);
+    victim.start(QStringLiteral(SAVE_VICTIM),
+                 QStringList{action, place.path, place.privateFolder, QString::number(call)} + more);
+    return victim.waitForFinished() && victim.exitStatus() == QProcess::NormalExit ? victim.exitCode() : -1;
+}
+
+/// Saves some texts on a disk and cuts the power at every moment of that, and again while recovering.
+class PowerCuts
+{
+public:
+    int skippedSync = 0;         ///< of the saves
+    int skippedRecoverySync = 0; ///< of each recovery after a first power cut
+
+    /// Contents that recovering found and nobody had saved; looking for them ends with the first.
+    [[nodiscard]] QByteArrayList broken() const { return m_broken; }
+    [[nodiscard]] size_t states() const { return m_checked.size(); }
+
+    /// @return how often the saves synced
+    int run()
+    {
+        DiskModel disk;
+        disk.skipSync(skippedSync);
+        SafeFile file(path, u"/disk/data/oblino"_s, disk);
+        size_t moment = 0;
+        QByteArray before;
+        for (const QByteArray &text : {QByteArray(40, 'a'), QByteArray(70, 'b'), QByteArray(20, 'c')}) {
+            if (!file.write(text).written)
+                m_broken << "not saved";
+            for (; moment < disk.moments().size(); ++moment)
+                cut(disk.moments()[moment], {before, text}, true);
+            cut(disk.moments().back(), {text}, true);
+            before = text;
+        }
+        return disk.syncs();
+    }
+
+private:
+    const QString path = u"/disk/docs/plan.txt"_s;
+
+    void cut(const DiskModel::Moment &moment, const QByteArrayList &allowed, bool isFirst)
+    {
+        for (const DiskModel::State &state : moment.afterPowerCut()) {
+            const QByteArray key = state.key() + allowed.join('/') + (isFirst ? '1' : '2');
+            if (m_broken.isEmpty() && m_checked.insert(key).second)
+                check(state, allowed, isFirst);
+        }
+    }
+
+    void check(const DiskModel::State &state, const QByteArrayList &allowed, bool isFirst)
+    {
+        DiskModel disk(state);
+        disk.skipSync(isFirst ? skippedRecoverySync : 0);
+        SafeFile file(path, u"/disk/data/oblino"_s, disk);
+        static_cast<void>(file.recover());
+        const QByteArray found = disk.state().content(path.toUtf8());
+        if (!allowed.contains(found))
+            m_broken << found;
+        if (!isFirst)
+            return;
+        for (const DiskModel::Moment &moment : disk.moments())
+            cut(moment, allowed, false);
+        cut(disk.moments().back(), {found}, false);
+    }
+
+    std::set<QByteArray> m_checked;
+    QByteArrayList m_broken;
+};
+
+} // namespace
+
+/// Whatever happens during a save, the file holds the old text or the new one, and a text that was said to be
+/// saved is never lost.
+class TestCrashSafety : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void faultAtAnyCall_data();
+    void faultAtAnyCall();
+    void killedAtAnyCall_data();
+    void killedAtAnyCall();
+    void killedWhileRecovering_data();
+    void killedWhileRecovering();
+    void faultWhileRecovering_data() { killedWhileRecovering_data(); }
+    void faultWhileRecovering();
+    void fullDisk();
+    void powerCut();
+    void everySyncIsNeeded();
+};
+
+void TestCrashSafety::faultAtAnyCall_data()
+{
+    QTest::addColumn<QByteArray>("before");
+    QTest::addColumn<QByteArray>("after");
+    QTest::addColumn<int>("fault");
+    for (const auto &save : saves) {
+        for (const auto &fault : faults)
+            QTest::addRow("%s: %s", save.name, fault.name) << save.before << save.after << fault.fault;
+    }
+}
+
+void TestCrashSafety::faultAtAnyCall()
+{
+    QFETCH(QByteArray, before);
+    QFETCH(QByteArray, after);
+    QFETCH(int, fault);
+    int covered = 0;
+    for (bool struck = true; struck; ++covered) {
+        for (const bool isRestarted : {true, false}) {
+            const Place place(before);
+            FaultyFileCalls calls;
+            SafeFile file(place.path, place.privateFolder, calls);
+            QVERIFY(file.recover().isEmpty() && file.read().bytes == before);
+            calls.arm(covered + 1, fault);
+            const FileWriting saved = file.write(after);
+            struck = calls.hasStruck();
+            calls.arm(0, 0);
+            QCOMPARE(saved.error.isEmpty(), saved.written);
+            QVERIFY(saved.written || (struck && fault != FaultyFileCalls::halfTransfer));
+            QCOMPARE(saved.notices, QStringList());
+            if (isRestarted) {
+                SafeFile next = place.file();
+                static_cast<void>(next.recover());
+                const QByteArray found = contentOf(place.path);
+                QVERIFY(found == after || (!saved.written && found == before));
+                QVERIFY(!QFile::exists(next.journalPath()));
+            } else {
+                const FileWriting again = file.write(thirdText);
+                QVERIFY2(again.written, qPrintable(again.error));
+                QCOMPARE(again.notices, QStringList());
+                QCOMPARE(contentOf(place.path), thirdText);
+            }
+        }
+    }
+    QVERIFY2(covered > 12, qPrintable(QString::number(covered)));
+}
+
+void TestCrashSafety::killedAtAnyCall_data()
+{
+    QTest::addColumn<QByteArray>("before");
+    QTest::addColumn<QByteArray>("after");
+    for (const auto &save : saves)
+        QTest::newRow(save.name) << save.before << save.after;
+}
+
+void TestCrashSafety::killedAtAnyCall()
+{
+    QFETCH(QByteArray, before);
+    QFETCH(QByteArray, after);
+    int killed = 0;
+    for (int exitCode = -1; exitCode == -1; ++killed) {
+        const Place place(before);
+        exitCode = runVictim(place, u"save"_s, killed + 1, {QString::fromUtf8(after)});
+        QVERIFY(exitCode == -1 || exitCode == 0);
+        SafeFile file = place.file();
+        static_cast<void>(file.recover());
+        const QByteArray found = file.read().bytes;
+        QCOMPARE(contentOf(place.path), found);
+        QVERIFY(found == after || (exitCode == -1 && found == before));
+        QVERIFY(file.write(thirdText).written);
+        QCOMPARE(contentOf(place.path), thirdText);
+    }
+    QVERIFY2(killed > 12, qPrintable(QString::number(killed)));
+}
+
+void TestCrashSafety::killedWhileRecovering_data()
+{
+    QTest::addColumn<QByteArray>("found");
+    QTest::newRow("the file is as before the save") << shortText;
+    QTest::newRow("the file is half written") << tornText;
+    QTest::newRow("the file is as after the save") << longText;
+    QTest::newRow("the file is missing") << QByteArray();
+}
+
+void TestCrashSafety::killedWhileRecovering()
+{
+    QFETCH(QByteArray, found);
+    int killed = 0;
+    for (int exitCode = -1; exitCode == -1; ++killed) {
+        const Place place(found);
+        SafeFile file = place.file();
+        put(file.journalPath(), place.journal(shortText, longText));
+        exitCode = runVictim(place, u"recover"_s, killed + 1);
+        static_cast<void>(file.recover());
+        QCOMPARE(contentOf(place.path), longText);
+        QVERIFY(!QFile::exists(file.journalPath()));
+        QVERIFY(found != tornText || place.kept().contains(found));
+    }
+    QVERIFY2(killed > 8, qPrintable(QString::number(killed)));
+}
+
+void TestCrashSafety::faultWhileRecovering()
+{
+    QFETCH(QByteArray, found);
+    int failures = 0;
+    bool struck = true;
+    for (int call = 1; struck; ++call) {
+        for (const bool isRestarted : {true, false}) {
+            const Place place(found);
+            FaultyFileCalls calls;
+            SafeFile file(place.path, place.privateFolder, calls);
+            const QByteArray journal = place.journal(shortText, longText);
+            put(file.journalPath(), journal);
+            calls.arm(call, EIO);
+            const QStringList notices = file.recover();
+            struck = calls.hasStruck();
+            calls.arm(0, 0);
+            const bool failed = contentOf(place.path) != longText;
+            failures += failed ? 1 : 0;
+            QVERIFY(!failed || (!notices.isEmpty() && contentOf(file.journalPath()) == journal));
+            if (isRestarted) {
+                static_cast<void>(place.file().recover());
+                QCOMPARE(contentOf(place.path), longText);
+                QVERIFY(found != tornText || place.kept().contains(found));
+            } else {
+                // The user goes on with the text of the journal, or it is kept when its place is needed.
+                const FileReading reading = file.read();
+                QVERIFY(file.write(thirdText).written);
+                QCOMPARE(contentOf(place.path), thirdText);
+                QVERIFY(reading.bytes == longText || place.kept().contains(longText));
+                QVERIFY(found != tornText || reading.bytes == found || place.kept().contains(found));
+            }
+        }
+    }
+    QVERIFY2(failures > 8 || found == longText, qPrintable(QString::number(failures)));
+}
+
+void TestCrashSafety::fullDisk()
+{
+    const Place place(shortText);
+    QCOMPARE(runVictim(place, u"save"_s, 0, {QString::fromUtf8(longText), u"4096"_s}), 1);
+    QCOMPARE(contentOf(place.path), shortText);
+    SafeFile file = place.file();
+    QCOMPARE(file.recover(), QStringList());
+    QCOMPARE(file.read().bytes, shortText);
+    QVERIFY(file.write(longText).written);
+    QCOMPARE(contentOf(place.path), longText);
+}
+
+void TestCrashSafety::powerCut()
+{
+    PowerCuts cuts;
+    cuts.run();
+    QCOMPARE(cuts.broken(), QByteArrayList());
+    QVERIFY2(cuts.states() > 500, qPrintable(QString::number(cuts.states())));
+}
+
+void TestCrashSafety::everySyncIsNeeded()
+{
+    const int syncs = PowerCuts().run();
+    QVERIFY2(syncs >= 12, qPrintable(QString::number(syncs)));
+    for (int sync = 1; sync <= syncs; ++sync) {
+        PowerCuts cuts;
+        cuts.skippedSync = sync;
+        cuts.run();
+        QVERIFY2(!cuts.broken().isEmpty(), qPrintable(u"sync %1 of the saves"_s.arg(sync)));
+    }
+    for (const int sync : {1, 2}) {
+        PowerCuts cuts;
+        cuts.skippedRecoverySync = sync;
+        cuts.run();
+        QVERIFY2(!cuts.broken().isEmpty(), qPrintable(u"sync %1 of recovering"_s.arg(sync)));
+    }
+}
+
+QTEST_GUILESS_MAIN(TestCrashSafety)
+#include "tst_crashsafety.moc"
