@@ -93,11 +93,12 @@ void SafeFile::finish(const Journal &journal, QStringList &notices)
         m_strayJournal = false;
         return;
     }
-    if (error == 0 && !m_seen.known)
+    if (error == 0 && !m_seen.known) {
         error = keepUnless({journal.oldHash, journal.newHash}, file,
                            u"A save of “%1” was interrupted and has been completed. The file held something "
                            u"else meanwhile, which was copied to %2."_s,
                            notices);
+    }
     if (error == 0)
         error = file.reserve(journal.text.size());
     // Even a file that seems to hold the new text is written again: when syncing it failed, it does so in

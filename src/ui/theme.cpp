@@ -61,8 +61,16 @@ QPalette calmPalette(bool inDark)
 
 void applyAppearance(bool inDark)
 {
-    if (!desktopHasPalette())
-        QApplication::setPalette(calmPalette(inDark));
+    if (desktopHasPalette())
+        return;
+    QPalette palette = calmPalette(inDark);
+    QApplication::setPalette(palette);
+    // Icons do not change colour under the highlight of a menu, so that is only a tint.
+    QColor tint = palette.color(QPalette::Highlight);
+    tint.setAlphaF(0.25F);
+    palette.setColor(QPalette::Highlight, laidOver(tint, palette.color(QPalette::Base)));
+    palette.setColor(QPalette::HighlightedText, palette.color(QPalette::Text));
+    QApplication::setPalette(palette, "QMenu");
 }
 
 QColor screenColor(const Color &color)

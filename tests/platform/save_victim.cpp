@@ -1,4 +1,4 @@
-#include "../support/faultyfilecalls.h"
+#include <support/faultyfilecalls.h>
 
 #include <platform/safefile.h>
 

@@ -1,12 +1,11 @@
-#include "../support/diskmodel.h"
-#include "../support/faultyfilecalls.h"
-#include "../support/place.h"
+#include <support/faultyfilecalls.h>
+#include <support/place.h>
+#include <support/testmain.h>
 
 #include <QProcess>
 #include <QTest>
 
 #include <cerrno>
-#include <set>
 
 using namespace oblino;
 using namespace Qt::Literals::StringLiterals;
@@ -47,73 +46,11 @@ int runVictim(const Place &place, const QString &action, int call, const QString
     return victim.waitForFinished() && victim.exitStatus() == QProcess::NormalExit ? victim.exitCode() : -1;
 }
 
-/// Saves some texts on a disk and cuts the power at every moment of that, and again while recovering.
-class PowerCuts
-{
-public:
-    int skippedSync = 0;         ///< of the saves
-    int skippedRecoverySync = 0; ///< of each recovery after a first power cut
-
-    /// Contents that recovering found and nobody had saved; looking for them ends with the first.
-    [[nodiscard]] QByteArrayList broken() const { return m_broken; }
-    [[nodiscard]] size_t states() const { return m_checked.size(); }
-
-    /// @return how often the saves synced
-    int run()
-    {
-        DiskModel disk;
-        disk.skipSync(skippedSync);
-        SafeFile file(path, u"/disk/data/oblino"_s, disk);
-        size_t moment = 0;
-        QByteArray before;
-        for (const QByteArray &text : {QByteArray(40, 'a'), QByteArray(70, 'b'), QByteArray(20, 'c')}) {
-            if (!file.write(text).written)
-                m_broken << "not saved";
-            for (; moment < disk.moments().size(); ++moment)
-                cut(disk.moments()[moment], {before, text}, true);
-            cut(disk.moments().back(), {text}, true);
-            before = text;
-        }
-        return disk.syncs();
-    }
-
-private:
-    const QString path = u"/disk/docs/plan.txt"_s;
-
-    void cut(const DiskModel::Moment &moment, const QByteArrayList &allowed, bool isFirst)
-    {
-        for (const DiskModel::State &state : moment.afterPowerCut()) {
-            const QByteArray key = state.key() + allowed.join('/') + (isFirst ? '1' : '2');
-            if (m_broken.isEmpty() && m_checked.insert(key).second)
-                check(state, allowed, isFirst);
-        }
-    }
-
-    void check(const DiskModel::State &state, const QByteArrayList &allowed, bool isFirst)
-    {
-        DiskModel disk(state);
-        disk.skipSync(isFirst ? skippedRecoverySync : 0);
-        SafeFile file(path, u"/disk/data/oblino"_s, disk);
-        static_cast<void>(file.recover());
-        const QByteArray found = disk.state().content(path.toUtf8());
-        if (!allowed.contains(found))
-            m_broken << found;
-        if (!isFirst)
-            return;
-        for (const DiskModel::Moment &moment : disk.moments())
-            cut(moment, allowed, false);
-        cut(disk.moments().back(), {found}, false);
-    }
-
-    std::set<QByteArray> m_checked;
-    QByteArrayList m_broken;
-};
-
 } // namespace
 
 /// Whatever happens during a save, the file holds the old text or the new one, and a text that was said to be
 /// saved is never lost.
-class TestCrashSafety : public QObject
+class tst_crashsafety : public QObject
 {
     Q_OBJECT
 
@@ -127,11 +64,9 @@ private Q_SLOTS:
     void faultWhileRecovering_data() { killedWhileRecovering_data(); }
     void faultWhileRecovering();
     void fullDisk();
-    void powerCut();
-    void everySyncIsNeeded();
 };
 
-void TestCrashSafety::faultAtAnyCall_data()
+void tst_crashsafety::faultAtAnyCall_data()
 {
     QTest::addColumn<QByteArray>("before");
     QTest::addColumn<QByteArray>("after");
@@ -142,7 +77,7 @@ void TestCrashSafety::faultAtAnyCall_data()
     }
 }
 
-void TestCrashSafety::faultAtAnyCall()
+void tst_crashsafety::faultAtAnyCall()
 {
     QFETCH(QByteArray, before);
     QFETCH(QByteArray, after);
@@ -178,7 +113,7 @@ void TestCrashSafety::faultAtAnyCall()
     QVERIFY2(covered > 12, qPrintable(QString::number(covered)));
 }
 
-void TestCrashSafety::killedAtAnyCall_data()
+void tst_crashsafety::killedAtAnyCall_data()
 {
     QTest::addColumn<QByteArray>("before");
     QTest::addColumn<QByteArray>("after");
@@ -186,7 +121,7 @@ void TestCrashSafety::killedAtAnyCall_data()
         QTest::newRow(save.name) << save.before << save.after;
 }
 
-void TestCrashSafety::killedAtAnyCall()
+void tst_crashsafety::killedAtAnyCall()
 {
     QFETCH(QByteArray, before);
     QFETCH(QByteArray, after);
@@ -206,7 +141,7 @@ void TestCrashSafety::killedAtAnyCall()
     QVERIFY2(killed > 12, qPrintable(QString::number(killed)));
 }
 
-void TestCrashSafety::killedWhileRecovering_data()
+void tst_crashsafety::killedWhileRecovering_data()
 {
     QTest::addColumn<QByteArray>("found");
     QTest::newRow("the file is as before the save") << shortText;
@@ -215,7 +150,7 @@ void TestCrashSafety::killedWhileRecovering_data()
     QTest::newRow("the file is missing") << QByteArray();
 }
 
-void TestCrashSafety::killedWhileRecovering()
+void tst_crashsafety::killedWhileRecovering()
 {
     QFETCH(QByteArray, found);
     int killed = 0;
@@ -232,7 +167,7 @@ void TestCrashSafety::killedWhileRecovering()
     QVERIFY2(killed > 8, qPrintable(QString::number(killed)));
 }
 
-void TestCrashSafety::faultWhileRecovering()
+void tst_crashsafety::faultWhileRecovering()
 {
     QFETCH(QByteArray, found);
     int failures = 0;
@@ -268,7 +203,7 @@ void TestCrashSafety::faultWhileRecovering()
     QVERIFY2(failures > 8 || found == longText, qPrintable(QString::number(failures)));
 }
 
-void TestCrashSafety::fullDisk()
+void tst_crashsafety::fullDisk()
 {
     const Place place(shortText);
     QCOMPARE(runVictim(place, u"save"_s, 0, {QString::fromUtf8(longText), u"4096"_s}), 1);
@@ -280,31 +215,5 @@ void TestCrashSafety::fullDisk()
     QCOMPARE(contentOf(place.path), longText);
 }
 
-void TestCrashSafety::powerCut()
-{
-    PowerCuts cuts;
-    cuts.run();
-    QCOMPARE(cuts.broken(), QByteArrayList());
-    QVERIFY2(cuts.states() > 500, qPrintable(QString::number(cuts.states())));
-}
-
-void TestCrashSafety::everySyncIsNeeded()
-{
-    const int syncs = PowerCuts().run();
-    QVERIFY2(syncs >= 12, qPrintable(QString::number(syncs)));
-    for (int sync = 1; sync <= syncs; ++sync) {
-        PowerCuts cuts;
-        cuts.skippedSync = sync;
-        cuts.run();
-        QVERIFY2(!cuts.broken().isEmpty(), qPrintable(u"sync %1 of the saves"_s.arg(sync)));
-    }
-    for (const int sync : {1, 2}) {
-        PowerCuts cuts;
-        cuts.skippedRecoverySync = sync;
-        cuts.run();
-        QVERIFY2(!cuts.broken().isEmpty(), qPrintable(u"sync %1 of recovering"_s.arg(sync)));
-    }
-}
-
-QTEST_GUILESS_MAIN(TestCrashSafety)
+OBLINO_TEST(tst_crashsafety, QCoreApplication)
 #include "tst_crashsafety.moc"

@@ -1,8 +1,8 @@
-#include "../support/faultyfilecalls.h"
-#include "../support/place.h"
+#include <support/faultyfilecalls.h>
+#include <support/place.h>
+#include <support/testmain.h>
 
 #include <platform/documents.h>
-#include <platform/journal.h>
 
 #include <QDir>
 #include <QRegularExpression>
@@ -28,18 +28,13 @@ const QByteArray otherText = "three, something else again\n";
 
 } // namespace
 
-class TestSafeFile : public QObject
+class tst_safefile : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
     void otherPrograms_data();
     void otherPrograms();
-    void recovering_data();
-    void recovering();
-    void journalInTheWay_data();
-    void journalInTheWay();
-    void journalDecoding();
     void linksAndModeStay();
     void noRegularFile_data();
     void noRegularFile();
@@ -49,7 +44,7 @@ private Q_SLOTS:
     void standardFolders();
 };
 
-void TestSafeFile::otherPrograms_data()
+void tst_safefile::otherPrograms_data()
 {
     const auto putting = [](const QByteArray &bytes) {
         return Deed([=](const Place &place) { put(place.path, bytes); });
@@ -80,7 +75,7 @@ void TestSafeFile::otherPrograms_data()
     QTest::newRow("there but never read") << false << nothing << List{oldText};
 }
 
-void TestSafeFile::otherPrograms()
+void tst_safefile::otherPrograms()
 {
     QFETCH(bool, isRead);
     QFETCH(Deed, deed);
@@ -98,93 +93,7 @@ void TestSafeFile::otherPrograms()
     }
 }
 
-void TestSafeFile::recovering_data()
-{
-    // In place of a journal's bytes: what to do to the one of a save from the old text to the new.
-    using Change = std::function<void(QByteArray &)>;
-    const auto row = [](const char *name, const Change &change, const QByteArray &found, bool isReplayed,
-                        bool isKept) { QTest::newRow(name) << change << found << isReplayed << isKept; };
-    QTest::addColumn<Change>("change");
-    QTest::addColumn<QByteArray>("found");
-    QTest::addColumn<bool>("isReplayed");
-    QTest::addColumn<bool>("isKept");
-    const Change whole = [](QByteArray &) {};
-    row(
-        "no journal", [](QByteArray &bytes) { bytes.clear(); }, otherText, false, false);
-    row("the file holds the old text", whole, oldText, true, false);
-    row("the file holds the new text", whole, newText, true, false);
-    row("the file holds neither", whole, otherText, true, true);
-    row("the file is missing", whole, {}, true, false);
-    row(
-        "torn journal", [](QByteArray &bytes) { bytes.chop(1000); }, oldText, false, true);
-    row(
-        "wrong checksum", [](QByteArray &bytes) { bytes.back() ^= 1; }, oldText, false, true);
-}
-
-void TestSafeFile::recovering()
-{
-    QFETCH(std::function<void(QByteArray &)>, change);
-    QFETCH(QByteArray, found);
-    QFETCH(bool, isReplayed);
-    QFETCH(bool, isKept);
-    const Place place(found);
-    SafeFile file = place.file();
-    QByteArray journal = place.journal(oldText, newText);
-    change(journal);
-    if (!journal.isEmpty())
-        put(file.journalPath(), journal);
-    put(file.journalPath() + u".tmp"_s, "unfinished");
-
-    QCOMPARE(file.recover().size(), isKept ? 1 : 0);
-    QCOMPARE(contentOf(place.path), isReplayed ? newText : found);
-    QCOMPARE(place.kept(), isKept ? QByteArrayList{isReplayed ? found : journal} : QByteArrayList());
-    QCOMPARE(QDir(place.privateFolder).entryList(QDir::Files), QStringList());
-}
-
-void TestSafeFile::journalInTheWay_data()
-{
-    QTest::addColumn<bool>("isOfThisFile");
-    QTest::newRow("it stays while the file's folder is missing, then its text is kept") << true;
-    QTest::newRow("it names another file and is left alone, then moved away") << false;
-}
-
-void TestSafeFile::journalInTheWay()
-{
-    QFETCH(bool, isOfThisFile);
-    const Place place;
-    SafeFile file = place.file();
-    const Journal stranger{"/another/file", sha256(oldText), sha256(newText), newText};
-    const QByteArray journal = isOfThisFile ? place.journal(oldText, newText) : stranger.encoded();
-    put(file.journalPath(), journal);
-    QVERIFY(QDir(place.folder.path()).rmdir(u"docs"_s));
-    QCOMPARE(file.recover().size(), isOfThisFile ? 1 : 0);
-    QCOMPARE(contentOf(file.journalPath()), journal);
-    QCOMPARE(file.read().outcome, Outcome::Missing);
-    QVERIFY(!file.write(otherText).written);
-
-    QVERIFY(QDir(place.folder.path()).mkdir(u"docs"_s));
-    QCOMPARE(file.write(otherText).notices.size(), 1);
-    QCOMPARE(place.kept(), QByteArrayList{isOfThisFile ? newText : journal});
-    QCOMPARE(file.read().bytes, otherText);
-}
-
-void TestSafeFile::journalDecoding()
-{
-    for (const Journal &journal : {Journal{"/a/b", sha256("x"), sha256("some text"), "some text"},
-                                   Journal{"/a/b", {}, sha256({}), {}}}) {
-        const QByteArray bytes = journal.encoded();
-        QVERIFY(Journal::decoded(bytes) == journal);
-        QVERIFY(!Journal::decoded(bytes + '\0'));
-        for (qsizetype i = 0; i < bytes.size(); ++i) {
-            QVERIFY2(!Journal::decoded(bytes.first(i)), qPrintable(QString::number(i)));
-            QByteArray flipped = bytes;
-            flipped[i] ^= 0x40;
-            QVERIFY2(!Journal::decoded(flipped), qPrintable(QString::number(i)));
-        }
-    }
-}
-
-void TestSafeFile::linksAndModeStay()
+void tst_safefile::linksAndModeStay()
 {
     const Place place(oldText);
     const QString link = place.folder.filePath(u"link"_s);
@@ -215,7 +124,7 @@ void TestSafeFile::linksAndModeStay()
     QCOMPARE(statusOf(place.privateFolder).st_mode, S_IFDIR | 0700U);
 }
 
-void TestSafeFile::noRegularFile_data()
+void tst_safefile::noRegularFile_data()
 {
     QTest::addColumn<Deed>("deed");
     QTest::addColumn<mode_t>("type");
@@ -227,7 +136,7 @@ void TestSafeFile::noRegularFile_data()
     QTest::newRow("a device") << device << mode_t{S_IFCHR};
 }
 
-void TestSafeFile::noRegularFile()
+void tst_safefile::noRegularFile()
 {
     QFETCH(Deed, deed);
     QFETCH(mode_t, type);
@@ -244,7 +153,7 @@ void TestSafeFile::noRegularFile()
 }
 
 /// What could not be read is not overwritten, unless it can be read and kept by then.
-void TestSafeFile::failedRead()
+void tst_safefile::failedRead()
 {
     const Place place(oldText);
     FaultyFileCalls calls;
@@ -260,7 +169,7 @@ void TestSafeFile::failedRead()
     QCOMPARE(contentOf(place.path), newText);
 }
 
-void TestSafeFile::settingAside()
+void tst_safefile::settingAside()
 {
     const Place place;
     FaultyFileCalls calls;
@@ -280,7 +189,7 @@ void TestSafeFile::settingAside()
     QVERIFY(expected.match(QString::fromUtf8(contentOf(file.asidePath()))).hasMatch());
 }
 
-void TestSafeFile::documents()
+void tst_safefile::documents()
 {
     QVERIFY(!Documents(std::nullopt, u"/nowhere"_s).file(u"plan.txt"_s));
     const Place place(otherText);
@@ -294,7 +203,7 @@ void TestSafeFile::documents()
     QCOMPARE(documents.takeNotices().size(), 0);
 }
 
-void TestSafeFile::standardFolders()
+void tst_safefile::standardFolders()
 {
     const Place place;
     const QByteArray home = qgetenv("HOME");
@@ -305,5 +214,5 @@ void TestSafeFile::standardFolders()
     QVERIFY(folder && folder->startsWith(place.folder.path()) && QFileInfo(*folder).isDir());
 }
 
-QTEST_GUILESS_MAIN(TestSafeFile)
+OBLINO_TEST(tst_safefile, QCoreApplication)
 #include "tst_safefile.moc"

@@ -1,4 +1,4 @@
-#include "diskmodel.h"
+#include <support/diskmodel.h>
 
 #include <algorithm>
 #include <cerrno>

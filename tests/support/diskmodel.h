@@ -15,7 +15,7 @@ namespace oblino {
 class DiskModel : public FileCalls
 {
 public:
-    static constexpr qsizetype pageSize = 16;
+    static constexpr qsizetype pageSize = 32;
 
     struct Node
     {

@@ -1,4 +1,4 @@
-#include "faultyfilecalls.h"
+#include <support/faultyfilecalls.h>
 
 #include <cerrno>
 #include <csignal>
