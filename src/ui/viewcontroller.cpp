@@ -101,6 +101,7 @@ void ViewController::ChangeView()
 
 void ViewController::search()
 {
+    const QString key = keyOfShownSelection();
     const QString term = searchField->text();
     if (!term.isEmpty()) {
         trace(term);
@@ -113,7 +114,8 @@ void ViewController::search()
         trace("isEmpty");
         m_store.setIsSearching(false);
     }
-    reloadKeepingSelection();
+    reload();
+    restoreSelection(key);
 }
 
 void ViewController::reinitForSearching()

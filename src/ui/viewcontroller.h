@@ -109,7 +109,7 @@ private:
     // Helpers
 
     void reload();
-    void reloadKeepingSelection();
+    void restoreSelection(const QString &key);
     void changeList();
     void moveSelected(bool up, const QString &elsewhereMessage);
     void showHideCommand(bool hidden);
@@ -119,7 +119,8 @@ private:
     void about();
     void showNotices();
     void showCounts();
-    [[nodiscard]] bool selectionIsShown() const;
+    [[nodiscard]] bool selectionIsCurrent() const;
+    [[nodiscard]] QString keyOfShownSelection() const;
     [[nodiscard]] int rowOfKey(const QString &key) const;
     [[nodiscard]] int viewIndex() const;
 

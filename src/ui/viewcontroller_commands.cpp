@@ -78,7 +78,7 @@ void ViewController::moveSelected(bool up, const QString &elsewhereMessage)
         return;
     }
     // After a deletion the index may point at a task that the user never selected.
-    if (!selectionIsShown()) {
+    if (!selectionIsCurrent()) {
         m_utilities.dialogOK(QStringLiteral("Select a Task."));
         return;
     }

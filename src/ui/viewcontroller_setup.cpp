@@ -31,6 +31,7 @@ QLabel *statusLabel(QWidget *parent, const QString &name)
     label->setObjectName(name);
     label->setTextFormat(Qt::PlainText);
     label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+    label->setFocusPolicy(Qt::NoFocus);
     label->setContentsMargins(12, 4, 12, 4);
     return label;
 }

@@ -60,8 +60,10 @@ void ViewController::sortDescriptorsDidChange(int section, Qt::SortOrder order)
     SortDescriptor descriptor = m_sortPrototypes.at(section);
     descriptor.ascending = order == Qt::AscendingOrder;
     trace("Sorting:", descriptor);
+    const QString key = keyOfShownSelection();
     m_store.sort(descriptor);
-    reloadKeepingSelection();
+    reload();
+    restoreSelection(key);
 }
 
 void ViewController::tableViewSelectionDidChange()
@@ -99,23 +101,25 @@ void ViewController::reload()
     showCounts();
 }
 
-void ViewController::reloadKeepingSelection()
+bool ViewController::selectionIsCurrent() const
 {
-    const bool wasShown = selectionIsShown() && tblView->selectionModel()->hasSelection();
-    const QString key = m_selectedKey;
-    reload();
-    if (!wasShown)
+    return m_store.getSelectedTaskIndex() >= 0 && m_store.getSelectedTask().key == m_selectedKey;
+}
+
+QString ViewController::keyOfShownSelection() const
+{
+    return tblView->selectionModel()->hasSelection() && selectionIsCurrent() ? m_selectedKey : QString();
+}
+
+void ViewController::restoreSelection(const QString &key)
+{
+    if (key.isEmpty())
         return;
     // A command must never act on a task that the user does not see selected.
     if (const int row = rowOfKey(key); row >= 0)
         tblView->selectRow(row);
     else
         disableSelectionButtons();
-}
-
-bool ViewController::selectionIsShown() const
-{
-    return m_store.getSelectedTaskIndex() >= 0 && m_store.getSelectedTask().key == m_selectedKey;
 }
 
 int ViewController::rowOfKey(const QString &key) const

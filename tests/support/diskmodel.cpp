@@ -52,6 +52,18 @@ QByteArray DiskModel::State::content(const QByteArray &path) const
     return name == names.end() ? QByteArray() : nodes.at(name->second).data;
 }
 
+void DiskModel::State::put(const QByteArray &path, const QByteArray &data)
+{
+    const auto add = [&](const QByteArray &name, const Node &node) {
+        const int number = nodes.rbegin()->first + 1;
+        nodes[number] = node;
+        names[name] = number;
+    };
+    for (QByteArray folder = folderOf(path); !names.contains(folder); folder = folderOf(folder))
+        add(folder, {true, {}, 0});
+    add(path, {false, data, 0});
+}
+
 QByteArray DiskModel::State::key() const
 {
     QByteArray key;

@@ -30,6 +30,8 @@ public:
         std::map<int, Node> nodes;
 
         [[nodiscard]] QByteArray content(const QByteArray &path) const;
+        /// Adds a file, and the folders above it.
+        void put(const QByteArray &path, const QByteArray &data);
         /// Equal for states that hold the same files.
         [[nodiscard]] QByteArray key() const;
     };
