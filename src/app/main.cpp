@@ -26,7 +26,8 @@ void seeToHome()
 bool hasDisplay()
 {
     const bool chosen = !qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM");
-    return chosen || !qEnvironmentVariableIsEmpty("DISPLAY") || !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+    return chosen || !qEnvironmentVariableIsEmpty("DISPLAY") ||
+           !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
 }
 
 // GStreamer, the other backend, brings no MP3 decoder of its own.

@@ -10,7 +10,7 @@ namespace {
 
 QString tracedTime(const char *label, qint64 hour, qint64 minute)
 {
-    const QString text = twoDigitTime(hour, minute);
+    QString text = twoDigitTime(hour, minute);
     trace(label, text);
     return text;
 }
@@ -47,7 +47,8 @@ QString cellText(const task &t, const QString &identifier, const QLocale &locale
 QString textUntilLineFeed(const QString &text)
 {
     const qsizetype lineFeed = text.indexOf(QLatin1Char('\n'));
-    trace("Index Truncate:", lineFeed < 0 ? text.size() : lineFeed, "End Index:", [&text] { return text.toUtf8().size(); });
+    trace("Index Truncate:", lineFeed < 0 ? text.size() : lineFeed,
+          "End Index:", [&text] { return text.toUtf8().size(); });
     return lineFeed < 0 ? text : text.first(lineFeed) + QLatin1String("...");
 }
 

@@ -40,8 +40,8 @@ QString twelveHourTime(qint64 hour, qint64 minute)
         shown = 12;
     else if (hour > 12)
         shown = hour - 12;
-    return twoDigits(shown) + QLatin1Char(':') + twoDigits(minute)
-         + (morning ? QLatin1String("AM") : QLatin1String("PM"));
+    return twoDigits(shown) + QLatin1Char(':') + twoDigits(minute) +
+           (morning ? QLatin1String("AM") : QLatin1String("PM"));
 }
 
 } // namespace oblino

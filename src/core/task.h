@@ -26,23 +26,23 @@ struct DefaultTimes
 /// together.
 struct task
 {
-    QString key = QStringLiteral("NoKey");          ///< unique; usually 36 characters of an upper-case UUID
-    QDateTime date = momentOfMaking();              ///< start date
-    QString name = QStringLiteral("Unnamed");       ///< short title
-    QString desc = QStringLiteral("UnDescribed");   ///< may hold several lines
-    QString client = QStringLiteral("UnAssigned");  ///< a copy of the client's name
+    QString key = QStringLiteral("NoKey");         ///< unique; usually 36 characters of an upper-case UUID
+    QDateTime date = momentOfMaking();             ///< start date
+    QString name = QStringLiteral("Unnamed");      ///< short title
+    QString desc = QStringLiteral("UnDescribed");  ///< may hold several lines
+    QString client = QStringLiteral("UnAssigned"); ///< a copy of the client's name
     QString teamMember = QStringLiteral("UnAssigned"); ///< a copy of the team member's name
     Color color;
-    QDateTime due = momentOfMaking();               ///< due date
-    qint64 status = 0;                              ///< index into the forms' status list
-    qint64 priority = 0;                            ///< index into the forms' priority list
+    QDateTime due = momentOfMaking();                    ///< due date
+    qint64 status = 0;                                   ///< index into the forms' status list
+    qint64 priority = 0;                                 ///< index into the forms' priority list
     QString statusName = QStringLiteral("NoStatus");     ///< display text of the status
     QString priorityName = QStringLiteral("NoPriority"); ///< display text of the priority
-    bool hidden = false;                            ///< left out of the ordinary views
-    qint64 startHour = sharedDefaultTimes().startHour; ///< 0..23
-    qint64 startMin = sharedDefaultTimes().startMin;   ///< 0..59
-    qint64 endHour = sharedDefaultTimes().endHour;     ///< 0..23
-    qint64 endMin = sharedDefaultTimes().endMin;       ///< 0..59
+    bool hidden = false;                                 ///< left out of the ordinary views
+    qint64 startHour = sharedDefaultTimes().startHour;   ///< 0..23
+    qint64 startMin = sharedDefaultTimes().startMin;     ///< 0..59
+    qint64 endHour = sharedDefaultTimes().endHour;       ///< 0..23
+    qint64 endMin = sharedDefaultTimes().endMin;         ///< 0..59
 };
 
 /// The two values of task::status that have a meaning of their own.

@@ -72,9 +72,10 @@ QString TaskListFile::splitStringFile(const QString &joinedStr)
     m_unreadableRows += reading.unreadableRows;
     m_unsaved = false;
     if (!m_unreadableRows.isEmpty()) {
-        m_notices += QStringLiteral("%1 of %2 cannot be read. Nothing is lost: the next save keeps what they hold "
-                                    "in a file of its own.")
-                         .arg(rowCount(m_unreadableRows.size()), fileName);
+        m_notices +=
+            QStringLiteral("%1 of %2 cannot be read. Nothing is lost: the next save keeps what they hold "
+                           "in a file of its own.")
+                .arg(rowCount(m_unreadableRows.size()), fileName);
     }
     return {};
 }

@@ -12,9 +12,9 @@ namespace oblino {
 
 namespace {
 
-constexpr qsizetype longestNumber = 32;           // of a double in its shortest form, or of an integer
-constexpr qsizetype bytesPerUnit = 3;             // of UTF-8, for one unit of UTF-16
-constexpr qsizetype likelyRow = 256;              // bytes; only a first guess
+constexpr qsizetype longestNumber = 32; // of a double in its shortest form, or of an integer
+constexpr qsizetype bytesPerUnit = 3;   // of UTF-8, for one unit of UTF-16
+constexpr qsizetype likelyRow = 256;    // bytes; only a first guess
 
 // Writes fields at the end of one growing block of bytes.
 class RowWriter
@@ -36,7 +36,8 @@ public:
         const auto length = static_cast<size_t>(end - begin);
         if (std::memchr(begin, fieldSeparator, length) || std::memchr(begin, rowSeparator, length)) {
             QString harmless = value;
-            harmless.replace(QLatin1Char(fieldSeparator), QChar(u'¦')).replace(QLatin1Char(rowSeparator), QChar(u'ˆ'));
+            harmless.replace(QLatin1Char(fieldSeparator), QChar(u'¦'))
+                .replace(QLatin1Char(rowSeparator), QChar(u'ˆ'));
             return text(harmless);
         }
         m_size += static_cast<qsizetype>(length);

@@ -39,13 +39,13 @@ void TaskManager::sort(const SortDescriptor &sortDescriptor)
     m_tasks = orderedTasks(m_tasks, sortDescriptor);
 }
 
-QString TaskManager::addTask(const QString &key, const QDateTime &date, const QString &name, const QString &desc,
-                             const Color &color, const QDateTime &due, qint64 status, qint64 priority,
-                             const QString &statusName, const QString &priorityName, bool hidden,
-                             qint64 startHour, qint64 startMin, qint64 endHour, qint64 endMin,
+QString TaskManager::addTask(const QString &key, const QDateTime &date, const QString &name,
+                             const QString &desc, const Color &color, const QDateTime &due, qint64 status,
+                             qint64 priority, const QString &statusName, const QString &priorityName,
+                             bool hidden, qint64 startHour, qint64 startMin, qint64 endHour, qint64 endMin,
                              const QString &client, const QString &teamMember)
 {
-    const QString usedKey = key.isEmpty() ? newUuidText() : key;
+    QString usedKey = key.isEmpty() ? newUuidText() : key;
     selectedList().append(task{.key = usedKey,
                                .date = date,
                                .name = name,

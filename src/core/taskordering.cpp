@@ -92,7 +92,8 @@ QList<task> ordered(QList<task> tasks, bool ascending, const ValueOf &valueOf)
 
 QString timeText(qint64 hour, qint64 minute, bool ascending)
 {
-    return QString::number(hour) + (ascending ? QLatin1String(":") : QLatin1String()) + QString::number(minute);
+    return QString::number(hour) + (ascending ? QLatin1String(":") : QLatin1String()) +
+           QString::number(minute);
 }
 
 using Ordering = std::function<QList<task>(QList<task>, bool)>;

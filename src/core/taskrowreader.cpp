@@ -149,7 +149,8 @@ std::optional<Color> TaskRowReader::color() const
     const auto alpha = numberIn<double>(field(7));
     if (!red || !green || !blue || !alpha)
         return std::nullopt;
-    const bool finite = std::isfinite(*red) && std::isfinite(*green) && std::isfinite(*blue) && std::isfinite(*alpha);
+    const bool finite =
+        std::isfinite(*red) && std::isfinite(*green) && std::isfinite(*blue) && std::isfinite(*alpha);
     return finite ? std::optional(Color(*red, *green, *blue, *alpha)) : std::nullopt;
 }
 
@@ -158,7 +159,7 @@ QString TaskRowReader::shared(QStringView text)
     const auto found = m_texts.constFind(text);
     if (found != m_texts.cend())
         return *found;
-    const QString made = text.toString();
+    QString made = text.toString();
     m_texts.insert(made, made);
     return made;
 }

@@ -32,7 +32,10 @@ public:
 private:
     static constexpr qsizetype knownFields = 20;
 
-    [[nodiscard]] QStringView field(qsizetype position) const { return m_fields[static_cast<size_t>(position - 1)]; }
+    [[nodiscard]] QStringView field(qsizetype position) const
+    {
+        return m_fields[static_cast<size_t>(position - 1)];
+    }
     [[nodiscard]] bool hasKey() const;
     [[nodiscard]] bool hasTimes() const { return m_count >= 18 && m_count <= 20; }
     [[nodiscard]] std::optional<QDateTime> day(QStringView text);

@@ -21,15 +21,12 @@ public:
 
     bool matches(const task &t)
     {
-        return contains(t.name) || contains(t.desc) || contains(t.client) || contains(t.teamMember)
-            || contains(t.key);
+        return contains(t.name) || contains(t.desc) || contains(t.client) || contains(t.teamMember) ||
+               contains(t.key);
     }
 
 private:
-    bool contains(const QString &text)
-    {
-        return m_matcher.indexIn(lowered(text)) >= 0;
-    }
+    bool contains(const QString &text) { return m_matcher.indexIn(lowered(text)) >= 0; }
 
     QStringView lowered(const QString &text)
     {

@@ -43,9 +43,9 @@ bool admitted(const task &t, qint64 itemStatus, QDate day)
 
 QStringList viewLabels()
 {
-    return {QStringLiteral("All"),         QStringLiteral("Open"),          QStringLiteral("Closed"),
-            QStringLiteral("Hidden"),      QStringLiteral("Hidden Open"),   QStringLiteral("Hidden Closed"),
-            QStringLiteral("Global-All"),  QStringLiteral("Global-Open"),   QStringLiteral("Global-Closed"),
+    return {QStringLiteral("All"),        QStringLiteral("Open"),        QStringLiteral("Closed"),
+            QStringLiteral("Hidden"),     QStringLiteral("Hidden Open"), QStringLiteral("Hidden Closed"),
+            QStringLiteral("Global-All"), QStringLiteral("Global-Open"), QStringLiteral("Global-Closed"),
             QStringLiteral("Due Today")};
 }
 

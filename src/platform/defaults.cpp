@@ -17,7 +17,8 @@ namespace {
 QString madePrivate(const QString &path)
 {
     QDir().mkpath(QFileInfo(path).absolutePath());
-    const int file = ::open(QFile::encodeName(path).constData(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0600);
+    const int file =
+        ::open(QFile::encodeName(path).constData(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0600);
     if (file >= 0) {
         ::fchmod(file, 0600);
         ::close(file);
@@ -35,8 +36,8 @@ Defaults::Defaults(const QString &path)
 
 Defaults &Defaults::standard()
 {
-    static Defaults instance(QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation)
-                             + QStringLiteral("/oblino.ini"));
+    static Defaults instance(QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation) +
+                             QStringLiteral("/oblino.ini"));
     return instance;
 }
 

@@ -54,7 +54,8 @@ bool SingleInstance::lock()
     const QByteArray folder = QFile::encodeName(m_privateFolder);
     if (!QDir(m_privateFolder).exists() && QDir().mkpath(m_privateFolder))
         ::chmod(folder.constData(), 0700);
-    m_lockFile = ::open((folder + "/oblino.lock").constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
+    m_lockFile =
+        ::open((folder + "/oblino.lock").constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
     return m_lockFile < 0 || ::flock(m_lockFile, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
 }
 
@@ -67,11 +68,12 @@ QString SingleInstance::socketName() const
 bool SingleInstance::raiseOther() const
 {
     // The other one may hold the lock and not listen yet.
-    for (QDeadlineTimer deadline(waitForOther); !deadline.hasExpired(); QThread::msleep(betweenAttempts.count())) {
+    for (QDeadlineTimer deadline(waitForOther); !deadline.hasExpired();
+         QThread::msleep(betweenAttempts.count())) {
         QLocalSocket socket;
         socket.connectToServer(socketName());
-        if (socket.waitForConnected(static_cast<int>(deadline.remainingTime()))
-            && socket.waitForReadyRead(static_cast<int>(deadline.remainingTime())))
+        if (socket.waitForConnected(static_cast<int>(deadline.remainingTime())) &&
+            socket.waitForReadyRead(static_cast<int>(deadline.remainingTime())))
             return true;
     }
     return false;

@@ -16,16 +16,17 @@ namespace oblino {
 
 namespace {
 
-constexpr qsizetype flushAt = 1 << 20;  // bytes
-constexpr qsizetype dropAt = 16 << 20;  // bytes waiting for a reader that does not read
-constexpr size_t pipeAtomic = 4096;     // a pipe that polls writable takes this much without waiting
+constexpr qsizetype flushAt = 1 << 20; // bytes
+constexpr qsizetype dropAt = 16 << 20; // bytes waiting for a reader that does not read
+constexpr size_t pipeAtomic = 4096;    // a pipe that polls writable takes this much without waiting
 
 bool goesSomewhere(int descriptor)
 {
     struct stat status = {};
     if (::fstat(descriptor, &status) != 0)
         return false;
-    const bool nullDevice = S_ISCHR(status.st_mode) && major(status.st_rdev) == 1 && minor(status.st_rdev) == 3;
+    const bool nullDevice =
+        S_ISCHR(status.st_mode) && major(status.st_rdev) == 1 && minor(status.st_rdev) == 3;
     return !nullDevice;
 }
 
@@ -55,8 +56,8 @@ struct Output
         qsizetype done = 0;
         while (done < buffer.size() && readyToTake()) {
             const auto rest = static_cast<size_t>(buffer.size() - done);
-            const ssize_t written
-                = ::write(descriptor, buffer.constData() + done, regularFile ? rest : std::min(rest, pipeAtomic));
+            const ssize_t written = ::write(descriptor, buffer.constData() + done,
+                                            regularFile ? rest : std::min(rest, pipeAtomic));
             if (written > 0)
                 done += written;
             else if (errno != EINTR)

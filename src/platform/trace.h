@@ -42,16 +42,18 @@ void appendTrace(QByteArray &line, QStringView value);
 void appendTrace(QByteArray &line, const QDateTime &value);
 
 template<typename Integer>
-    requires(std::integral<Integer> && !std::same_as<Integer, bool> && !std::same_as<Integer, qint64>)
-void appendTrace(QByteArray &line, Integer value)
+requires(std::integral<Integer> && !std::same_as<Integer, bool> &&
+         !std::same_as<Integer, qint64>) void appendTrace(QByteArray &line, Integer value)
 {
     appendTrace(line, static_cast<qint64>(value));
 }
 
 template<typename List>
-    requires requires(const List &list) { list.size(); list.constBegin(); }
-          && (!std::convertible_to<const List &, QStringView>)
-void appendTrace(QByteArray &line, const List &list)
+requires requires(const List &list)
+{
+    list.size();
+    list.constBegin();
+} &&(!std::convertible_to<const List &, QStringView>)void appendTrace(QByteArray &line, const List &list)
 {
     line += '[';
     const char *separator = "";

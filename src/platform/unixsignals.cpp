@@ -64,7 +64,8 @@ UnixSignals::~UnixSignals()
 void UnixSignals::take()
 {
     char bytes[64];
-    while (::read(m_ends[0], bytes, sizeof bytes) > 0) { }
+    while (::read(m_ends[0], bytes, sizeof bytes) > 0) {
+    }
     ::alarm(secondsToEnd);
     Q_EMIT endRequested();
 }

@@ -69,7 +69,8 @@ void EmptyState::changeEvent(QEvent *event)
 
 void EmptyState::showPicture()
 {
-    m_picture->setPixmap(themedIcon(QStringLiteral("empty-list")).pixmap(QSize(pictureSize, pictureSize), devicePixelRatioF()));
+    m_picture->setPixmap(themedIcon(QStringLiteral("empty-list"))
+                             .pixmap(QSize(pictureSize, pictureSize), devicePixelRatioF()));
 }
 
 } // namespace oblino

@@ -8,6 +8,7 @@
 #include <QAbstractItemView>
 #include <QHelpEvent>
 #include <QPainter>
+#include <QTextDocument>
 #include <QToolTip>
 
 #include <algorithm>
@@ -18,6 +19,7 @@ namespace {
 
 constexpr int padding = 8;
 constexpr int markSize = 12;
+constexpr int halfMark = markSize / 2;
 constexpr int stripeWidth = 6;
 constexpr int bars = 3;
 
@@ -30,7 +32,8 @@ struct CellColors
 
 CellColors colorsOf(const QStyleOptionViewItem &option, const QModelIndex &index)
 {
-    const QColor row = laidOver(index.data(Qt::BackgroundRole).value<QColor>(), option.palette.color(QPalette::Base));
+    const QColor row =
+        laidOver(index.data(Qt::BackgroundRole).value<QColor>(), option.palette.color(QPalette::Base));
     if (!(option.state & QStyle::State_Selected))
         return {row, row, readableOn(row)};
     const QColor accent = option.palette.color(QPalette::Highlight);
@@ -39,7 +42,8 @@ CellColors colorsOf(const QStyleOptionViewItem &option, const QModelIndex &index
 
 bool hasMark(const QModelIndex &index)
 {
-    return index.data(TaskTableModel::StatusRole).isValid() || index.data(TaskTableModel::PriorityRole).isValid();
+    return index.data(TaskTableModel::StatusRole).isValid() ||
+           index.data(TaskTableModel::PriorityRole).isValid();
 }
 
 QRect textRect(const QStyleOptionViewItem &option, const QModelIndex &index)
@@ -76,13 +80,15 @@ void paintPriority(QPainter *painter, const QRectF &box, const CellColors &color
     }
 }
 
-void paintMark(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index, const CellColors &colors)
+void paintMark(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index,
+               const CellColors &colors)
 {
     const QVariant status = index.data(TaskTableModel::StatusRole);
     const QVariant priority = index.data(TaskTableModel::PriorityRole);
     if (!status.isValid() && !priority.isValid())
         return;
-    const QRectF box(option.rect.left() + padding, option.rect.center().y() - markSize / 2 + 1, markSize, markSize);
+    const QRectF box(option.rect.left() + padding, option.rect.center().y() - halfMark + 1, markSize,
+                     markSize);
     painter->setRenderHint(QPainter::Antialiasing, status.isValid());
     if (status.isValid())
         paintStatus(painter, box, colors, status.toLongLong());
@@ -100,10 +106,12 @@ QString shownText(const QStyleOptionViewItem &option, const QModelIndex &index)
 
 } // namespace
 
-void TaskCellDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index) const
+void TaskCellDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
+                             const QModelIndex &index) const
 {
     QStyleOptionViewItem cell = option;
-    cell.palette.setCurrentColorGroup(QPalette::Active); // the selection stays legible while a menu has the focus
+    cell.palette.setCurrentColorGroup(
+        QPalette::Active); // the selection stays legible while a menu has the focus
     const CellColors colors = colorsOf(cell, index);
     painter->save();
     painter->fillRect(option.rect, colors.background);
@@ -128,8 +136,8 @@ void TaskCellDelegate::paint(QPainter *painter, const QStyleOptionViewItem &opti
     painter->restore();
 }
 
-bool TaskCellDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view, const QStyleOptionViewItem &option,
-                                 const QModelIndex &index)
+bool TaskCellDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view,
+                                 const QStyleOptionViewItem &option, const QModelIndex &index)
 {
     if (event->type() != QEvent::ToolTip)
         return QStyledItemDelegate::helpEvent(event, view, option, index);

@@ -47,13 +47,15 @@ void TaskHeader::paintSection(QPainter *painter, const QRect &rect, int section)
     if (sorted)
         titleRect.setRight(titleRect.right() - arrowWidth - padding / 2);
     painter->setPen(palette().color(QPalette::WindowText));
-    const auto alignment = model()->headerData(section, orientation(), Qt::TextAlignmentRole).value<Qt::Alignment>();
+    const auto alignment =
+        model()->headerData(section, orientation(), Qt::TextAlignmentRole).value<Qt::Alignment>();
     const QString title = model()->headerData(section, orientation()).toString();
     painter->drawText(titleRect, static_cast<int>(alignment | Qt::TextSingleLine),
                       fontMetrics().elidedText(title, Qt::ElideRight, titleRect.width()));
     if (sorted) {
         painter->setRenderHint(QPainter::Antialiasing);
-        painter->setPen(QPen(palette().color(QPalette::Highlight), 2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+        painter->setPen(
+            QPen(palette().color(QPalette::Highlight), 2, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
         paintArrow(painter, {rect.right() - padding - arrowWidth / 2, rect.center().y()},
                    sortIndicatorOrder() == Qt::AscendingOrder);
     }

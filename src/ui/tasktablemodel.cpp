@@ -24,21 +24,21 @@ TaskTableModel::TaskTableModel(TaskTableSource &source, QObject *parent)
 
 const QStringList &TaskTableModel::identifiers()
 {
-    static const QStringList list
-        = {CellIdentifiers::DateCell,   CellIdentifiers::StartTime,      CellIdentifiers::EndTime,
-           CellIdentifiers::NameCell,   CellIdentifiers::ClientCell,     CellIdentifiers::TeamMemberCell,
-           CellIdentifiers::DescCell,   CellIdentifiers::StatusCell,     CellIdentifiers::PriorityCell,
-           CellIdentifiers::DueCell,    CellIdentifiers::KeyCell};
+    static const QStringList list = {
+        CellIdentifiers::DateCell, CellIdentifiers::StartTime,  CellIdentifiers::EndTime,
+        CellIdentifiers::NameCell, CellIdentifiers::ClientCell, CellIdentifiers::TeamMemberCell,
+        CellIdentifiers::DescCell, CellIdentifiers::StatusCell, CellIdentifiers::PriorityCell,
+        CellIdentifiers::DueCell,  CellIdentifiers::KeyCell};
     return list;
 }
 
 const QStringList &TaskTableModel::titles()
 {
-    static const QStringList list
-        = {QStringLiteral("Date"),        QStringLiteral("Start"),  QStringLiteral("End"),
-           QStringLiteral("Name"),        QStringLiteral("Client"), QStringLiteral("Team Member"),
-           QStringLiteral("Description"), QStringLiteral("Status"), QStringLiteral("Priority"),
-           QStringLiteral("Due"),         QStringLiteral("Key")};
+    static const QStringList list = {
+        QStringLiteral("Date"),        QStringLiteral("Start"),  QStringLiteral("End"),
+        QStringLiteral("Name"),        QStringLiteral("Client"), QStringLiteral("Team Member"),
+        QStringLiteral("Description"), QStringLiteral("Status"), QStringLiteral("Priority"),
+        QStringLiteral("Due"),         QStringLiteral("Key")};
     return list;
 }
 
@@ -69,7 +69,8 @@ QVariant TaskTableModel::data(const QModelIndex &index, int role) const
     case Qt::BackgroundRole:
         return m_source.didAdd(index.row());
     case Qt::TextAlignmentRole:
-        return QVariant::fromValue((isCentred(index.column()) ? Qt::AlignHCenter : Qt::AlignLeft) | Qt::AlignVCenter);
+        return QVariant::fromValue((isCentred(index.column()) ? Qt::AlignHCenter : Qt::AlignLeft) |
+                                   Qt::AlignVCenter);
     case WholeTextRole:
         return m_source.wholeTextFor(index.column(), index.row());
     case StatusRole:
@@ -86,7 +87,8 @@ QVariant TaskTableModel::headerData(int section, Qt::Orientation orientation, in
     if (orientation == Qt::Horizontal && role == Qt::DisplayRole)
         return titles().value(section);
     if (orientation == Qt::Horizontal && role == Qt::TextAlignmentRole)
-        return QVariant::fromValue((isCentred(section) ? Qt::AlignHCenter : Qt::AlignLeft) | Qt::AlignVCenter);
+        return QVariant::fromValue((isCentred(section) ? Qt::AlignHCenter : Qt::AlignLeft) |
+                                   Qt::AlignVCenter);
     return {};
 }
 

@@ -35,7 +35,8 @@ double luminance(const QColor &color)
 
 bool desktopHasPalette()
 {
-    const bool ownStyle = QApplication::style()->name().compare(QLatin1String("fusion"), Qt::CaseInsensitive) == 0;
+    const bool ownStyle =
+        QApplication::style()->name().compare(QLatin1String("fusion"), Qt::CaseInsensitive) == 0;
     return !ownStyle || qEnvironmentVariable("XDG_CURRENT_DESKTOP").contains(QLatin1String("KDE"));
 }
 
@@ -44,8 +45,9 @@ bool desktopHasPalette()
 QPalette calmPalette(bool inDark)
 {
     const Tones &tones = inDark ? dark : light;
-    QPalette palette(QColor(tones.text), QColor(tones.button), QColor(tones.base), QColor(tones.line).darker(130),
-                     QColor(tones.line), QColor(tones.text), Qt::white, QColor(tones.base), QColor(tones.window));
+    QPalette palette(QColor(tones.text), QColor(tones.button), QColor(tones.base),
+                     QColor(tones.line).darker(130), QColor(tones.line), QColor(tones.text), Qt::white,
+                     QColor(tones.base), QColor(tones.window));
     palette.setColor(QPalette::Highlight, QColor(tones.accent));
     palette.setColor(QPalette::HighlightedText, Qt::white);
     palette.setColor(QPalette::Link, QColor(tones.accent));
@@ -76,7 +78,8 @@ void applyAppearance(bool inDark)
 QColor screenColor(const Color &color)
 {
     const auto inside = [](double component) { return static_cast<float>(std::clamp(component, 0.0, 1.0)); };
-    return QColor::fromRgbF(inside(color.red()), inside(color.green()), inside(color.blue()), inside(color.alpha()));
+    return QColor::fromRgbF(inside(color.red()), inside(color.green()), inside(color.blue()),
+                            inside(color.alpha()));
 }
 
 QColor readableOn(const QColor &background)

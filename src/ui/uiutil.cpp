@@ -77,9 +77,8 @@ void UIUtil::prepareSound()
     if (!SoundPlayer::exists(sound))
         return;
     soundPlayer = std::make_unique<SoundPlayer>(sound);
-    QObject::connect(soundPlayer.get(), &SoundPlayer::failed, soundPlayer.get(), [](const QString &description) {
-        trace("Sound player not available: ", description);
-    });
+    QObject::connect(soundPlayer.get(), &SoundPlayer::failed, soundPlayer.get(),
+                     [](const QString &description) { trace("Sound player not available: ", description); });
     soundPlayer->prepare();
 }
 

@@ -11,8 +11,10 @@
 #include <platform/notificationcenter.h>
 #include <platform/trace.h>
 
+#include <QActionGroup>
 #include <QCloseEvent>
 #include <QLabel>
+#include <QTextDocument>
 #include <QToolButton>
 
 namespace oblino {
@@ -170,7 +172,7 @@ QString ViewController::readFromFile()
 
 QString ViewController::splitStringFile(const QString &joinedStr)
 {
-    const QString nothing = m_file.splitStringFile(joinedStr);
+    QString nothing = m_file.splitStringFile(joinedStr);
     showNotices();
     return nothing;
 }

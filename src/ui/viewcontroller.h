@@ -37,8 +37,8 @@ class ViewController : public QMainWindow, private TaskTableSource
     Q_OBJECT
 
 public:
-    ViewController(TaskManager &store, Documents &documents, UIUtil &utilities, NotificationCenter &notifications,
-                   QWidget *parent = nullptr);
+    ViewController(TaskManager &store, Documents &documents, UIUtil &utilities,
+                   NotificationCenter &notifications, QWidget *parent = nullptr);
     ~ViewController() override;
 
     // Commands

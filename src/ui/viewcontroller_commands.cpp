@@ -37,7 +37,8 @@ void ViewController::disableSelectionButtons()
 
 void ViewController::setSelectionCommandsEnabled(bool enabled)
 {
-    for (QAction *action : {m_ui->deleteAction, m_ui->hideAction, m_ui->cloneAction, m_ui->closeAction, m_ui->copyKeyAction}) {
+    for (QAction *action :
+         {m_ui->deleteAction, m_ui->hideAction, m_ui->cloneAction, m_ui->closeAction, m_ui->copyKeyAction}) {
         action->setEnabled(enabled);
         if (action != m_ui->hideAction) // its tool tip says which way it works
             action->setToolTip(enabled ? m_toolTips.value(action) : selectFirst);
@@ -46,7 +47,8 @@ void ViewController::setSelectionCommandsEnabled(bool enabled)
 
 void ViewController::showHideCommand(bool hidden)
 {
-    m_ui->hideAction->setIcon(themedIcon(hidden ? QStringLiteral("AppHideIcon") : QStringLiteral("AppShowIcon")));
+    m_ui->hideAction->setIcon(
+        themedIcon(hidden ? QStringLiteral("AppHideIcon") : QStringLiteral("AppShowIcon")));
     m_ui->hideAction->setText(hidden ? tr("Un&hide") : tr("&Hide"));
     m_ui->hideAction->setIconText(hidden ? tr("Unhide") : tr("Hide"));
     m_ui->hideAction->setToolTip(hidden ? QStringLiteral("UNHIDE") : QStringLiteral("HIDE"));
@@ -113,8 +115,9 @@ void ViewController::btnDeleteTask_Click(QObject *)
         return;
     const task selected = m_store.getSelectedTask();
     const bool confirmed = m_utilities.dialogYesNo(
-        QStringLiteral("The task will be deleted locally as well as from the iCloud if present. Are you sure you "
-                       "want to delete ?"),
+        QStringLiteral(
+            "The task will be deleted locally as well as from the iCloud if present. Are you sure you "
+            "want to delete ?"),
         selected.name);
     // The list may have changed under the question; only the task that was asked about goes.
     if (confirmed && m_store.setSelected(selected.key) >= 0) {
@@ -163,10 +166,11 @@ void ViewController::copyKey()
 
 void ViewController::about()
 {
-    QMessageBox::about(this, tr("About Oblino"),
-                       tr("<h3>Oblino %1</h3><p>Plan work as a list of tasks, and text clients and team members "
-                          "their schedules.</p>")
-                           .arg(QCoreApplication::applicationVersion()));
+    QMessageBox::about(
+        this, tr("About Oblino"),
+        tr("<h3>Oblino %1</h3><p>Plan work as a list of tasks, and text clients and team members "
+           "their schedules.</p>")
+            .arg(QCoreApplication::applicationVersion()));
 }
 
 } // namespace oblino

@@ -44,9 +44,17 @@ QList<int> firstWidths(const QFontMetrics &metrics)
     const int time = wide(QStringLiteral("00:00")) + 8;
     const int person = wide(QStringLiteral("Harbor Cafe Ltd"));
     const int mark = wide(QStringLiteral("Medium")) + 28;
-    return {date,   time, time, wide(QStringLiteral("Paint the fence in the yard")),
-            person, person,     wide(QStringLiteral("Two coats, the second when dry")),
-            mark,   mark, date, wide(QStringLiteral("0C5E2A1F-7B3D-4E6A-9F12-3A4B5C6D7E8F"))};
+    return {date,
+            time,
+            time,
+            wide(QStringLiteral("Paint the fence in the yard")),
+            person,
+            person,
+            wide(QStringLiteral("Two coats, the second when dry")),
+            mark,
+            mark,
+            date,
+            wide(QStringLiteral("0C5E2A1F-7B3D-4E6A-9F12-3A4B5C6D7E8F"))};
 }
 
 } // namespace
@@ -85,7 +93,9 @@ void ViewController::bindOutlets()
 
 void ViewController::connectCommands()
 {
-    const auto command = [this](QAction *action, auto call) { connect(action, &QAction::triggered, this, call); };
+    const auto command = [this](QAction *action, auto call) {
+        connect(action, &QAction::triggered, this, call);
+    };
     command(m_ui->deleteAction, [this] { btnDeleteTask_Click(deleteButton); });
     command(m_ui->hideAction, [this] { hideClicked(); });
     command(m_ui->cloneAction, [this] { cloneTask(cloneButton); });
@@ -118,7 +128,8 @@ void ViewController::fillViews()
     viewSelection->addItems(labels);
     viewSelection->setMaxVisibleItems(static_cast<int>(labels.size()));
     for (int i = 0; i < labels.size(); ++i) {
-        QAction *action = m_ui->viewMenu->addAction(labels.at(i), this, [this, i] { viewSelection->setCurrentIndex(i); });
+        QAction *action =
+            m_ui->viewMenu->addAction(labels.at(i), this, [this, i] { viewSelection->setCurrentIndex(i); });
         action->setCheckable(true);
         action->setChecked(i == 0);
         action->setShortcut(QKeySequence(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_0 + (i + 1) % 10)));
@@ -138,7 +149,8 @@ void ViewController::fillSortMenu()
     menu->addSeparator();
     QAction *reverse = menu->addAction(tr("&Reverse Order"), this, [header] {
         const bool ascending = header->sortIndicatorOrder() == Qt::AscendingOrder;
-        header->setSortIndicator(header->sortIndicatorSection(), ascending ? Qt::DescendingOrder : Qt::AscendingOrder);
+        header->setSortIndicator(header->sortIndicatorSection(),
+                                 ascending ? Qt::DescendingOrder : Qt::AscendingOrder);
     });
     reverse->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_R));
 }

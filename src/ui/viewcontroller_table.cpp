@@ -37,7 +37,9 @@ QString ViewController::objectValueFor(int column, int row) const
 QString ViewController::wholeTextFor(int column, int row) const
 {
     const task &t = m_store.tasksInView().at(row);
-    return TaskTableModel::identifiers().at(column) == CellIdentifiers::DescCell ? t.desc : objectValueFor(column, row);
+    return TaskTableModel::identifiers().at(column) == CellIdentifiers::DescCell
+               ? t.desc
+               : objectValueFor(column, row);
 }
 
 QColor ViewController::didAdd(int row) const
@@ -125,7 +127,8 @@ void ViewController::restoreSelection(const QString &key)
 int ViewController::rowOfKey(const QString &key) const
 {
     const QList<task> &rows = m_store.tasksInView();
-    const auto found = std::find_if(rows.cbegin(), rows.cend(), [&key](const task &t) { return t.key == key; });
+    const auto found =
+        std::find_if(rows.cbegin(), rows.cend(), [&key](const task &t) { return t.key == key; });
     return found == rows.cend() ? -1 : static_cast<int>(found - rows.cbegin());
 }
 
@@ -148,8 +151,9 @@ void ViewController::showCounts()
     const qsizetype all = m_store.fullList().size();
     const QLocale locale;
     const QString noun = all == 1 ? tr("task") : tr("tasks");
-    statusMessage->setText(shown == all ? tr("%1 %2").arg(locale.toString(all), noun)
-                                        : tr("%1 of %2 %3").arg(locale.toString(shown), locale.toString(all), noun));
+    statusMessage->setText(shown == all
+                               ? tr("%1 %2").arg(locale.toString(all), noun)
+                               : tr("%1 of %2 %3").arg(locale.toString(shown), locale.toString(all), noun));
     m_emptyState->setVisible(shown == 0);
     if (all == 0) {
         m_emptyState->say(tr("No tasks yet"), tr("Add the first one with Task ▸ New Task… (Ctrl+N)."));

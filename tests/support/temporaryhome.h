@@ -11,10 +11,7 @@ namespace oblino {
 class TemporaryHome
 {
 public:
-    TemporaryHome()
-    {
-        QDir(m_folder.path()).mkdir(QStringLiteral("Documents"));
-    }
+    TemporaryHome() { QDir(m_folder.path()).mkdir(QStringLiteral("Documents")); }
 
     [[nodiscard]] QString documents() const { return m_folder.filePath(QStringLiteral("Documents")); }
     [[nodiscard]] QString privateFolder() const { return m_folder.filePath(QStringLiteral("private")); }

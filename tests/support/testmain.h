@@ -16,9 +16,9 @@ bool registerTest(const char *name, TestMaker makeTest, ApplicationMaker makeApp
 } // namespace oblino
 
 /// Enters a test class that needs an application object of that class, as in QApplication.
-#define OBLINO_TEST(TestClass, ApplicationClass)                                                              \
-    static const bool registered##TestClass = oblino::registerTest(                                           \
-        #TestClass, []() -> std::unique_ptr<QObject> { return std::make_unique<TestClass>(); },               \
-        [](int &argc, char **argv) -> std::unique_ptr<QCoreApplication> {                                     \
-            return std::make_unique<ApplicationClass>(argc, argv);                                            \
+#define OBLINO_TEST(TestClass, ApplicationClass)                                                             \
+    static const bool registered##TestClass = oblino::registerTest(                                          \
+        #TestClass, []() -> std::unique_ptr<QObject> { return std::make_unique<TestClass>(); },              \
+        [](int &argc, char **argv) -> std::unique_ptr<QCoreApplication> {                                    \
+            return std::make_unique<ApplicationClass>(argc, argv);                                           \
         });

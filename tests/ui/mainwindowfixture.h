@@ -34,9 +34,9 @@ struct Row
 
     [[nodiscard]] QByteArray bytes() const
     {
-        return QByteArray(date) + '|' + name + '|' + desc + '|' + color + "|3/9/26|" + QByteArray::number(status)
-             + "|2|" + (status == 1 ? "Closed" : "Open") + "|High|KEY-" + name + '|' + (hidden ? "true" : "false")
-             + "|9|30|17|0|" + client + "|Dana^";
+        return QByteArray(date) + '|' + name + '|' + desc + '|' + color + "|3/9/26|" +
+               QByteArray::number(status) + "|2|" + (status == 1 ? "Closed" : "Open") + "|High|KEY-" + name +
+               '|' + (hidden ? "true" : "false") + "|9|30|17|0|" + client + "|Dana^";
     }
 };
 
@@ -59,9 +59,18 @@ public:
         });
     }
 
-    [[nodiscard]] QTableView &table() const { return *window->findChild<QTableView *>(QStringLiteral("tblView")); }
-    [[nodiscard]] QComboBox &views() const { return *window->findChild<QComboBox *>(QStringLiteral("viewSelection")); }
-    [[nodiscard]] QLineEdit &searchField() const { return *window->findChild<QLineEdit *>(QStringLiteral("searchField")); }
+    [[nodiscard]] QTableView &table() const
+    {
+        return *window->findChild<QTableView *>(QStringLiteral("tblView"));
+    }
+    [[nodiscard]] QComboBox &views() const
+    {
+        return *window->findChild<QComboBox *>(QStringLiteral("viewSelection"));
+    }
+    [[nodiscard]] QLineEdit &searchField() const
+    {
+        return *window->findChild<QLineEdit *>(QStringLiteral("searchField"));
+    }
     [[nodiscard]] QToolButton &button(const char *name) const
     {
         return *window->findChild<QToolButton *>(QLatin1String(name));
@@ -71,7 +80,10 @@ public:
         return window->findChild<QLabel *>(QStringLiteral("statusMessageLabel"))->text();
     }
 
-    [[nodiscard]] QString cell(int row, int column) const { return table().model()->index(row, column).data().toString(); }
+    [[nodiscard]] QString cell(int row, int column) const
+    {
+        return table().model()->index(row, column).data().toString();
+    }
 
     /// The names in the table, from top to bottom, joined by blanks.
     [[nodiscard]] QString shown() const

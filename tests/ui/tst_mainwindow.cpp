@@ -34,7 +34,8 @@ private Q_SLOTS:
     {
         MainWindow main({});
         QCOMPARE(main.table().model()->rowCount(), 0);
-        for (const char *name : {"editButton", "deleteButton", "hideButton", "shareButton", "cloneButton", "closeButton"})
+        for (const char *name :
+             {"editButton", "deleteButton", "hideButton", "shareButton", "cloneButton", "closeButton"})
             QVERIFY2(!main.button(name).isEnabled(), name);
         QVERIFY(main.window->findChild<QLabel *>(QStringLiteral("emptyTitle"))->isVisible());
         QVERIFY(!QFile::exists(main.home.listPath()));
@@ -45,10 +46,11 @@ private Q_SLOTS:
         QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
         MainWindow main({{.name = "b", .date = "3/8/26"},
                          {.name = "a", .date = "3/7/26", .client = "Acme", .desc = "one\ntwo"}});
-        const QStringList expected = {QStringLiteral("3/7/26"), QStringLiteral("09:30"), QStringLiteral("17:00"),
-                                      QStringLiteral("a"),      QStringLiteral("Acme"),  QStringLiteral("Dana"),
-                                      QStringLiteral("one..."), QStringLiteral("Open"),  QStringLiteral("High"),
-                                      QStringLiteral("3/9/26"), QStringLiteral("KEY-a")};
+        const QStringList expected = {
+            QStringLiteral("3/7/26"), QStringLiteral("09:30"), QStringLiteral("17:00"),
+            QStringLiteral("a"),      QStringLiteral("Acme"),  QStringLiteral("Dana"),
+            QStringLiteral("one..."), QStringLiteral("Open"),  QStringLiteral("High"),
+            QStringLiteral("3/9/26"), QStringLiteral("KEY-a")};
         QStringList row;
         for (int column = 0; column < main.table().model()->columnCount(); ++column)
             row += main.cell(0, column);
@@ -135,23 +137,29 @@ private Q_SLOTS:
         };
         QTest::newRow("delete") << afterSelecting("banana", "deleteButton") << "apple cherry"
                                 << "apple cherry date";
-        QTest::newRow("delete during a search") << inSearchOf("banan", afterSelecting("banana", "deleteButton")) << ""
-                                                << "apple cherry date";
+        QTest::newRow("delete during a search")
+            << inSearchOf("banan", afterSelecting("banana", "deleteButton")) << ""
+            << "apple cherry date";
         QTest::newRow("hide") << afterSelecting("banana", "hideButton") << "apple cherry"
                               << "apple banana cherry date";
-        QTest::newRow("hide during a search") << inSearchOf("a", afterSelecting("banana", "hideButton")) << "apple cherry"
-                                              << "apple banana cherry date";
-        QTest::newRow("clone goes to the end") << afterSelecting("apple", "cloneButton") << "apple banana cherry apple"
-                                               << "apple banana cherry date apple";
+        QTest::newRow("hide during a search")
+            << inSearchOf("a", afterSelecting("banana", "hideButton")) << "apple cherry"
+            << "apple banana cherry date";
+        QTest::newRow("clone goes to the end")
+            << afterSelecting("apple", "cloneButton") << "apple banana cherry apple"
+            << "apple banana cherry date apple";
         QTest::newRow("clone during a search joins the full list")
             << inSearchOf("ban", afterSelecting("banana", "cloneButton")) << "banana banana"
             << "apple banana cherry date banana";
-        QTest::newRow("up") << inGlobalAll(afterSelecting("banana", "upperButton")) << "banana apple cherry date"
+        QTest::newRow("up") << inGlobalAll(afterSelecting("banana", "upperButton"))
+                            << "banana apple cherry date"
                             << "banana apple cherry date";
-        QTest::newRow("down") << inGlobalAll(afterSelecting("banana", "downerButton")) << "apple cherry banana date"
+        QTest::newRow("down") << inGlobalAll(afterSelecting("banana", "downerButton"))
+                              << "apple cherry banana date"
                               << "apple cherry banana date";
-        QTest::newRow("first one up") << inGlobalAll(afterSelecting("apple", "upperButton")) << "apple banana cherry date"
-                                      << "apple banana cherry date";
+        QTest::newRow("first one up")
+            << inGlobalAll(afterSelecting("apple", "upperButton")) << "apple banana cherry date"
+            << "apple banana cherry date";
     }
 
     void changesTheListAndTheFile()
@@ -182,11 +190,14 @@ private Q_SLOTS:
         QTest::addColumn<bool>("deleteFirst");
         QTest::addColumn<QByteArray>("button");
         QTest::addColumn<QString>("message");
-        QTest::newRow("up elsewhere") << 0 << false << QByteArray("upperButton") << "Change to Global-All View to order Tasks.";
-        QTest::newRow("down elsewhere") << 0 << false << QByteArray("downerButton")
-                                        << "Change to the Global-All View to order Tasks.";
-        QTest::newRow("nothing selected") << globalAll << false << QByteArray("upperButton") << "Select a Task.";
-        QTest::newRow("the selected task is gone") << globalAll << true << QByteArray("downerButton") << "Select a Task.";
+        QTest::newRow("up elsewhere")
+            << 0 << false << QByteArray("upperButton") << "Change to Global-All View to order Tasks.";
+        QTest::newRow("down elsewhere")
+            << 0 << false << QByteArray("downerButton") << "Change to the Global-All View to order Tasks.";
+        QTest::newRow("nothing selected")
+            << globalAll << false << QByteArray("upperButton") << "Select a Task.";
+        QTest::newRow("the selected task is gone")
+            << globalAll << true << QByteArray("downerButton") << "Select a Task.";
     }
 
     void refusesToMove()
@@ -247,10 +258,12 @@ private Q_SLOTS:
         main.clickRow(QStringLiteral("banana"));
         main.click("deleteButton");
         QCOMPARE(main.questions.asked.last().messageText,
-                 QStringLiteral("The task will be deleted locally as well as from the iCloud if present. Are you sure "
-                                "you want to delete ?"));
+                 QStringLiteral(
+                     "The task will be deleted locally as well as from the iCloud if present. Are you sure "
+                     "you want to delete ?"));
         QCOMPARE(main.questions.asked.last().informativeText, QStringLiteral("banana"));
-        QCOMPARE(main.questions.asked.last().buttons, QStringList({QStringLiteral("Yes"), QStringLiteral("No")}));
+        QCOMPARE(main.questions.asked.last().buttons,
+                 QStringList({QStringLiteral("Yes"), QStringLiteral("No")}));
         QCOMPARE(main.saved(), QStringLiteral("apple banana cherry date"));
     }
 
@@ -363,7 +376,8 @@ private Q_SLOTS:
         MainWindow main({});
         TemporaryHome::write(main.home.listPath(), "broken|row^" + Row{.name = "apple"}.bytes());
         main.appearance.setInterfaceStyle(QStringLiteral("Dark"));
-        QVERIFY2(main.status().startsWith(QStringLiteral("1 row of ltodolist.txt cannot be read.")), qPrintable(main.status()));
+        QVERIFY2(main.status().startsWith(QStringLiteral("1 row of ltodolist.txt cannot be read.")),
+                 qPrintable(main.status()));
         main.clickRow(QStringLiteral("apple"));
         main.click("cloneButton");
         const QString kept = main.documents.file(QStringLiteral("ltodolist.txt"))->asidePath();

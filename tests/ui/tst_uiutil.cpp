@@ -28,7 +28,8 @@ private Q_SLOTS:
         const QDateTime morning(day, QTime(0, 0));
         const QDateTime night(day, QTime(23, 59, 59));
         QTest::newRow("two times of one day, the later first") << night << morning << 0 << true;
-        QTest::newRow("a second before midnight and the next day") << night << morning.addDays(1) << 1 << true;
+        QTest::newRow("a second before midnight and the next day")
+            << night << morning.addDays(1) << 1 << true;
         QTest::newRow("the next day first") << morning.addDays(1) << night << -1 << false;
     }
 
@@ -88,16 +89,15 @@ private Q_SLOTS:
         using Act = std::function<void(QMessageBox *)>;
         QTest::addColumn<Act>("act");
         QTest::addColumn<std::optional<int>>("answer");
-        QTest::newRow("Yes by mouse") << Act([](QMessageBox *box) {
-            QTest::mouseClick(box->buttons().at(0), Qt::LeftButton);
-        }) << std::optional(0);
-        QTest::newRow("Return takes the harmless one") << Act([](QMessageBox *box) {
-            QTest::keyClick(box, Qt::Key_Return);
-        }) << std::optional(1);
+        QTest::newRow("Yes by mouse")
+            << Act([](QMessageBox *box) { QTest::mouseClick(box->buttons().at(0), Qt::LeftButton); })
+            << std::optional(0);
+        QTest::newRow("Return takes the harmless one")
+            << Act([](QMessageBox *box) { QTest::keyClick(box, Qt::Key_Return); }) << std::optional(1);
         QTest::newRow("Escape too") << Act([](QMessageBox *box) { QTest::keyClick(box, Qt::Key_Escape); })
                                     << std::optional(1);
-        QTest::newRow("the event loop ends") << Act([](QMessageBox *) { QCoreApplication::exit(0); })
-                                             << std::optional<int>();
+        QTest::newRow("the event loop ends")
+            << Act([](QMessageBox *) { QCoreApplication::exit(0); }) << std::optional<int>();
     }
 
     void answersOnlyWhatWasPressed()
@@ -106,8 +106,10 @@ private Q_SLOTS:
         std::optional<int> answer = -2;
         // In an event loop of the application's, as in the program.
         QTimer::singleShot(0, this, [&] {
-            QTimer::singleShot(0, this, [&act] { act(qobject_cast<QMessageBox *>(QApplication::activeModalWidget())); });
-            answer = MessageBoxAlert().ask({QStringLiteral("<b>?</b>"), {}, {QStringLiteral("Yes"), QStringLiteral("No")}, 1});
+            QTimer::singleShot(
+                0, this, [&act] { act(qobject_cast<QMessageBox *>(QApplication::activeModalWidget())); });
+            answer = MessageBoxAlert().ask(
+                {QStringLiteral("<b>?</b>"), {}, {QStringLiteral("Yes"), QStringLiteral("No")}, 1});
             QCoreApplication::exit(0);
         });
         QApplication::exec();
@@ -116,7 +118,9 @@ private Q_SLOTS:
 
     void keepsTextReadableOnEveryColour()
     {
-        const auto linear = [](float c) { return c <= 0.04045F ? c / 12.92F : std::pow((c + 0.055F) / 1.055F, 2.4F); };
+        const auto linear = [](float c) {
+            return c <= 0.04045F ? c / 12.92F : std::pow((c + 0.055F) / 1.055F, 2.4F);
+        };
         const auto luminance = [&linear](const QColor &c) {
             return 0.2126F * linear(c.redF()) + 0.7152F * linear(c.greenF()) + 0.0722F * linear(c.blueF());
         };
