@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QIcon>
+#include <QLoggingCategory>
 #include <QStandardPaths>
 
 #include <pwd.h>
@@ -48,6 +49,7 @@ int main(int argc, char *argv[])
     }
     chooseAudioBackend();
 
+    QLoggingCategory::setFilterRules(QStringLiteral("*.debug=false")); // what libraries say of themselves
     QApplication application(argc, argv);
     QApplication::setApplicationName(QStringLiteral("oblino"));
     QApplication::setApplicationDisplayName(QStringLiteral("Oblino"));
