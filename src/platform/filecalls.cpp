@@ -62,6 +62,11 @@ int FileCalls::mkdir(const QByteArray &path, mode_t mode)
     return ::mkdir(path.constData(), mode);
 }
 
+int FileCalls::rmdir(const QByteArray &path)
+{
+    return ::rmdir(path.constData());
+}
+
 FileCalls &FileCalls::posix()
 {
     static FileCalls calls;

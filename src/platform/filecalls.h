@@ -30,6 +30,7 @@ public:
     virtual int rename(const QByteArray &from, const QByteArray &to);
     virtual int unlink(const QByteArray &path);
     virtual int mkdir(const QByteArray &path, mode_t mode);
+    virtual int rmdir(const QByteArray &path);
 
     /// The calls of this machine.
     static FileCalls &posix();

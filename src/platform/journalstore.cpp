@@ -4,8 +4,6 @@
 
 #include <QFile>
 
-#include <cerrno>
-
 #include <fcntl.h>
 
 namespace oblino {
@@ -48,13 +46,18 @@ int JournalStore::store(const Journal &journal, bool &isInPlace)
         error = file.writeAll(journal.encoded());
     if (error == 0)
         error = file.sync();
-    if (error == 0 && m_calls.rename(unfinished, fileFor(journal.path)) == -1)
-        error = errno;
+    if (error == 0)
+        error = renameFile(m_calls, unfinished, fileFor(journal.path));
     isInPlace = error == 0;
     if (isInPlace)
-        return syncFolder(m_calls, m_folder);
+        return syncNames();
     m_calls.unlink(unfinished);
     return error;
+}
+
+int JournalStore::syncNames()
+{
+    return syncFolder(m_calls, m_folder);
 }
 
 void JournalStore::remove(const QByteArray &path)

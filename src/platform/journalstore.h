@@ -27,6 +27,9 @@ public:
     /// safely on disk fails, `isInPlace` is true all the same.
     [[nodiscard]] int store(const Journal &journal, bool &isInPlace);
 
+    /// Sees the journals' names safely on disk, which a store() that was cut short may have left undone.
+    [[nodiscard]] int syncNames();
+
     /// Removes the journal for `path`. That is not waited for: a power cut may bring the journal back.
     void remove(const QByteArray &path);
 

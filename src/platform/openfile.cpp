@@ -43,7 +43,13 @@ int makeFolder(FileCalls &calls, const QByteArray &path)
     }
     if (error == EEXIST)
         return 0;
-    return error != 0 ? error : syncFolder(calls, parentFolder(path));
+    if (error == 0) {
+        error = syncFolder(calls, parentFolder(path));
+        // Once it is there, nobody would see to its name again.
+        if (error != 0)
+            calls.rmdir(path);
+    }
+    return error;
 }
 
 bool isSameTime(const timespec &a, const timespec &b)
@@ -184,6 +190,11 @@ QByteArray parentFolder(const QByteArray &path)
 {
     const qsizetype slash = path.lastIndexOf('/');
     return slash > 0 ? path.first(slash) : QByteArray("/");
+}
+
+int renameFile(FileCalls &calls, const QByteArray &from, const QByteArray &to)
+{
+    return outcome([&] { return calls.rename(from, to); });
 }
 
 int syncFolder(FileCalls &calls, const QByteArray &path)

@@ -57,6 +57,8 @@ private:
 /// The folder that holds the file or folder `path`.
 [[nodiscard]] QByteArray parentFolder(const QByteArray &path);
 
+[[nodiscard]] int renameFile(FileCalls &calls, const QByteArray &from, const QByteArray &to);
+
 /// Sees the names in a folder safely on disk.
 [[nodiscard]] int syncFolder(FileCalls &calls, const QByteArray &path);
 

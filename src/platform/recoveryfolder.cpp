@@ -64,8 +64,8 @@ RecoveryFolder::Kept RecoveryFolder::move(const QByteArray &file, const QString 
     if (kept.error != 0)
         return kept;
     const QByteArray to = QFile::encodeName(kept.path);
-    if (m_calls.rename(file, to) == -1) {
-        kept.error = errno;
+    kept.error = renameFile(m_calls, file, to);
+    if (kept.error != 0) {
         m_calls.unlink(to);
         return kept;
     }

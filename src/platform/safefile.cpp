@@ -101,6 +101,8 @@ void SafeFile::finish(const Journal &journal, QStringList &notices)
     }
     if (error == 0)
         error = file.reserve(journal.text.size());
+    if (error == 0)
+        error = m_journals.syncNames();
     // Even a file that seems to hold the new text is written again: when syncing it failed, it does so in
     // memory only, and syncing once more would not help.
     if (error == 0)

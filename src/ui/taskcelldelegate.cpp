@@ -110,8 +110,10 @@ void TaskCellDelegate::paint(QPainter *painter, const QStyleOptionViewItem &opti
                              const QModelIndex &index) const
 {
     QStyleOptionViewItem cell = option;
-    cell.palette.setCurrentColorGroup(
-        QPalette::Active); // the selection stays legible while a menu has the focus
+    // The selection stays legible while a menu has the focus, and on a task of the accent colour itself.
+    cell.palette.setCurrentColorGroup(QPalette::Active);
+    cell.font.setBold(option.state & QStyle::State_Selected);
+    cell.fontMetrics = QFontMetrics(cell.font);
     const CellColors colors = colorsOf(cell, index);
     painter->save();
     painter->fillRect(option.rect, colors.background);
@@ -125,9 +127,10 @@ void TaskCellDelegate::paint(QPainter *painter, const QStyleOptionViewItem &opti
 
     paintMark(painter, option, index, colors);
     painter->setPen(colors.text);
+    painter->setFont(cell.font);
     const Qt::Alignment alignment(index.data(Qt::TextAlignmentRole).value<Qt::Alignment>());
     painter->drawText(textRect(option, index), static_cast<int>(alignment | Qt::TextSingleLine),
-                      shownText(option, index));
+                      shownText(cell, index));
 
     if ((option.state & QStyle::State_HasFocus) && !(option.state & QStyle::State_Selected)) {
         painter->setPen(QPen(colors.text, 1, Qt::DotLine));

@@ -14,6 +14,7 @@
 #include <QActionGroup>
 #include <QHeaderView>
 #include <QLabel>
+#include <QLocale>
 #include <QScreen>
 #include <QToolButton>
 
@@ -37,11 +38,15 @@ QLabel *statusLabel(QWidget *parent, const QString &name)
 }
 
 // A width for each column, from texts that are likely to stand in it.
-QList<int> firstWidths(const QFontMetrics &metrics)
+QList<int> firstWidths(QFont font)
 {
-    const auto wide = [&metrics](const QString &text) { return metrics.horizontalAdvance(text) + 28; };
-    const int date = wide(QStringLiteral("00/00/0000"));
-    const int time = wide(QStringLiteral("00:00")) + 8;
+    font.setBold(true); // as in a selected row
+    const QFontMetrics metrics(font);
+    const auto wide = [&metrics](const QString &text) { return metrics.horizontalAdvance(text) + 24; };
+    int date = 0;
+    for (int month = 1; month <= 12; ++month)
+        date = std::max(date, wide(QLocale().toString(QDate(2026, month, 28), QLocale::ShortFormat)));
+    const int time = wide(QStringLiteral("00:00"));
     const int person = wide(QStringLiteral("Harbor Cafe Ltd"));
     const int mark = wide(QStringLiteral("Medium")) + 28;
     return {date,
@@ -168,7 +173,7 @@ void ViewController::prepareTable()
     QHeaderView *header = tblView->horizontalHeader();
     header->setStretchLastSection(true);
     header->setMinimumSectionSize(fontMetrics().horizontalAdvance(QStringLiteral("00:00")));
-    const QList<int> widths = firstWidths(fontMetrics());
+    const QList<int> widths = firstWidths(font());
     for (int column = 0; column < widths.size(); ++column)
         header->resizeSection(column, widths.at(column));
     header->setSortIndicator(0, Qt::AscendingOrder);

@@ -51,9 +51,10 @@ void tst_safefile::otherPrograms_data()
     };
     const QByteArray sameSize(oldText.size(), 'x');
     const Deed timeSetBack = [=](const Place &place) {
-        const timespec longAgo[] = {{1, 0}, {1, 0}};
+        const struct stat before = statusOf(place.path);
+        const timespec times[] = {before.st_atim, before.st_mtim};
         put(place.path, sameSize);
-        QCOMPARE(::utimensat(AT_FDCWD, place.encodedPath().constData(), longAgo, 0), 0);
+        QCOMPARE(::utimensat(AT_FDCWD, place.encodedPath().constData(), times, 0), 0);
     };
     const Deed replaced = [](const Place &place) {
         put(place.path + u".new"_s, otherText);
@@ -158,6 +159,7 @@ void tst_safefile::failedRead()
     const Place place(oldText);
     FaultyFileCalls calls;
     SafeFile file(place.path, place.privateFolder, calls);
+    QCOMPARE(file.read().bytes, oldText);
     const int firstPread = 3; // after opening the file and asking for its status
     calls.arm(firstPread, EIO);
     QCOMPARE(file.read().outcome, Outcome::Failed);

@@ -6,7 +6,10 @@
 #include <QDir>
 #include <QTest>
 
+#include <cerrno>
 #include <functional>
+
+#include <fcntl.h>
 
 using namespace oblino;
 using namespace Qt::Literals::StringLiterals;
@@ -27,6 +30,8 @@ class tst_saverecovery : public QObject
 private Q_SLOTS:
     void recovering_data();
     void recovering();
+    void readOnlyFile_data();
+    void readOnlyFile();
     void journalInTheWay_data();
     void journalInTheWay();
     void journalDecoding();
@@ -73,6 +78,35 @@ void tst_saverecovery::recovering()
     QCOMPARE(contentOf(place.path), isReplayed ? newText : found);
     QCOMPARE(place.kept(), isKept ? QByteArrayList{isReplayed ? found : journal} : QByteArrayList());
     QCOMPARE(QDir(place.privateFolder).entryList(QDir::Files), QStringList());
+}
+
+void tst_saverecovery::readOnlyFile_data()
+{
+    QTest::addColumn<QByteArray>("found");
+    QTest::newRow("it holds the new text, so nothing is left to do") << newText;
+    QTest::newRow("it holds the old text, which cannot be helped now") << oldText;
+}
+
+void tst_saverecovery::readOnlyFile()
+{
+    QFETCH(QByteArray, found);
+    struct ReadOnly : FileCalls
+    {
+        QByteArray path;
+        int open(const QByteArray &name, int flags, mode_t mode) override
+        {
+            errno = EACCES;
+            return name == path && (flags & O_ACCMODE) != O_RDONLY ? -1 : FileCalls::open(name, flags, mode);
+        }
+    } calls;
+    const Place place(found);
+    calls.path = place.encodedPath();
+    SafeFile file(place.path, place.privateFolder, calls);
+    put(file.journalPath(), place.journal(oldText, newText));
+    QCOMPARE(file.recover().size(), found == newText ? 0 : 1);
+    QCOMPARE(QFile::exists(file.journalPath()), found != newText);
+    QCOMPARE(contentOf(place.path), found);
+    QCOMPARE(file.read().bytes, newText);
 }
 
 void tst_saverecovery::journalInTheWay_data()

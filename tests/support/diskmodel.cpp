@@ -203,17 +203,18 @@ int DiskModel::fsync(int fd)
 {
     if (++m_syncs == m_skippedSync)
         return 0;
+    const bool isFailing = m_syncs == m_failedSync;
     const QByteArray path = m_open.at(static_cast<size_t>(fd));
     const int node = m_cached.names.at(path);
     std::erase_if(m_now.unsynced, [&](const Step &step) {
         const bool isSynced =
             step.isOnName() ? folderOf(step.from) == path || folderOf(step.to) == path : step.node == node;
-        if (isSynced)
+        if (isSynced && !isFailing)
             apply(m_now.durable, step);
-        return isSynced;
+        return isSynced && !(isFailing && step.isOnName());
     });
     keepMoment();
-    return 0;
+    return answer(isFailing ? EIO : 0);
 }
 
 int DiskModel::rename(const QByteArray &from, const QByteArray &to)
@@ -237,6 +238,11 @@ int DiskModel::unlink(const QByteArray &path)
 int DiskModel::mkdir(const QByteArray &path, mode_t)
 {
     return make(path, true);
+}
+
+int DiskModel::rmdir(const QByteArray &path)
+{
+    return unlink(path);
 }
 
 } // namespace oblino

@@ -62,8 +62,10 @@ public:
     DiskModel();
     explicit DiskModel(const State &state);
 
-    /// Makes the sync of that number (from 1) do nothing.
+    /// Makes the sync of that number (from 1) do nothing and seem to go well.
     void skipSync(int number) { m_skippedSync = number; }
+    /// Makes that one fail. What was written to the file will not reach the disk by a later sync either.
+    void failSync(int number) { m_failedSync = number; }
     [[nodiscard]] int syncs() const { return m_syncs; }
 
     /// The disk at the start and after each call that changed it.
@@ -82,6 +84,7 @@ public:
     int rename(const QByteArray &from, const QByteArray &to) override;
     int unlink(const QByteArray &path) override;
     int mkdir(const QByteArray &path, mode_t mode) override;
+    int rmdir(const QByteArray &path) override;
 
 private:
     int answer(int error) const;
@@ -96,6 +99,7 @@ private:
     int m_lastNode = 0;
     int m_syncs = 0;
     int m_skippedSync = 0;
+    int m_failedSync = 0;
 };
 
 } // namespace oblino

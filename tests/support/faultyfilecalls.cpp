@@ -89,4 +89,9 @@ int FaultyFileCalls::mkdir(const QByteArray &path, mode_t mode)
     return fails() ? -1 : FileCalls::mkdir(path, mode);
 }
 
+int FaultyFileCalls::rmdir(const QByteArray &path)
+{
+    return fails() ? -1 : FileCalls::rmdir(path);
+}
+
 } // namespace oblino

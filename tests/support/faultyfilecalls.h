@@ -29,6 +29,7 @@ public:
     int rename(const QByteArray &from, const QByteArray &to) override;
     int unlink(const QByteArray &path) override;
     int mkdir(const QByteArray &path, mode_t mode) override;
+    int rmdir(const QByteArray &path) override;
 
 private:
     bool fails();
