@@ -1,6 +1,7 @@
 #include <platform/soundplayer.h>
 
 #include <QAudioOutput>
+#include <QCoreApplication>
 #include <QFile>
 #include <QMediaPlayer>
 #include <QTimer>
@@ -38,7 +39,7 @@ void SoundPlayer::prepare()
 void SoundPlayer::play()
 {
     makePlayer();
-    m_player->setPosition(0);
+    m_player->stop(); // back to the beginning
     m_player->play();
 }
 
@@ -47,6 +48,8 @@ void SoundPlayer::makePlayer()
     if (m_player)
         return;
     m_player = std::make_unique<QMediaPlayer>();
+    // The audio system does not outlive the application object; this player may.
+    connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, this, [this] { m_player.reset(); });
     m_player->setAudioOutput(new QAudioOutput(m_player.get()));
     connect(m_player.get(), &QMediaPlayer::errorOccurred, this,
             [this](QMediaPlayer::Error, const QString &description) { Q_EMIT failed(description); });
