@@ -14,6 +14,7 @@
 #include <QActionGroup>
 #include <QCloseEvent>
 #include <QLabel>
+#include <QTableView>
 #include <QTextDocument>
 #include <QToolButton>
 
@@ -99,6 +100,7 @@ void ViewController::ChangeView()
     disableSelectionButtons();
     reinitForSearching();
     reload();
+    tblView->scrollToTop();
 }
 
 void ViewController::search()

@@ -115,13 +115,16 @@ QString ViewController::keyOfShownSelection() const
 
 void ViewController::restoreSelection(const QString &key)
 {
-    if (key.isEmpty())
-        return;
-    // A command must never act on a task that the user does not see selected.
-    if (const int row = rowOfKey(key); row >= 0)
+    const int row = key.isEmpty() ? -1 : rowOfKey(key);
+    if (row >= 0) {
         tblView->selectRow(row);
-    else
+        tblView->scrollTo(m_model.index(row, tblView->currentIndex().column()));
+        return;
+    }
+    // A command must never act on a task that the user does not see selected.
+    if (!key.isEmpty())
         disableSelectionButtons();
+    tblView->scrollToTop();
 }
 
 int ViewController::rowOfKey(const QString &key) const
