@@ -135,7 +135,8 @@ public:
     /// Selects the task with that key, the last one where several have it.
     /// @return selected(): -1 when no task has the key
     qint64 setSelected(const QString &key);
-    /// Moves the selected task one place up or down in tasks(); selected() stays.
+    /// Moves the selected task one place up or down in tasks(), during a search among the results; selected()
+    /// stays.
     /// @return whether it moved
     bool swapSelected(bool upper);
     /// Sets the selected task to status 1, "Closed". @return whether a task was selected

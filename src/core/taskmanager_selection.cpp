@@ -7,23 +7,34 @@
 
 namespace oblino {
 
+namespace {
+
+// The last task with that key; -1 when there is none.
+qsizetype lastIndexOf(const QString &key, const QList<task> &list)
+{
+    const auto found =
+        std::find_if(list.crbegin(), list.crend(), [&key](const task &t) { return t.key == key; });
+    return std::distance(found, list.crend()) - 1;
+}
+
+} // namespace
+
 qint64 TaskManager::setSelected(const QString &key)
 {
-    m_selected = -1;
-    const QList<task> &list = fullList();
-    for (qsizetype i = 0; i < list.size(); ++i) {
-        if (list.at(i).key == key)
-            m_selected = i;
-    }
+    m_selected = lastIndexOf(key, fullList());
     return m_selected;
 }
 
 bool TaskManager::swapSelected(bool upper)
 {
-    const qint64 other = upper ? m_selected - 1 : m_selected + 1;
-    const bool bothExist = m_selected >= 0 && other >= 0 && std::max(m_selected, other) < m_tasks.size();
+    if (!hasSelection())
+        return false;
+    const qsizetype position =
+        m_isSearching ? lastIndexOf(m_backupTasks.at(m_selected).key, m_tasks) : m_selected;
+    const qsizetype other = upper ? position - 1 : position + 1;
+    const bool bothExist = position >= 0 && other >= 0 && other < m_tasks.size();
     if (bothExist)
-        m_tasks.swapItemsAt(m_selected, other);
+        m_tasks.swapItemsAt(position, other);
     return bothExist;
 }
 
