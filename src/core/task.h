@@ -32,7 +32,7 @@ struct task
     QString desc = QStringLiteral("UnDescribed");  ///< may hold several lines
     QString client = QStringLiteral("UnAssigned"); ///< a copy of the client's name
     QString teamMember = QStringLiteral("UnAssigned"); ///< a copy of the team member's name
-    Color color;
+    Color color = {};
     QDateTime due = momentOfMaking();                    ///< due date
     qint64 status = 0;                                   ///< index into the forms' status list
     qint64 priority = 0;                                 ///< index into the forms' priority list
