@@ -1,7 +1,6 @@
-#include <support/testmain.h>
+#include "store.h"
 
-#include <core/task.h>
-#include <core/taskmanager.h>
+#include <core/tasklistwriter.h>
 
 using namespace oblino;
 
@@ -12,18 +11,22 @@ class tst_task : public QObject
 private Q_SLOTS:
     void startsWithItsDefaults()
     {
-        const task t;
-        QCOMPARE(t.key, QStringLiteral("NoKey"));
-        QCOMPARE(t.name, QStringLiteral("Unnamed"));
-        QCOMPARE(t.desc, QStringLiteral("UnDescribed"));
-        QCOMPARE(t.client, QStringLiteral("UnAssigned"));
-        QCOMPARE(t.teamMember, QStringLiteral("UnAssigned"));
-        QVERIFY(t.color == Color(1, 1, 1, 1));
-        QCOMPARE(t.statusName, QStringLiteral("NoStatus"));
-        QCOMPARE(t.priorityName, QStringLiteral("NoPriority"));
-        QCOMPARE(t.startHour, 8);
-        QCOMPARE(t.endHour, 17);
-        QVERIFY(!t.hidden);
+        const QDateTime before = QDateTime::currentDateTime();
+        task t;
+        QVERIFY(t.date >= before && t.date <= t.due && t.due <= QDateTime::currentDateTime());
+        t.date = t.due = QDate(2024, 3, 7).startOfDay();
+        QCOMPARE(
+            taskListText({t}, false),
+            "3/7/24|Unnamed|UnDescribed|1.0|1.0|1.0|1.0|3/7/24|0|0|NoStatus|NoPriority|NoKey|false|8|0|17|0|"
+            "UnAssigned|UnAssigned^"_ba);
+    }
+
+    void takesTheTimesOfTheTaskThatWasLastAdded()
+    {
+        add(tskMgr(), {.startHour = 9, .startMin = 30, .endHour = 11, .endMin = 15});
+        const task later;
+        const QList<qint64> times = {later.startHour, later.startMin, later.endHour, later.endMin};
+        QCOMPARE(times, (QList<qint64>{9, 30, 11, 15}));
     }
 };
 

@@ -1,0 +1,355 @@
+#include "store.h"
+
+#include <core/tasklistfile.h>
+#include <core/taskrowreader.h>
+
+#include <cerrno>
+
+using namespace oblino;
+
+using Bytes = Table<QByteArray>;
+using Rows = Table<QByteArray, QByteArray, QByteArray>;
+using Years = Table<QDate, QString, QDate>;
+
+namespace {
+
+// One run of the program on a home: a store, and the file that it reads and saves.
+struct Run
+{
+    explicit Run(const TemporaryHome &home, bool dark = false, FileCalls &calls = FileCalls::posix(),
+                 bool hasDocuments = true)
+        : defaults(home.path(u"settings.ini"_s))
+        , documents(hasDocuments ? std::optional(home.documents()) : std::nullopt, home.privateFolder(),
+                    calls)
+    {
+        setDark(dark);
+    }
+
+    void setDark(bool dark) { appearance.setInterfaceStyle(dark ? std::optional(u"Dark"_s) : std::nullopt); }
+
+    void read()
+    {
+        store.setTasks({});
+        file.splitStringFile(file.readFromFile());
+    }
+
+    // What lies aside, without the heading of its first entry.
+    QByteArray aside()
+    {
+        const QByteArray bytes = TemporaryHome::content(documents.file(u"ltodolist.txt"_s)->asidePath());
+        return bytes.sliced(bytes.indexOf('\n') + 1);
+    }
+
+    Defaults defaults;
+    Appearance appearance;
+    TaskManager store{defaults, appearance};
+    Documents documents;
+    TaskListFile file{store, documents};
+};
+
+struct FullDisk : FileCalls
+{
+    ssize_t pwrite(int fd, const char *data, size_t size, off_t offset) override
+    {
+        errno = ENOSPC;
+        return isFull ? -1 : FileCalls::pwrite(fd, data, size, offset);
+    }
+    bool isFull = true;
+};
+
+// A row of that many fields, some of them changed, by their positions from 1.
+QByteArray row(const QList<std::pair<int, QByteArray>> &changes = {}, qsizetype count = 20)
+{
+    QByteArrayList fields =
+        "3/7/24|Paint fence|Two coats|1.0|0.5|0.0|1.0|3/9/24|0|2|Open|High|KEY|true|9|30|16|45|"
+        "Harbor Cafe|Dana|more"_ba.split('|');
+    for (const auto &[position, text] : changes)
+        fields[position - 1] = text;
+    return fields.first(count).join('|') + '^';
+}
+
+} // namespace
+
+class tst_tasklistfile : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { moveWhereMidnightsAreOdd(); }
+
+    void writesBackTheBytesThatItRead_data()
+    {
+        Bytes bytes;
+        bytes("empty list", "");
+        bytes("two rows with one key", row() + row({{2, "Second"}}));
+        bytes("line feeds, tab and NUL", row({{2, "\ta\0b"_ba}, {3, "one\r\n\ntwo\n"}, {20, " \n"}}));
+        bytes("emoji, marks, odd code points",
+              row({{2, "🎉e\u0301é"}, {3, "\u200b\ufeff\uffff\U0010ffff¦ˆ"}}));
+        bytes("empty texts", row({{2, ""}, {3, ""}, {11, ""}, {12, ""}, {14, "false"}, {19, ""}, {20, ""}}));
+        bytes("rounded by inversion", row({{4, "0.1"}, {5, "1e-07"}, {6, "0.5019607843137255"}, {7, "0.3"}}));
+        bytes("past both ends",
+              row({{4, "-0.1"}, {5, "1.7976931348623157e+308"}, {6, "5e-324"}, {7, "-0.0"}}));
+        bytes("extreme integers",
+              row({{9, "-9223372036854775808"}, {10, "9223372036854775807"}, {16, "-1"}}));
+        bytes("days without midnight and with two", row({{1, "3/10/24"}, {8, "11/3/24"}}));
+        bytes("first and last year, leap day", row({{1, "1/1/00"}, {8, "12/31/99"}}) + row({{1, "2/29/24"}}));
+        bytes("long texts", row({{2, "中"_ba.repeated(50'000)}, {3, QByteArray(500'000, 'x')}}) + row());
+    }
+
+    void writesBackTheBytesThatItRead()
+    {
+        const auto [bytes] = Bytes::cells();
+        for (const bool dark : {false, true}) {
+            TemporaryHome home;
+            TemporaryHome::write(home.listPath(), bytes);
+            Run run(home, dark);
+            run.read();
+            QCOMPARE(run.file.invertedColors(), dark);
+            QCOMPARE(keysOf(run.store.backupTasks()), keysOf(run.store.tasks()));
+            QVERIFY(run.file.saveToFile());
+            QCOMPARE(TemporaryHome::content(home.listPath()), bytes);
+            QCOMPARE(run.file.takeNotices(), QStringList());
+        }
+    }
+
+    void readsRows_data()
+    {
+        Rows rows; // what is read, what is saved then (NEW stands for a key that was made), what lies aside
+        addRowsByLength(rows);
+        addReadableRows(rows);
+        addUnreadableFields(rows);
+        addUnreadableBytes(rows);
+    }
+
+    void readsRows()
+    {
+        const auto [bytes, expected, aside] = Rows::cells();
+        TemporaryHome home;
+        TemporaryHome::write(home.listPath(), bytes);
+        for (int time = 1; time <= 2; ++time) { // the second run finds nothing that is not in the list
+            Run run(home);
+            run.read();
+            run.read();
+            QCOMPARE(run.file.takeNotices().isEmpty(), aside.isEmpty() || time == 2);
+            QVERIFY(run.file.saveToFile() && run.file.saveToFile());
+            const QRegularExpression newKey(u"[0-9A-F]{8}-[-0-9A-F]{27}"_s);
+            QString saved = QString::fromUtf8(TemporaryHome::content(home.listPath()));
+            QCOMPARE(saved.replace(newKey, u"NEW"_s).toUtf8(), expected);
+            QCOMPARE(run.aside(), aside.isEmpty() ? aside : aside + '\n');
+        }
+    }
+
+    void putsTwoDigitYearsAroundToday_data()
+    {
+        Years years;
+        years("50 years before", QDate(2026, 7, 1), u"1/1/76"_s, QDate(1976, 1, 1));
+        years("49 years after", QDate(2026, 7, 1), u"12/31/75"_s, QDate(2075, 12, 31));
+        years("the span starts a century", QDate(2050, 1, 1), u"1/1/00"_s, QDate(2000, 1, 1));
+        years("the span ends a century", QDate(2050, 1, 1), u"1/1/99"_s, QDate(2099, 1, 1));
+        years("a day without midnight", QDate(2026, 7, 1), u"3/10/24"_s, QDate(2024, 3, 10));
+    }
+
+    void putsTwoDigitYearsAroundToday()
+    {
+        const auto [today, text, day] = Years::cells();
+        TaskRowReader reader(today);
+        const QString line = QString::fromUtf8(row({{1, text.toUtf8()}, {8, text.toUtf8()}})).chopped(1);
+        reader.split(line);
+        const auto t = reader.read({}, false);
+        QVERIFY(t);
+        QCOMPARE(t->date, day.startOfDay());
+        QCOMPARE(t->due.date(), day);
+    }
+
+    void writesLookAlikesOfWhatWouldBreakARow()
+    {
+        TemporaryHome home;
+        Run run(home);
+        const QString text = u"|a||^"_s + QChar(0xd83c); // the last is half an emoji
+        const QByteArray inFile = "¦a¦¦ˆ\ufffd";
+        const QDateTime late(QDate(2024, 3, 7), QTime(23, 59));
+        add(run.store, {text, late, text, text, text, text, {}, late, 0, 0, text, text, false, 9, 5, 17, 0});
+        QVERIFY(run.file.saveToFile());
+        QCOMPARE(TemporaryHome::content(home.listPath()),
+                 "3/7/24|T|T|1.0|1.0|1.0|1.0|3/7/24|0|0|T|T|T|false|9|5|17|0|T|T^"_ba.replace("T", inFile));
+    }
+
+    void keepsTheColoursOfTheLightAppearance_data()
+    {
+        Bytes steps; // D(ark), L(ight), R(ead), S(ave), F(ollow); ? starts a search that finds nothing
+        for (const char *letters :
+             {"DSS", "DSLS", "DRSLS", "DRLS", "DRLRS", "DRSLSDS", "DFLFS", "DRF", "?S", "?DSLS", "?DFS"})
+            steps(letters, letters);
+    }
+
+    void keepsTheColoursOfTheLightAppearance()
+    {
+        const auto [steps] = Bytes::cells();
+        const QByteArray bytes = row({{4, "0.25"}, {5, "0.1"}, {6, "1e-07"}, {7, "0.3"}});
+        TemporaryHome home;
+        TemporaryHome::write(home.listPath(), bytes);
+        Run run(home);
+        run.read();
+        for (const char step : steps) {
+            take(step, run);
+            if (step != 'D' && step != 'L')
+                QCOMPARE(run.file.invertedColors(), run.store.inDarkMode());
+            const Color &color = run.store.fullList().first().color;
+            QCOMPARE(color.red(), run.file.invertedColors() ? 0.75 : 0.25);
+            QCOMPARE(color.alpha(), 0.3);
+            QCOMPARE(TemporaryHome::content(home.listPath()), bytes);
+        }
+    }
+
+    void keepsTheListWhereSavingFails()
+    {
+        const QByteArray bytes = row() + "odd^";
+        TemporaryHome home;
+        TemporaryHome::write(home.listPath(), bytes);
+        FullDisk disk;
+        Run run(home, false, disk);
+        run.read();
+        add(run.store, {.key = u"b"_s});
+        run.setDark(true);
+        (void)run.file.takeNotices();
+        for (int time = 0; time < 2; ++time) {
+            QVERIFY(!run.file.saveToFile());
+            QVERIFY(run.file.hasUnsavedChanges() && !run.file.takeNotices().isEmpty());
+            QVERIFY(!run.file.invertedColors());
+            QCOMPARE(keysOf(run.store.tasks()), u"KEYb"_s);
+            QCOMPARE(TemporaryHome::content(home.listPath()), bytes);
+        }
+        disk.isFull = false;
+        QVERIFY(run.file.saveToFile());
+        QVERIFY(!run.file.hasUnsavedChanges() && run.file.invertedColors());
+        QVERIFY(TemporaryHome::content(home.listPath()).startsWith(row()));
+        QCOMPARE(run.aside(), "odd^\n"_ba);
+    }
+
+    void leavesAFolderOfThatNameAlone()
+    {
+        TemporaryHome home;
+        QVERIFY(QDir().mkpath(home.listPath()));
+        Run run(home);
+        run.read();
+        QVERIFY(run.store.tasks().isEmpty() && !run.file.takeNotices().isEmpty());
+        QVERIFY(!run.file.saveToFile() && run.file.hasUnsavedChanges());
+        QVERIFY(QDir().rmdir(home.listPath()));
+        run.read();
+        QCOMPARE(run.file.takeNotices().size(), 1); // of the save; that there is no file is no news
+        QVERIFY(run.file.saveToFile() && QFile::exists(home.listPath()));
+    }
+
+    void worksWithoutADocumentsFolder()
+    {
+        TemporaryHome home;
+        Run run(home, false, FileCalls::posix(), false);
+        run.read();
+        add(run.store, {.color = Color(0.25, 0, 0, 1)});
+        run.setDark(true);
+        QVERIFY(run.file.saveToFile() && run.file.invertedColors());
+        QCOMPARE(run.store.tasks().first().color.red(), 0.75);
+        QVERIFY(!run.file.takeNotices().isEmpty());
+    }
+
+    void tracesWhatItReadsAndWrites()
+    {
+        TemporaryHome home;
+        Run run(home, true);
+        const QByteArray bytes = "1/2/24|a|b|1.0|1.0|1.0|1.0|1/2/24|0|0|c|d|e|false|1|2|3|4||^"_ba;
+        const QByteArray lines = tracesOf([&] {
+            run.read();
+            TemporaryHome::write(home.listPath(), bytes);
+            run.read();
+            run.file.saveToFile();
+            run.store.setFilter(0);
+        });
+        QCOMPARE(lines,
+                 "Error\nNo of Rows: 1\nRead File " + bytes +
+                     "\nNo of Rows: 2\nIn dark mode -> Invert\nNo of Fields: 20\nAdd Task, hidden: false\n"
+                     "20 fields\nRow: " +
+                     bytes.chopped(1) + "\nFields: [" + bytes.chopped(1).replace("|", ", ") +
+                     "]\nInverted -> Switch to original\nWrite File " + bytes +
+                     "\nNumber if tasks in view: 1\n");
+    }
+
+private:
+    static void take(char step, Run &run)
+    {
+        if (step == 'D' || step == 'L')
+            run.setDark(step == 'D');
+        else if (step == 'R')
+            run.read();
+        else if (step == 'S')
+            QVERIFY(run.file.saveToFile());
+        else if (step == 'F')
+            run.file.followAppearance();
+        else {
+            run.store.setIsSearching(true);
+            run.store.setTasks({});
+        }
+    }
+
+    static void addRowsByLength(const Rows &rows)
+    {
+        const QByteArray task = row({}, 12).chopped(1) + '|';
+        rows("12 fields have no key", row({}, 12), task + "NEW|false|8|0|17|0||^", "");
+        rows("13 fields are not hidden", row({}, 13), task + "KEY|false|8|0|17|0||^", "");
+        rows("14 fields have no times", row({}, 14), task + "KEY|true|8|0|17|0||^", "");
+        rows("18 fields have no people", row({}, 18), task + "KEY|true|9|30|16|45||^", "");
+        rows("19 fields have no client", row({}, 19), task + "KEY|true|9|30|16|45||^", "");
+        rows("21 fields have no key", row({}, 21), task + "NEW|false|8|0|17|0||^", "");
+        for (const int count : {1, 11, 15, 16, 17})
+            rows(qPrintable(u"%1 fields are no row"_s.arg(count)), row({}, count) + row(), row(),
+                 row({}, count));
+        rows("times of the task before", row() + row({}, 13), row() + task + "KEY|false|9|30|16|45||^", "");
+    }
+
+    static void addReadableRows(const Rows &rows)
+    {
+        rows("a capital letter is not hidden", row({{14, "True"}}), row({{14, "false"}}), "");
+        rows("a blank is not hidden", row({{14, "true "}}), row({{14, "false"}}), "");
+        rows("an empty key is replaced", row({{13, ""}}), row({{13, "NEW"}}), "");
+        rows("leading zeros", row({{1, "03/07/24"}, {8, "03/9/24"}, {9, "00"}, {15, "09"}}), row(), "");
+        rows("longer numbers", row({{4, "1"}, {5, "0.500"}, {6, "0e5"}, {7, "10E-1"}}), row(), "");
+        rows("blanks around numbers", row({{1, " 3/7/24 "}, {5, " 0.5"}, {9, "0\t"}, {18, "45\r"}}), row(),
+             "");
+        rows("byte-order mark", "\xef\xbb\xbf" + row(), row(), "");
+        rows("CRLF between rows", row() + "\r\n" + row() + "\r\n", row() + row(), "");
+        rows("blank rows", "^ ^" + row() + "\n^", row(), "");
+    }
+
+    static void addUnreadableFields(const Rows &rows)
+    {
+        const auto unreadable = [&rows](const QList<int> &fields, const QList<const char *> &texts) {
+            for (const int field : fields) {
+                for (const char *text : texts) {
+                    const QByteArray bad = row({{field, text}});
+                    rows(qPrintable(u"field %1 is '%2'"_s.arg(field).arg(QString::fromUtf8(text))),
+                         row() + bad + row({{2, "b"}}), row() + row({{2, "b"}}), bad);
+                }
+            }
+        };
+        unreadable({1, 8}, {"", "13/1/24", "0/1/24", "2/30/24", "2/29/23", "4/0/24", "3/7/2024", "3/7/4",
+                            "3/7", "3/7/24/1", "3-7-24", "003/7/24", "-3/7/24", "3/7/-1", "a/b/cc"});
+        unreadable({4, 5, 6, 7}, {"", "x", "1,5", "0x1", "nan", "inf", "1e999", "0.5 0.5", "１"});
+        unreadable({9, 10, 15, 16, 17, 18}, {"", "x", "1.5", "1e1", "9223372036854775808", "1 1", "٣"});
+    }
+
+    static void addUnreadableBytes(const Rows &rows)
+    {
+        const QByteArray bad = row({{2, "caf\xe9"}}), surrogate = row({{3, "\xed\xa0\x80"}});
+        rows("bytes that are no UTF-8", row() + bad + row({{2, "b"}}), row() + row({{2, "b"}}), bad);
+        rows("only such bytes", bad, "", bad);
+        rows("an encoded surrogate", surrogate + row(), row(), surrogate);
+        rows("no last separator", row() + row().chopped(1), row(), row());
+        rows("bytes after the last separator", row() + "rest", row(), "rest^");
+        rows("such bytes after it", row() + "\xff\n", row(), "\xff\n^");
+        rows("rows of both kinds", bad + "odd\n^" + row() + bad, row(), bad + bad + "odd\n^");
+        rows("NUL alone", row() + "\0"_ba, row(), "\0^"_ba);
+    }
+};
+
+OBLINO_TEST(tst_tasklistfile, QCoreApplication)
+
+#include "tst_tasklistfile.moc"
