@@ -54,8 +54,8 @@ public:
     [[nodiscard]] FileReading read();
 
     /// Replaces the content. When another program changed the file since it was last read or written, that
-    /// version is copied into the recovery folder first. On failure the old content stays, or lies complete
-    /// in the journal.
+    /// version is copied into the recovery folder first. On failure the old content stays, or the new one
+    /// lies complete in the journal.
     [[nodiscard]] FileWriting write(const QByteArray &bytes);
 
     /// Appends `bytes` under a dated heading to a file in the recovery folder and sees them safely on disk.

@@ -2,6 +2,7 @@
 #include <support/place.h>
 #include <support/testmain.h>
 
+#include <QFile>
 #include <QProcess>
 #include <QTest>
 

@@ -5,6 +5,8 @@
 #include <platform/documents.h>
 
 #include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QRegularExpression>
 #include <QTest>
 

@@ -4,6 +4,7 @@
 #include <platform/journal.h>
 
 #include <QDir>
+#include <QFile>
 #include <QTest>
 
 #include <cerrno>

@@ -5,6 +5,7 @@
 #include <platform/openfile.h>
 
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QTest>
 
