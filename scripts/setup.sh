@@ -3,7 +3,7 @@
 
 build_packages=(
     g++ cmake ninja-build
-    qt6-base-dev qt6-base-dev-tools qt6-multimedia-dev qt6-svg-dev
+    qt6-base-dev qt6-base-dev-tools qt6-multimedia-dev qt6-svg-dev libssl-dev
 )
 # What the built program loads at run time.
 run_packages=(

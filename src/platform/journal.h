@@ -1,12 +1,13 @@
 #pragma once
 
 #include <QByteArray>
+#include <QByteArrayView>
 
 #include <optional>
 
 namespace oblino {
 
-[[nodiscard]] QByteArray sha256(const QByteArray &bytes);
+[[nodiscard]] QByteArray sha256(QByteArrayView bytes);
 
 /// What is about to be written to a user's file, noted down completely before the file is touched.
 struct Journal
