@@ -93,7 +93,7 @@ private Q_SLOTS:
               row({{9, "-9223372036854775808"}, {10, "9223372036854775807"}, {16, "-1"}}));
         bytes("days without midnight and with two", row({{1, "3/10/24"}, {8, "11/3/24"}}));
         bytes("first and last year, leap day", row({{1, "1/1/00"}, {8, "12/31/99"}}) + row({{1, "2/29/24"}}));
-        bytes("long texts", row({{2, "中"_ba.repeated(50'000)}, {3, QByteArray(500'000, 'x')}}) + row());
+        bytes("long texts", row({{2, "中"_ba.repeated(5'000)}, {3, QByteArray(50'000, 'x')}}) + row());
     }
 
     void writesBackTheBytesThatItRead()
@@ -165,13 +165,14 @@ private Q_SLOTS:
     {
         TemporaryHome home;
         Run run(home);
-        const QString text = u"|a||^"_s + QChar(0xd83c); // the last is half an emoji
-        const QByteArray inFile = "¦a¦¦ˆ\ufffd";
+        const QString bars = u"|a||"_s, caret = u"^"_s + QChar(0xd83c); // and half an emoji
         const QDateTime late(QDate(2024, 3, 7), QTime(23, 59));
-        add(run.store, {text, late, text, text, text, text, {}, late, 0, 0, text, text, false, 9, 5, 17, 0});
+        add(run.store,
+            {bars, late, caret, bars, caret, bars, {}, late, 0, 0, caret, bars, false, 9, 5, 17, 0});
         QVERIFY(run.file.saveToFile());
-        QCOMPARE(TemporaryHome::content(home.listPath()),
-                 "3/7/24|T|T|1.0|1.0|1.0|1.0|3/7/24|0|0|T|T|T|false|9|5|17|0|T|T^"_ba.replace("T", inFile));
+        QCOMPARE(
+            TemporaryHome::content(home.listPath()),
+            "3/7/24|ˆ\ufffd|¦a¦¦|1.0|1.0|1.0|1.0|3/7/24|0|0|ˆ\ufffd|¦a¦¦|¦a¦¦|false|9|5|17|0|ˆ\ufffd|¦a¦¦^"_ba);
     }
 
     void keepsTheColoursOfTheLightAppearance_data()
@@ -332,8 +333,8 @@ private:
         };
         unreadable({1, 8}, {"", "13/1/24", "0/1/24", "2/30/24", "2/29/23", "4/0/24", "3/7/2024", "3/7/4",
                             "3/7", "3/7/24/1", "3-7-24", "003/7/24", "-3/7/24", "3/7/-1", "a/b/cc"});
-        unreadable({4, 5, 6, 7}, {"", "x", "1,5", "0x1", "nan", "inf", "1e999", "0.5 0.5", "１"});
-        unreadable({9, 10, 15, 16, 17, 18}, {"", "x", "1.5", "1e1", "9223372036854775808", "1 1", "٣"});
+        unreadable({4, 5, 6, 7}, {"", "x", "1,5", "0x1", "nan", "inf", "1e999", "0.5 0.5", "ı"});
+        unreadable({9, 10, 15, 16, 17, 18}, {"", "x", "1.5", "1e1", "9223372036854775808", "1 1", "ı"});
     }
 
     static void addUnreadableBytes(const Rows &rows)
