@@ -59,8 +59,9 @@ private:
 QByteArray sha256(QByteArrayView bytes)
 {
     QByteArray hash(hashSize, Qt::Uninitialized);
-    const bool done = EVP_Digest(bytes.data(), static_cast<size_t>(bytes.size()),
-                                 reinterpret_cast<unsigned char *>(hash.data()), nullptr, EVP_sha256(), nullptr);
+    const bool done =
+        EVP_Digest(bytes.data(), static_cast<size_t>(bytes.size()),
+                   reinterpret_cast<unsigned char *>(hash.data()), nullptr, EVP_sha256(), nullptr);
     Q_ASSERT(done);
     return done ? hash : QByteArray();
 }
