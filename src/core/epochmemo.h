@@ -12,7 +12,7 @@ class EpochMemo
 public:
     [[nodiscard]] qint64 milliseconds(const QDateTime &moment)
     {
-        if (moment.timeSpec() != Qt::LocalTime)
+        if (moment.timeSpec() != Qt::LocalTime || moment.isNull())
             return moment.toMSecsSinceEpoch();
         const qint64 local = moment.date().toJulianDay() * msPerDay + moment.time().msecsSinceStartOfDay();
         // A local time that comes twice is told apart by its daylight-saving state.
