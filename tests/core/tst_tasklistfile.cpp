@@ -13,14 +13,24 @@ using Years = Table<QDate, QString, QDate>;
 
 namespace {
 
+// Real files, but nobody waits for the disk itself.
+struct Disk : FileCalls
+{
+    ssize_t pwrite(int fd, const char *data, size_t size, off_t offset) override
+    {
+        errno = ENOSPC;
+        return isFull ? -1 : FileCalls::pwrite(fd, data, size, offset);
+    }
+    int fsync(int) override { return 0; }
+    bool isFull = false;
+};
+
 // One run of the program on a home: a store, and the file that it reads and saves.
 struct Run
 {
-    explicit Run(const TemporaryHome &home, bool dark = false, FileCalls &calls = FileCalls::posix(),
-                 bool hasDocuments = true)
+    explicit Run(const TemporaryHome &home, bool dark = false, bool hasDocuments = true)
         : defaults(home.path(u"settings.ini"_s))
-        , documents(hasDocuments ? std::optional(home.documents()) : std::nullopt, home.privateFolder(),
-                    calls)
+        , documents(hasDocuments ? std::optional(home.documents()) : std::nullopt, home.privateFolder(), disk)
     {
         setDark(dark);
     }
@@ -43,18 +53,9 @@ struct Run
     Defaults defaults;
     Appearance appearance;
     TaskManager store{defaults, appearance};
+    Disk disk;
     Documents documents;
     TaskListFile file{store, documents};
-};
-
-struct FullDisk : FileCalls
-{
-    ssize_t pwrite(int fd, const char *data, size_t size, off_t offset) override
-    {
-        errno = ENOSPC;
-        return isFull ? -1 : FileCalls::pwrite(fd, data, size, offset);
-    }
-    bool isFull = true;
 };
 
 // A row of that many fields, some of them changed, by their positions from 1.
@@ -207,8 +208,8 @@ private Q_SLOTS:
         const QByteArray bytes = row() + "odd^";
         TemporaryHome home;
         TemporaryHome::write(home.listPath(), bytes);
-        FullDisk disk;
-        Run run(home, false, disk);
+        Run run(home);
+        run.disk.isFull = true;
         run.read();
         add(run.store, {.key = u"b"_s});
         run.setDark(true);
@@ -220,7 +221,7 @@ private Q_SLOTS:
             QCOMPARE(keysOf(run.store.tasks()), u"KEYb"_s);
             QCOMPARE(TemporaryHome::content(home.listPath()), bytes);
         }
-        disk.isFull = false;
+        run.disk.isFull = false;
         QVERIFY(run.file.saveToFile());
         QVERIFY(!run.file.hasUnsavedChanges() && run.file.invertedColors());
         QVERIFY(TemporaryHome::content(home.listPath()).startsWith(row()));
@@ -244,7 +245,7 @@ private Q_SLOTS:
     void worksWithoutADocumentsFolder()
     {
         TemporaryHome home;
-        Run run(home, false, FileCalls::posix(), false);
+        Run run(home, false, false);
         run.read();
         add(run.store, {.color = Color(0.25, 0, 0, 1)});
         run.setDark(true);
