@@ -5,6 +5,7 @@
 #include <QStringEncoder>
 
 #include <charconv>
+#include <cmath>
 #include <concepts>
 #include <cstring>
 
@@ -50,12 +51,17 @@ public:
         m_size += std::to_chars(begin, begin + longestNumber, value).ptr - begin;
     }
 
-    // The shortest decimal form that reads back to the same value, with a fractional part or an exponent.
+    // The shortest decimal form that reads back to the same value, with a fractional part or an exponent; the
+    // exponent only for very small and very large values.
     void number(double value)
     {
         room(longestNumber + 2);
         char *const begin = m_bytes.data() + m_size;
-        char *end = std::to_chars(begin, begin + longestNumber, value).ptr;
+        const double size = std::abs(value);
+        const bool plain = value == 0 || (size >= 1e-4 && size < 1e16);
+        char *end = std::to_chars(begin, begin + longestNumber, value,
+                                  plain ? std::chars_format::fixed : std::chars_format::scientific)
+                        .ptr;
         const auto length = static_cast<size_t>(end - begin);
         if (!std::memchr(begin, '.', length) && !std::memchr(begin, 'e', length)) {
             *end++ = '.';
