@@ -100,8 +100,8 @@ bool TaskListFile::keepUnreadableRows(SafeFile &file)
     const QString error = file.setAside(m_unreadableRows.join(rowSeparator) + rowSeparator);
     if (!error.isEmpty())
         return failed(error);
-    m_notices += QStringLiteral("%1 that could not be read: now in %2")
-                     .arg(rowCount(m_unreadableRows.size()), file.asidePath());
+    m_notices += QStringLiteral("%1 of %2 could not be read and now lie in %3.")
+                     .arg(rowCount(m_unreadableRows.size()), fileName, file.asidePath());
     m_unreadableRows.clear();
     return true;
 }

@@ -15,7 +15,6 @@
 #include <QCloseEvent>
 #include <QLabel>
 #include <QTableView>
-#include <QTextDocument>
 #include <QToolButton>
 
 namespace oblino {
@@ -155,6 +154,7 @@ void ViewController::interfaceModeChanged()
         m_store.setIsSearching(searching);
         reinitForSearching();
     }
+    forgetSortOrder();
     disableSelectionButtons();
     reload();
     showNotices();
@@ -184,9 +184,7 @@ void ViewController::showNotices()
     const QStringList notices = m_file.takeNotices();
     if (notices.isEmpty())
         return;
-    const QString text = notices.join(QLatin1Char(' '));
-    statusMessageLabel->setText(text);
-    statusMessageLabel->setToolTip(Qt::convertFromPlainText(text));
+    statusMessageLabel->setText(notices.join(QLatin1Char(' ')));
 }
 
 } // namespace oblino

@@ -1,6 +1,7 @@
 // Putting the main window together.
 #include <ui/viewcontroller.h>
 
+#include <ui/elidedlabel.h>
 #include <ui/emptystate.h>
 #include <ui/icons.h>
 #include <ui/searchfield.h>
@@ -26,13 +27,12 @@ namespace {
 
 constexpr int rowHeight = 36; // pixels, for the usual font size
 
+template<typename Label>
 QLabel *statusLabel(QWidget *parent, const QString &name)
 {
-    auto *label = new QLabel(parent);
+    auto *label = new Label(parent);
     label->setObjectName(name);
     label->setTextFormat(Qt::PlainText);
-    label->setTextInteractionFlags(Qt::TextSelectableByMouse);
-    label->setFocusPolicy(Qt::NoFocus);
     label->setContentsMargins(12, 4, 12, 4);
     return label;
 }
@@ -83,9 +83,8 @@ void ViewController::bindOutlets()
     viewSelection = m_ui->viewSelection;
     searchField = m_ui->searchField;
 
-    statusMessageLabel = statusLabel(this, QStringLiteral("statusMessageLabel"));
-    statusMessageLabel->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
-    statusMessage = statusLabel(this, QStringLiteral("statusMessage"));
+    statusMessageLabel = statusLabel<ElidedLabel>(this, QStringLiteral("statusMessageLabel"));
+    statusMessage = statusLabel<QLabel>(this, QStringLiteral("statusMessage"));
     m_ui->statusBar->addWidget(statusMessageLabel, 1);
     m_ui->statusBar->addPermanentWidget(statusMessage);
 
