@@ -47,6 +47,7 @@ void Application::start()
     connect(m_mainWindow.get(), &ViewController::terminationRequested, this, &Application::terminate);
     connect(&m_instance, &SingleInstance::raiseRequested, m_mainWindow.get(), &ViewController::comeToFront);
     connect(&m_signals, &UnixSignals::endRequested, this, &Application::terminate);
+    m_signals.listen();
     Trace::flushWhenIdle();
     m_mainWindow->show();
 }

@@ -27,8 +27,8 @@ private:
     void followAppearance();
     void terminate();
 
-    PortalAppearance m_portal;
     UnixSignals m_signals;
+    PortalAppearance m_portal;
     std::unique_ptr<ViewController> m_mainWindow;
     SingleInstance &m_instance;
 };

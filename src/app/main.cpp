@@ -7,6 +7,7 @@
 #include <QLoggingCategory>
 #include <QStandardPaths>
 
+#include <fcntl.h>
 #include <pwd.h>
 #include <unistd.h>
 
@@ -14,6 +15,17 @@
 #include <cstdlib>
 
 namespace {
+
+// Otherwise the first file or socket that is opened takes the number of a closed standard stream, and traces
+// and messages go into it.
+void seeToStandardStreams()
+{
+    int descriptor = 0;
+    while (descriptor >= 0 && descriptor <= STDERR_FILENO)
+        descriptor = ::open("/dev/null", O_RDWR);
+    if (descriptor >= 0)
+        ::close(descriptor);
+}
 
 // Without HOME the standard folders would lie at the root of the file system.
 void seeToHome()
@@ -42,6 +54,7 @@ void chooseAudioBackend()
 
 int main(int argc, char *argv[])
 {
+    seeToStandardStreams();
     seeToHome();
     if (!hasDisplay()) {
         std::fputs("oblino: no display: neither DISPLAY nor WAYLAND_DISPLAY is set\n", stderr);

@@ -9,12 +9,14 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <utility>
+
 namespace oblino {
 
 namespace {
 
 // QSettings would make the file readable for everyone and then keeps the mode it finds.
-QString madePrivate(const QString &path)
+void makePrivate(const QString &path)
 {
     QDir().mkpath(QFileInfo(path).absolutePath());
     const int file =
@@ -23,15 +25,22 @@ QString madePrivate(const QString &path)
         ::fchmod(file, 0600);
         ::close(file);
     }
-    return path;
+}
+
+std::unique_ptr<QSettings> opened(const QString &path)
+{
+    makePrivate(path);
+    auto settings = std::make_unique<QSettings>(path, QSettings::IniFormat);
+    settings->setFallbacksEnabled(false);
+    return settings;
 }
 
 } // namespace
 
 Defaults::Defaults(const QString &path)
-    : m_settings(madePrivate(path), QSettings::IniFormat)
+    : m_path(path)
+    , m_settings(opened(path))
 {
-    m_settings.setFallbacksEnabled(false);
 }
 
 Defaults &Defaults::standard()
@@ -83,20 +92,29 @@ qint64 Defaults::integer(const QString &key) const
 bool Defaults::save()
 {
     const QMutexLocker lock(&m_mutex);
-    m_settings.sync();
-    return m_settings.status() == QSettings::NoError;
+    makePrivate(m_path);
+    m_settings->sync();
+    if (m_settings->status() != QSettings::NoError) {
+        // An object never takes its error back. A new one shares the unsaved values of the old one.
+        auto renewed = opened(m_path);
+        renewed->moveToThread(m_settings->thread());
+        m_settings = std::move(renewed);
+        m_settings->sync();
+    }
+    return m_settings->status() == QSettings::NoError;
 }
 
 void Defaults::store(const QString &key, const QVariant &value)
 {
     const QMutexLocker lock(&m_mutex);
-    m_settings.setValue(key, value);
+    makePrivate(m_path); // the event loop saves it soon
+    m_settings->setValue(key, value);
 }
 
 QVariant Defaults::value(const QString &key) const
 {
     const QMutexLocker lock(&m_mutex);
-    return m_settings.value(key);
+    return m_settings->value(key);
 }
 
 } // namespace oblino

@@ -5,6 +5,7 @@
 #include <QString>
 #include <QVariant>
 
+#include <memory>
 #include <optional>
 
 namespace oblino {
@@ -40,7 +41,8 @@ private:
     [[nodiscard]] QVariant value(const QString &key) const;
 
     mutable QMutex m_mutex;
-    QSettings m_settings;
+    QString m_path;
+    std::unique_ptr<QSettings> m_settings;
 };
 
 } // namespace oblino

@@ -49,6 +49,8 @@ PortalAppearance::PortalAppearance(Appearance &appearance, const QDBusConnection
     m_appearance.setInterfaceStyle(styleText(paletteIsDark()));
     if (!bus.isConnected())
         return;
+    // Connecting looks the slot's types up by name, under which QtDBus enters this one only later.
+    qRegisterMetaType<QDBusVariant>();
     QDBusConnection(bus).connect(service, path, interface, QStringLiteral("SettingChanged"), this,
                                  SLOT(settingChanged(QString, QString, QDBusVariant)));
     QDBusMessage read = QDBusMessage::createMethodCall(service, path, interface, QStringLiteral("Read"));

@@ -1,7 +1,6 @@
 #include <platform/singleinstance.h>
 
 #include <QCryptographicHash>
-#include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
 #include <QLocalSocket>
@@ -42,8 +41,13 @@ SingleInstance::~SingleInstance()
 
 SingleInstance::Claim SingleInstance::claim()
 {
-    if (!lock())
-        return raiseOther() ? Claim::RaisedOther : Claim::OtherSilent;
+    // The other one may not listen yet, or be about to end.
+    for (const QDeadlineTimer deadline(waitForOther); !lock(); QThread::msleep(betweenAttempts.count())) {
+        if (raiseOther(deadline))
+            return Claim::RaisedOther;
+        if (deadline.hasExpired())
+            return Claim::OtherSilent;
+    }
     QLocalServer::removeServer(socketName()); // what a crash left behind
     m_server.listen(socketName());
     return Claim::First;
@@ -54,8 +58,9 @@ bool SingleInstance::lock()
     const QByteArray folder = QFile::encodeName(m_privateFolder);
     if (!QDir(m_privateFolder).exists() && QDir().mkpath(m_privateFolder))
         ::chmod(folder.constData(), 0700);
-    m_lockFile =
-        ::open((folder + "/oblino.lock").constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
+    if (m_lockFile < 0)
+        m_lockFile =
+            ::open((folder + "/oblino.lock").constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
     return m_lockFile < 0 || ::flock(m_lockFile, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
 }
 
@@ -65,18 +70,12 @@ QString SingleInstance::socketName() const
     return QStringLiteral("oblino-%1-%2").arg(::getuid()).arg(QString::fromLatin1(hash.toHex().first(16)));
 }
 
-bool SingleInstance::raiseOther() const
+bool SingleInstance::raiseOther(const QDeadlineTimer &deadline) const
 {
-    // The other one may hold the lock and not listen yet.
-    for (QDeadlineTimer deadline(waitForOther); !deadline.hasExpired();
-         QThread::msleep(betweenAttempts.count())) {
-        QLocalSocket socket;
-        socket.connectToServer(socketName());
-        if (socket.waitForConnected(static_cast<int>(deadline.remainingTime())) &&
-            socket.waitForReadyRead(static_cast<int>(deadline.remainingTime())))
-            return true;
-    }
-    return false;
+    QLocalSocket socket;
+    socket.connectToServer(socketName());
+    return socket.waitForConnected(static_cast<int>(deadline.remainingTime())) &&
+           socket.waitForReadyRead(static_cast<int>(deadline.remainingTime()));
 }
 
 void SingleInstance::answer()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDeadlineTimer>
 #include <QLocalServer>
 #include <QObject>
 #include <QString>
@@ -23,7 +24,8 @@ public:
     explicit SingleInstance(QString privateFolder, QObject *parent = nullptr);
     ~SingleInstance() override;
 
-    /// Claims the data, or asks the program that has them to raise its window, waiting for it up to 3 s.
+    /// Claims the data, or asks the program that has them to raise its window, waiting up to 3 s for it to
+    /// answer or to end.
     /// Where no lock can be made (a read-only home) the claim is granted.
     [[nodiscard]] Claim claim();
 
@@ -34,7 +36,7 @@ Q_SIGNALS:
 private:
     [[nodiscard]] bool lock();
     [[nodiscard]] QString socketName() const;
-    [[nodiscard]] bool raiseOther() const;
+    [[nodiscard]] bool raiseOther(const QDeadlineTimer &deadline) const;
     void answer();
 
     QString m_privateFolder;

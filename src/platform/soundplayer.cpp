@@ -1,8 +1,10 @@
 #include <platform/soundplayer.h>
 
+#include <QAudioDevice>
 #include <QAudioOutput>
 #include <QCoreApplication>
 #include <QFile>
+#include <QMediaDevices>
 #include <QMediaPlayer>
 #include <QTimer>
 #include <QUrl>
@@ -39,6 +41,13 @@ void SoundPlayer::prepare()
 void SoundPlayer::play()
 {
     makePlayer();
+    if (m_player->error() != QMediaPlayer::NoError)
+        return;
+    // Without a device the ffmpeg backend writes to a null pointer.
+    if (QMediaDevices::defaultAudioOutput().isNull()) {
+        Q_EMIT failed(QStringLiteral("no audio device"));
+        return;
+    }
     m_player->stop(); // back to the beginning
     m_player->play();
 }

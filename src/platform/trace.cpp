@@ -3,6 +3,7 @@
 #include <QAbstractEventDispatcher>
 #include <QMutex>
 
+#include <fcntl.h>
 #include <poll.h>
 #include <sys/stat.h>
 #include <sys/sysmacros.h>
@@ -11,6 +12,7 @@
 #include <algorithm>
 #include <atomic>
 #include <cerrno>
+#include <utility>
 
 namespace oblino {
 
@@ -33,16 +35,39 @@ bool goesSomewhere(int descriptor)
 struct Output
 {
     Output() { setDescriptor(STDOUT_FILENO); }
-    ~Output() { write(); }
+    ~Output()
+    {
+        write();
+        closeTerminal();
+    }
     Output(const Output &) = delete;
     Output &operator=(const Output &) = delete;
 
     void setDescriptor(int newDescriptor)
     {
+        closeTerminal();
         descriptor = newDescriptor;
+        if (::isatty(descriptor) == 1)
+            openTerminal();
         struct stat status = {};
         regularFile = ::fstat(descriptor, &status) == 0 && S_ISREG(status.st_mode);
         wanted = goesSomewhere(descriptor);
+    }
+
+    // A terminal that polls writable can still make a writer wait. Only a description of our own may be told
+    // not to: the other one is shared with the shell.
+    void openTerminal()
+    {
+        const QByteArray path = "/proc/self/fd/" + QByteArray::number(descriptor);
+        terminal = ::open(path.constData(), O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC);
+        if (terminal >= 0)
+            descriptor = terminal;
+    }
+
+    void closeTerminal()
+    {
+        if (terminal >= 0)
+            ::close(std::exchange(terminal, -1));
     }
 
     bool readyToTake() const
@@ -60,6 +85,8 @@ struct Output
                                             regularFile ? rest : std::min(rest, pipeAtomic));
             if (written > 0)
                 done += written;
+            else if (errno == EAGAIN)
+                break;
             else if (errno != EINTR)
                 return stop();
         }
@@ -75,6 +102,7 @@ struct Output
     QMutex mutex;
     QByteArray buffer;
     int descriptor = -1;
+    int terminal = -1; // opened here
     bool regularFile = false;
     std::atomic<bool> wanted = false;
 };

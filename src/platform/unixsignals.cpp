@@ -20,6 +20,8 @@ std::atomic<int> writeEnd = -1; // lock-free, as a signal handler needs it
 void handle(int)
 {
     const int before = errno;
+    if (const unsigned left = ::alarm(secondsToEnd); left > 0)
+        ::alarm(left); // the first signal counts
     const char byte = 0;
     if (::write(writeEnd.load(), &byte, 1) < 0) {
         // The pipe is full: the event loop knows already.
@@ -45,11 +47,15 @@ UnixSignals::UnixSignals(QObject *parent)
         return;
     writeEnd = m_ends[1];
     m_notifier.setSocket(m_ends[0]);
-    m_notifier.setEnabled(true);
     connect(&m_notifier, &QSocketNotifier::activated, this, &UnixSignals::take);
     for (const int number : endingSignals)
         setHandler(number, handle);
     setHandler(SIGPIPE, SIG_IGN); // whoever reads the traces may go away
+}
+
+void UnixSignals::listen()
+{
+    m_notifier.setEnabled(m_notifier.isValid());
 }
 
 UnixSignals::~UnixSignals()
@@ -66,7 +72,6 @@ void UnixSignals::take()
     char bytes[64];
     while (::read(m_ends[0], bytes, sizeof bytes) > 0) {
     }
-    ::alarm(secondsToEnd);
     Q_EMIT endRequested();
 }
 

@@ -12,8 +12,12 @@ class UnixSignals : public QObject
     Q_OBJECT
 
 public:
+    /// Takes signals from now on, and keeps them until listen().
     explicit UnixSignals(QObject *parent = nullptr);
     ~UnixSignals() override;
+
+    /// Tells of signals as soon as the event loop runs, those taken before included.
+    void listen();
 
 Q_SIGNALS:
     void endRequested();
