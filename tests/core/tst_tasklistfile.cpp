@@ -87,7 +87,8 @@ private Q_SLOTS:
         bytes("emoji, marks, odd code points",
               row({{2, "🎉e\u0301é"}, {3, "\u200b\ufeff\uffff\U0010ffff¦ˆ"}}));
         bytes("empty texts", row({{2, ""}, {3, ""}, {11, ""}, {12, ""}, {14, "false"}, {19, ""}, {20, ""}}));
-        bytes("rounded by inversion", row({{4, "0.1"}, {5, "1e-07"}, {6, "0.5019607843137255"}, {7, "0.0001"}}));
+        bytes("rounded by inversion",
+              row({{4, "0.1"}, {5, "1e-07"}, {6, "0.5019607843137255"}, {7, "0.0001"}}));
         bytes("past both ends",
               row({{4, "-0.1"}, {5, "1.7976931348623157e+308"}, {6, "5e-324"}, {7, "-0.0"}}));
         bytes("extreme integers",
