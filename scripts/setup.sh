@@ -12,7 +12,7 @@ run_packages=(
 # For a machine without a display.
 display_packages=(xvfb xauth xdotool imagemagick)
 test_packages=(
-    libbenchmark-dev dbus xvfb xauth xdotool strace util-linux clang-format clang-tidy python3
+    libbenchmark-dev libxcb1-dev dbus xvfb xauth xdotool strace util-linux clang-format clang-tidy python3
 )
 
 fail() {
