@@ -8,6 +8,8 @@
 #include <platform/defaults.h>
 #include <platform/trace.h>
 
+#include <utility>
+
 namespace oblino {
 
 TaskManager::TaskManager(Defaults &userDefaults, Appearance &appearance, QObject *parent)
@@ -36,7 +38,7 @@ void TaskManager::setIsSearching(bool searching)
 
 void TaskManager::sort(const SortDescriptor &sortDescriptor)
 {
-    m_tasks = orderedTasks(m_tasks, sortDescriptor);
+    m_tasks = orderedTasks(std::move(m_tasks), sortDescriptor);
 }
 
 QString TaskManager::addTask(const QString &key, const QDateTime &date, const QString &name,

@@ -2,9 +2,13 @@
 
 #include <core/cellidentifiers.h>
 #include <core/epochmemo.h>
+#include <core/taskplaces.h>
 #include <platform/trace.h>
 
 #include <algorithm>
+#include <array>
+#include <charconv>
+#include <cstdlib>
 #include <functional>
 #include <utility>
 #include <vector>
@@ -13,14 +17,49 @@ namespace oblino {
 
 namespace {
 
-struct NumberKey
+constexpr qint64 msPerDay = 86'400'000;
+
+// What a task is sorted by, or the beginning of it, and where the task stands.
+struct Key
 {
     qint64 number;
-    qsizetype index;
-
-    friend bool operator<(const NumberKey &a, const NumberKey &b) { return a.number < b.number; }
-    friend bool operator>(const NumberKey &a, const NumberKey &b) { return b < a; }
+    qsizetype place;
 };
+using Keys = std::vector<Key>;
+
+bool isSmaller(const Key &a, const Key &b)
+{
+    return a.number < b.number;
+}
+
+template<typename NumberOf>
+Keys keysOf(const QList<task> &tasks, const NumberOf &numberOf)
+{
+    Keys keys;
+    keys.reserve(static_cast<size_t>(tasks.size()));
+    for (const task &t : tasks)
+        keys.push_back({numberOf(t), static_cast<qsizetype>(keys.size())});
+    return keys;
+}
+
+template<typename Before>
+void sort(Keys &keys, bool ascending, const Before &before)
+{
+    const auto after = [&before](const Key &a, const Key &b) { return before(b, a); };
+    if (ascending)
+        std::stable_sort(keys.begin(), keys.end(), before);
+    else
+        std::stable_sort(keys.begin(), keys.end(), after);
+}
+
+QList<task> inOrderOf(const Keys &keys, QList<task> tasks)
+{
+    TaskPlaces places;
+    places.reserve(keys.size());
+    for (const Key &key : keys)
+        places.push_back(key.place);
+    return rearranged(std::move(tasks), std::move(places));
+}
 
 // UTF-16 puts the surrogates of U+10000 and above before U+E000..U+FFFF; this swaps the two ranges.
 constexpr char16_t inCodePointOrder(char16_t unit)
@@ -30,70 +69,98 @@ constexpr char16_t inCodePointOrder(char16_t unit)
     return static_cast<char16_t>(unit >= 0xe000 ? unit - 0x0800 : unit + 0x2000);
 }
 
-struct TextKey
+// A form of the text whose units compare as the code points of the text do; the same for texts that are
+// canonically equivalent.
+QString comparable(const QString &text)
 {
-    TextKey(const QString &value, qsizetype position)
-        : text(value.normalized(QString::NormalizationForm_C))
-        , index(position)
-    {
-        const auto units = std::min<qsizetype>(text.size(), 4);
-        for (qsizetype i = 0; i < 4; ++i)
-            start = start << 16 | (i < units ? inCodePointOrder(text.at(i).unicode()) : 0u);
+    QString form = text.normalized(QString::NormalizationForm_C);
+    if (std::any_of(form.cbegin(), form.cend(), [](QChar unit) { return unit.unicode() >= 0xd800; })) {
+        for (QChar &unit : form)
+            unit = inCodePointOrder(unit.unicode());
     }
-
-    friend bool operator<(const TextKey &a, const TextKey &b)
-    {
-        if (a.start != b.start)
-            return a.start < b.start;
-        const auto [inA, inB] = std::mismatch(a.text.cbegin(), a.text.cend(), b.text.cbegin(), b.text.cend());
-        if (inA == a.text.cend() || inB == b.text.cend())
-            return inA == a.text.cend() && inB != b.text.cend();
-        return inCodePointOrder(inA->unicode()) < inCodePointOrder(inB->unicode());
-    }
-    friend bool operator>(const TextKey &a, const TextKey &b) { return b < a; }
-
-    QString text;
-    quint64 start = 0; // the first four units, which decide most comparisons
-    qsizetype index;
-};
-
-template<typename Key>
-QList<task> rearranged(QList<task> tasks, const std::vector<Key> &keys)
-{
-    QList<task> result;
-    result.reserve(tasks.size());
-    if (!tasks.isDetached()) {
-        for (const Key &key : keys)
-            result.append(tasks.at(key.index));
-        return result;
-    }
-    for (const Key &key : keys)
-        result.append(std::move(tasks[key.index]));
-    return result;
+    return form;
 }
 
-template<typename Key, typename ValueOf>
-QList<task> ordered(QList<task> tasks, bool ascending, const ValueOf &valueOf)
+// The first nine characters in seven bits each, which compare as the texts do and decide most comparisons: 0
+// stands behind the end of the text, and 127 for everything from the first unit that does not fit.
+qint64 startOf(QStringView text)
 {
-    std::vector<Key> keys;
-    keys.reserve(static_cast<size_t>(tasks.size()));
-    for (const task &t : std::as_const(tasks))
-        keys.push_back(Key{valueOf(t), static_cast<qsizetype>(keys.size())});
+    constexpr qsizetype length = 9;
+    constexpr qint64 other = 127;
+    qint64 start = 0;
+    qint64 code = 0;
+    for (qsizetype i = 0; i < length; ++i) {
+        if (code != other)
+            code = i < text.size() ? std::min<qint64>(text.at(i).unicode() + 1, other) : 0;
+        start = start << 7 | code;
+    }
+    return start;
+}
 
-    const auto sortBy = [&keys](auto before) {
-        if (std::is_sorted(keys.cbegin(), keys.cend(), before))
-            return false;
-        std::stable_sort(keys.begin(), keys.end(), before);
-        return true;
-    };
-    const bool moved = ascending ? sortBy(std::less<Key>()) : sortBy(std::greater<Key>());
-    return moved ? rearranged(std::move(tasks), keys) : tasks;
+constexpr bool isWholeText(qint64 start)
+{
+    return (start & 127) == 0;
 }
 
 QString timeText(qint64 hour, qint64 minute, bool ascending)
 {
-    return QString::number(hour) + (ascending ? QLatin1String(":") : QLatin1String()) +
-           QString::number(minute);
+    constexpr size_t longest = 20; // of a number
+    std::array<char, 2 * longest + 1> text;
+    char *end = std::to_chars(text.begin(), text.end(), hour).ptr;
+    if (ascending)
+        *end++ = ':';
+    end = std::to_chars(end, text.end(), minute).ptr;
+    return QString::fromLatin1(text.data(), end - text.data());
+}
+
+template<typename TextOf>
+QList<task> orderedByText(QList<task> tasks, bool ascending, const TextOf &textOf)
+{
+    std::vector<QString> texts;
+    texts.reserve(static_cast<size_t>(tasks.size()));
+    Keys keys =
+        keysOf(tasks, [&texts, &textOf](const task &t) { return startOf(texts.emplace_back(textOf(t))); });
+    sort(keys, ascending, [&texts](const Key &a, const Key &b) {
+        if (a.number != b.number || isWholeText(a.number))
+            return a.number < b.number;
+        const QString &textOfA = texts[static_cast<size_t>(a.place)];
+        const QString &textOfB = texts[static_cast<size_t>(b.place)];
+        return !textOfA.isSharedWith(textOfB) && textOfA < textOfB;
+    });
+    return inOrderOf(keys, std::move(tasks));
+}
+
+// The local time, which takes no time zone rules to find, and the daylight-saving state, which tells apart
+// two moments of the same local time.
+qint64 localNumber(const QDateTime &moment)
+{
+    const qint64 local = moment.date().toJulianDay() * msPerDay + moment.time().msecsSinceStartOfDay();
+    return 2 * local + (moment.isDaylightTime() ? 1 : 0);
+}
+
+// Local times a day apart stand in the order of the moments, whatever the clocks did between them; nearer
+// ones may not.
+bool areDaysApart(const Keys &keys)
+{
+    const auto isNear = [](const Key &a, const Key &b) {
+        return a.number != b.number && std::abs(a.number - b.number) < 2 * msPerDay;
+    };
+    return std::adjacent_find(keys.cbegin(), keys.cend(), isNear) == keys.cend();
+}
+
+QList<task> orderedByMoment(QList<task> tasks, bool ascending, QDateTime task::*field)
+{
+    const auto isLocal = [field](const task &t) { return (t.*field).timeSpec() == Qt::LocalTime; };
+    if (std::all_of(tasks.cbegin(), tasks.cend(), isLocal)) {
+        Keys keys = keysOf(tasks, [field](const task &t) { return localNumber(t.*field); });
+        sort(keys, ascending, isSmaller);
+        if (areDaysApart(keys))
+            return inOrderOf(keys, std::move(tasks));
+    }
+    EpochMemo epoch;
+    Keys keys = keysOf(tasks, [field, &epoch](const task &t) { return epoch.milliseconds(t.*field); });
+    sort(keys, ascending, isSmaller);
+    return inOrderOf(keys, std::move(tasks));
 }
 
 using Ordering = std::function<QList<task>(QList<task>, bool)>;
@@ -101,30 +168,31 @@ using Ordering = std::function<QList<task>(QList<task>, bool)>;
 Ordering byText(QString task::*field)
 {
     return [field](QList<task> tasks, bool ascending) {
-        return ordered<TextKey>(std::move(tasks), ascending, [field](const task &t) { return t.*field; });
+        return orderedByText(std::move(tasks), ascending,
+                             [field](const task &t) { return comparable(t.*field); });
     };
 }
 
 Ordering byNumber(qint64 task::*field)
 {
     return [field](QList<task> tasks, bool ascending) {
-        return ordered<NumberKey>(std::move(tasks), ascending, [field](const task &t) { return t.*field; });
+        Keys keys = keysOf(tasks, [field](const task &t) { return t.*field; });
+        sort(keys, ascending, isSmaller);
+        return inOrderOf(keys, std::move(tasks));
     };
 }
 
 Ordering byMoment(QDateTime task::*field)
 {
     return [field](QList<task> tasks, bool ascending) {
-        EpochMemo epoch;
-        return ordered<NumberKey>(std::move(tasks), ascending,
-                                  [field, &epoch](const task &t) { return epoch.milliseconds(t.*field); });
+        return orderedByMoment(std::move(tasks), ascending, field);
     };
 }
 
 Ordering byTime(qint64 task::*hour, qint64 task::*minute)
 {
     return [hour, minute](QList<task> tasks, bool ascending) {
-        return ordered<TextKey>(std::move(tasks), ascending, [hour, minute, ascending](const task &t) {
+        return orderedByText(std::move(tasks), ascending, [hour, minute, ascending](const task &t) {
             return timeText(t.*hour, t.*minute, ascending);
         });
     };
