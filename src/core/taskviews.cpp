@@ -1,6 +1,7 @@
 #include <core/taskviews.h>
 
 #include <core/days.h>
+#include <core/taskplaces.h>
 
 namespace oblino {
 
@@ -57,22 +58,13 @@ int timesInView(const task &t, qint64 itemStatus, QDate day)
 
 QList<task> tasksOfView(const QList<task> &tasks, qint64 itemStatus, QDate day)
 {
-    qsizetype kept = 0; // how many stand in the view, each once, without a gap from the start
-    int times = 1;
-    while (kept < tasks.size() && (times = timesInView(tasks.at(kept), itemStatus, day)) == 1)
-        ++kept;
-    if (kept == tasks.size())
-        return tasks; // the same list, shared
-
-    QList<task> view;
-    view.reserve(tasks.size());
-    view.append(tasks.first(kept));
-    view.insert(view.size(), times, tasks.at(kept));
-    for (const task &t : tasks.sliced(kept + 1)) {
-        for (times = timesInView(t, itemStatus, day); times > 0; --times)
-            view.append(t);
+    TaskPlaces places;
+    places.reserve(static_cast<size_t>(tasks.size()));
+    for (qsizetype place = 0; place < tasks.size(); ++place) {
+        for (int times = timesInView(tasks.at(place), itemStatus, day); times > 0; --times)
+            places.push_back(place);
     }
-    return view;
+    return tasksAt(tasks, places);
 }
 
 } // namespace oblino
