@@ -1,64 +1,84 @@
 #include <core/tasksearch.h>
 
-#include <QStringMatcher>
-#include <QVarLengthArray>
-
-#include <algorithm>
+#include <core/taskplaces.h>
 
 namespace oblino {
 
 namespace {
 
-// Looks for a lower-cased term in texts. Texts of ASCII alone, nearly all there are, are lower-cased into a
-// buffer that is kept; QString::toLower() makes a text each time.
+constexpr char16_t firstNonAscii = 0x80;
+
+constexpr char16_t asciiLower(char16_t unit)
+{
+    return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + 0x20) : unit;
+}
+
+constexpr char16_t asciiUpper(char16_t unit)
+{
+    return unit >= u'a' && unit <= u'z' ? static_cast<char16_t>(unit - 0x20) : unit;
+}
+
+// Looks for a term in texts, both lower-cased by the Unicode rules. Nearly all texts are of ASCII alone,
+// where the term is found without a lower-cased copy of the text.
 class LowerCaseSearch
 {
 public:
     explicit LowerCaseSearch(const QString &term)
-        : m_matcher(term.toLower(), Qt::CaseSensitive)
+        : m_term(term.toLower())
+        , m_first(m_term.isEmpty() ? u'\0' : m_term.front().unicode())
     {
     }
 
-    bool matches(const task &t)
+    [[nodiscard]] bool matches(const task &t) const
     {
         return contains(t.name) || contains(t.desc) || contains(t.client) || contains(t.teamMember) ||
                contains(t.key);
     }
 
 private:
-    bool contains(const QString &text) { return m_matcher.indexIn(lowered(text)) >= 0; }
-
-    QStringView lowered(const QString &text)
+    [[nodiscard]] bool contains(const QString &text) const
     {
-        m_buffer.resize(text.size());
-        const char16_t *units = QStringView(text).utf16();
+        if (m_term.isEmpty())
+            return true;
+        const char16_t upper = asciiUpper(m_first);
         char16_t all = 0;
-        for (qsizetype i = 0; i < text.size(); ++i) {
-            const char16_t unit = units[i];
-            all = static_cast<char16_t>(all | unit);
-            const bool upper = static_cast<char16_t>(unit - u'A') <= u'Z' - u'A';
-            m_buffer[i] = static_cast<char16_t>(unit + (upper ? 0x20 : 0));
+        for (const QChar *c = text.cbegin(); c != text.cend(); ++c) {
+            const char16_t unit = c->unicode();
+            all |= unit;
+            if ((unit == m_first || unit == upper) && isAt({c, text.cend()}))
+                return true;
         }
-        if (all < 0x80)
-            return {m_buffer.constData(), m_buffer.size()};
-        m_lowered = text.toLower();
-        return m_lowered;
+        return all >= firstNonAscii && text.toLower().contains(m_term);
     }
 
-    QStringMatcher m_matcher;
-    QVarLengthArray<char16_t, 1024> m_buffer;
-    QString m_lowered;
+    // Says no to what is not ASCII.
+    [[nodiscard]] bool isAt(QStringView text) const
+    {
+        if (text.size() < m_term.size())
+            return false;
+        for (qsizetype i = 0; i < m_term.size(); ++i) {
+            if (text.at(i) >= firstNonAscii || asciiLower(text.at(i).unicode()) != m_term.at(i))
+                return false;
+        }
+        return true;
+    }
+
+    QString m_term;
+    char16_t m_first;
 };
 
 } // namespace
 
 QList<task> tasksMatching(const QList<task> &tasks, const QString &term)
 {
-    LowerCaseSearch search(term);
-    QList<task> matches;
-    std::copy_if(tasks.cbegin(), tasks.cend(), std::back_inserter(matches),
-                 [&search](const task &t) { return search.matches(t); });
-    return matches;
+    const LowerCaseSearch search(term);
+    TaskPlaces places;
+    places.reserve(static_cast<size_t>(tasks.size()));
+    for (qsizetype place = 0; place < tasks.size(); ++place) {
+        if (search.matches(tasks.at(place)))
+            places.push_back(place);
+    }
+    return tasksAt(tasks, places);
 }
 
 } // namespace oblino
