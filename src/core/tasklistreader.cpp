@@ -17,13 +17,6 @@ bool isBlank(QStringView text)
     return text.trimmed().isEmpty();
 }
 
-void addTo(TaskManager &store, const task &t)
-{
-    (void)store.addTask(t.key, t.date, t.name, t.desc, t.color, t.due, t.status, t.priority, t.statusName,
-                        t.priorityName, t.hidden, t.startHour, t.startMin, t.endHour, t.endMin, t.client,
-                        t.teamMember);
-}
-
 } // namespace
 
 TaskListText decodedTaskList(const QByteArray &bytes)
@@ -60,8 +53,8 @@ TaskListReading addTaskList(const QString &text, TaskManager &store)
         if (result.invertedColors)
             trace("In dark mode -> Invert");
         trace("No of Fields:", reader.fieldCount());
-        if (const auto t = reader.read(store.defaultTimes(), result.invertedColors))
-            addTo(store, *t);
+        if (auto t = reader.read(store.defaultTimes(), result.invertedColors))
+            store.addTask(std::move(*t));
         else if (!isBlank(row))
             result.unreadableRows.append(row.toUtf8());
         if (reader.fieldCount() == 20)

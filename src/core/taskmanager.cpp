@@ -47,27 +47,34 @@ QString TaskManager::addTask(const QString &key, const QDateTime &date, const QS
                              bool hidden, qint64 startHour, qint64 startMin, qint64 endHour, qint64 endMin,
                              const QString &client, const QString &teamMember)
 {
-    QString usedKey = key.isEmpty() ? newUuidText() : key;
-    selectedList().append(task{.key = usedKey,
-                               .date = date,
-                               .name = name,
-                               .desc = desc,
-                               .client = client,
-                               .teamMember = teamMember,
-                               .color = color,
-                               .due = due,
-                               .status = status,
-                               .priority = priority,
-                               .statusName = statusName,
-                               .priorityName = priorityName,
-                               .hidden = hidden,
-                               .startHour = startHour,
-                               .startMin = startMin,
-                               .endHour = endHour,
-                               .endMin = endMin});
-    m_defaultTimes = {startHour, startMin, endHour, endMin};
-    trace("Add Task, hidden:", hidden);
-    return usedKey;
+    return addTask(task{.key = key,
+                        .date = date,
+                        .name = name,
+                        .desc = desc,
+                        .client = client,
+                        .teamMember = teamMember,
+                        .color = color,
+                        .due = due,
+                        .status = status,
+                        .priority = priority,
+                        .statusName = statusName,
+                        .priorityName = priorityName,
+                        .hidden = hidden,
+                        .startHour = startHour,
+                        .startMin = startMin,
+                        .endHour = endHour,
+                        .endMin = endMin});
+}
+
+QString TaskManager::addTask(task t)
+{
+    if (t.key.isEmpty())
+        t.key = newUuidText();
+    m_defaultTimes = {t.startHour, t.startMin, t.endHour, t.endMin};
+    trace("Add Task, hidden:", t.hidden);
+    QList<task> &list = selectedList();
+    list.append(std::move(t));
+    return list.last().key;
 }
 
 void TaskManager::editSelectedTask(const QDateTime &date, const QString &name, const QString &desc,

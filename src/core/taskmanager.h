@@ -110,6 +110,8 @@ public:
                     const QString &statusName, const QString &priorityName, bool hidden, qint64 startHour,
                     qint64 startMin, qint64 endHour, qint64 endMin, const QString &client,
                     const QString &teamMember);
+    /// The same for a task that is already put together.
+    QString addTask(task t);
 
     /// Overwrites the selected task but for its key and hidden flag. The times become the default times even
     /// where nothing is selected.

@@ -52,9 +52,9 @@ bool TaskManager::cloneSelected(QObject *)
 {
     if (!hasSelection())
         return false;
-    const task t = fullList().at(m_selected);
-    addTask({}, t.date, t.name, t.desc, t.color, t.due, t.status, t.priority, t.statusName, t.priorityName,
-            t.hidden, t.startHour, t.startMin, t.endHour, t.endMin, t.client, t.teamMember);
+    task copy = fullList().at(m_selected);
+    copy.key.clear();
+    addTask(std::move(copy));
     return true;
 }
 

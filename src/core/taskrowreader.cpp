@@ -2,6 +2,7 @@
 
 #include <core/tasklistwriter.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 
@@ -24,6 +25,34 @@ std::optional<Number> numberIn(QStringView text)
     Number number = {};
     const auto [rest, error] = std::from_chars(digits.data(), end, number);
     return error == std::errc() && rest == end ? std::optional(number) : std::nullopt;
+}
+
+std::optional<qint64> integerIn(QStringView text)
+{
+    constexpr qsizetype certainlyFits = 18; // digits
+    if (text.isEmpty() || text.size() > certainlyFits)
+        return numberIn<qint64>(text);
+    qint64 number = 0;
+    for (const QChar c : text) {
+        if (c < u'0' || c > u'9')
+            return numberIn<qint64>(text);
+        number = number * 10 + (c.unicode() - u'0');
+    }
+    return number;
+}
+
+std::optional<Color> colorIn(QStringView redText, QStringView greenText, QStringView blueText,
+                             QStringView alphaText)
+{
+    const auto red = numberIn<double>(redText);
+    const auto green = numberIn<double>(greenText);
+    const auto blue = numberIn<double>(blueText);
+    const auto alpha = numberIn<double>(alphaText);
+    if (!red || !green || !blue || !alpha)
+        return std::nullopt;
+    const bool finite =
+        std::isfinite(*red) && std::isfinite(*green) && std::isfinite(*blue) && std::isfinite(*alpha);
+    return finite ? std::optional(Color(*red, *green, *blue, *alpha)) : std::nullopt;
 }
 
 // Takes one or two digits off the front; -1 when there are none.
@@ -57,13 +86,14 @@ TaskRowReader::TaskRowReader(QDate day)
 void TaskRowReader::split(QStringView row)
 {
     m_count = 0;
-    for (qsizetype begin = 0; begin <= row.size(); ++m_count) {
-        qsizetype end = row.indexOf(QLatin1Char(fieldSeparator), begin);
-        if (end < 0)
-            end = row.size();
+    const QChar *begin = row.cbegin();
+    for (const QChar *end = begin;; begin = end + 1) {
+        end = std::find(begin, row.cend(), QLatin1Char(fieldSeparator));
         if (m_count < knownFields)
-            m_fields[static_cast<size_t>(m_count)] = row.sliced(begin, end - begin);
-        begin = end + 1;
+            m_fields[static_cast<size_t>(m_count)] = {begin, end};
+        ++m_count;
+        if (end == row.cend())
+            return;
     }
 }
 
@@ -74,30 +104,30 @@ std::optional<task> TaskRowReader::read(const DefaultTimes &defaults, bool dark)
     const auto date = day(field(1));
     const auto due = day(field(8));
     const auto lightColor = color();
-    const auto status = numberIn<qint64>(field(9));
-    const auto priority = numberIn<qint64>(field(10));
-    if (!date || !due || !lightColor || !status || !priority)
+    const auto status = integerIn(field(9));
+    const auto priority = integerIn(field(10));
+    const auto times = hasTimes() ? timesOfRow() : std::optional(defaults);
+    if (!date || !due || !lightColor || !status || !priority || !times)
         return std::nullopt;
 
     const bool hidden = hasKey() && m_count > 13 && field(14) == QLatin1String("true");
-    task t{.key = hasKey() ? field(13).toString() : QString(),
-           .date = *date,
-           .name = field(2).toString(),
-           .desc = field(3).toString(),
-           .client = m_count == 20 ? shared(field(19)) : QString(),
-           .teamMember = m_count == 20 ? shared(field(20)) : QString(),
-           .color = dark ? lightColor->inverted() : *lightColor,
-           .due = *due,
-           .status = *status,
-           .priority = *priority,
-           .statusName = shared(field(11)),
-           .priorityName = shared(field(12)),
-           .hidden = hidden,
-           .startHour = defaults.startHour,
-           .startMin = defaults.startMin,
-           .endHour = defaults.endHour,
-           .endMin = defaults.endMin};
-    return readTimes(t, defaults) ? std::optional(std::move(t)) : std::nullopt;
+    return task{.key = hasKey() ? field(13).toString() : QString(),
+                .date = *date,
+                .name = field(2).toString(),
+                .desc = field(3).toString(),
+                .client = m_count == 20 ? shared(field(19)) : QString(),
+                .teamMember = m_count == 20 ? shared(field(20)) : QString(),
+                .color = dark ? lightColor->inverted() : *lightColor,
+                .due = *due,
+                .status = *status,
+                .priority = *priority,
+                .statusName = shared(field(11)),
+                .priorityName = shared(field(12)),
+                .hidden = hidden,
+                .startHour = times->startHour,
+                .startMin = times->startMin,
+                .endHour = times->endHour,
+                .endMin = times->endMin};
 }
 
 bool TaskRowReader::hasKey() const
@@ -105,19 +135,15 @@ bool TaskRowReader::hasKey() const
     return m_count == 13 || m_count == 14 || hasTimes();
 }
 
-bool TaskRowReader::readTimes(task &t, const DefaultTimes &defaults) const
+std::optional<DefaultTimes> TaskRowReader::timesOfRow() const
 {
-    if (!hasTimes())
-        return true;
-    const auto startHour = numberIn<qint64>(field(15));
-    const auto startMin = numberIn<qint64>(field(16));
-    const auto endHour = numberIn<qint64>(field(17));
-    const auto endMin = numberIn<qint64>(field(18));
-    t.startHour = startHour.value_or(defaults.startHour);
-    t.startMin = startMin.value_or(defaults.startMin);
-    t.endHour = endHour.value_or(defaults.endHour);
-    t.endMin = endMin.value_or(defaults.endMin);
-    return startHour && startMin && endHour && endMin;
+    const auto startHour = integerIn(field(15));
+    const auto startMin = integerIn(field(16));
+    const auto endHour = integerIn(field(17));
+    const auto endMin = integerIn(field(18));
+    if (!startHour || !startMin || !endHour || !endMin)
+        return std::nullopt;
+    return DefaultTimes{*startHour, *startMin, *endHour, *endMin};
 }
 
 std::optional<QDateTime> TaskRowReader::day(QStringView text)
@@ -141,27 +167,16 @@ std::optional<QDateTime> TaskRowReader::day(QStringView text)
     return known.isValid() ? std::optional(known) : std::nullopt;
 }
 
-std::optional<Color> TaskRowReader::color() const
+std::optional<Color> TaskRowReader::color()
 {
-    const auto red = numberIn<double>(field(4));
-    const auto green = numberIn<double>(field(5));
-    const auto blue = numberIn<double>(field(6));
-    const auto alpha = numberIn<double>(field(7));
-    if (!red || !green || !blue || !alpha)
-        return std::nullopt;
-    const bool finite =
-        std::isfinite(*red) && std::isfinite(*green) && std::isfinite(*blue) && std::isfinite(*alpha);
-    return finite ? std::optional(Color(*red, *green, *blue, *alpha)) : std::nullopt;
+    const QStringView fields(field(4).begin(), field(7).end());
+    return m_colors.value(fields,
+                          [this](QStringView) { return colorIn(field(4), field(5), field(6), field(7)); });
 }
 
 QString TaskRowReader::shared(QStringView text)
 {
-    const auto found = m_texts.constFind(text);
-    if (found != m_texts.cend())
-        return *found;
-    QString made = text.toString();
-    m_texts.insert(made, made);
-    return made;
+    return m_texts.value(text, [](QStringView own) { return own.toString(); });
 }
 
 } // namespace oblino

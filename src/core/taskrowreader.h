@@ -1,6 +1,7 @@
 #pragma once
 
 #include <core/task.h>
+#include <core/textmemo.h>
 
 #include <QDate>
 #include <QHash>
@@ -39,15 +40,16 @@ private:
     [[nodiscard]] bool hasKey() const;
     [[nodiscard]] bool hasTimes() const { return m_count >= 18 && m_count <= 20; }
     [[nodiscard]] std::optional<QDateTime> day(QStringView text);
-    [[nodiscard]] std::optional<Color> color() const;
-    [[nodiscard]] bool readTimes(task &t, const DefaultTimes &defaults) const;
+    [[nodiscard]] std::optional<Color> color();
+    [[nodiscard]] std::optional<DefaultTimes> timesOfRow() const;
     [[nodiscard]] QString shared(QStringView text);
 
     int m_firstYear;
     std::array<QStringView, knownFields> m_fields;
     qsizetype m_count = 0;
     QHash<int, QDateTime> m_days;
-    QHash<QStringView, QString> m_texts; // each key is a view of its value
+    TextMemo<std::optional<Color>> m_colors;
+    TextMemo<QString> m_texts;
 };
 
 } // namespace oblino
