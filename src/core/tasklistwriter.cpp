@@ -4,10 +4,13 @@
 
 #include <QStringEncoder>
 
+#include <algorithm>
+#include <array>
+#include <bit>
 #include <charconv>
 #include <cmath>
 #include <concepts>
-#include <cstring>
+#include <string_view>
 
 namespace oblino {
 
@@ -17,87 +20,140 @@ constexpr qsizetype longestNumber = 32; // of a double in its shortest form, or 
 constexpr qsizetype bytesPerUnit = 3;   // of UTF-8, for one unit of UTF-16
 constexpr qsizetype likelyRow = 256;    // bytes; only a first guess
 
-// Writes fields at the end of one growing block of bytes.
+// Decimal numbers as the file holds them: in the shortest form that reads back to the same value, with a
+// fractional part or an exponent. Those met last are remembered; a list has few different colours.
+class DecimalForms
+{
+public:
+    std::string_view form(double value)
+    {
+        const auto bits = std::bit_cast<quint64>(value);
+        Entry &entry = m_entries[bits * spread >> (64 - logOfRoom)];
+        if (entry.size == 0 || entry.bits != bits)
+            entry = made(value);
+        return {entry.text.data(), entry.size};
+    }
+
+private:
+    struct Entry
+    {
+        quint64 bits;
+        std::array<char, longestNumber> text;
+        size_t size = 0;
+    };
+
+    static Entry made(double value)
+    {
+        Entry entry = {std::bit_cast<quint64>(value), {}};
+        char *end = std::to_chars(entry.text.begin(), entry.text.end(), value).ptr;
+        const std::string_view digits(entry.text.begin(), end);
+        if (digits.find_first_of(".e") == std::string_view::npos)
+            end = std::copy_n(".0", 2, end);
+        entry.size = static_cast<size_t>(end - entry.text.begin());
+        return entry;
+    }
+
+    static constexpr int logOfRoom = 7;
+    static constexpr quint64 spread = 0x9e3779b97f4a7c15; // 2^64 by the golden ratio, made odd
+    std::array<Entry, 1 << logOfRoom> m_entries;
+};
+
+// Whether a unit stands in the file as one byte of the same value.
+constexpr std::array<bool, 0x80> isPlain = [] {
+    std::array<bool, 0x80> plain;
+    plain.fill(true);
+    plain[fieldSeparator] = plain[rowSeparator] = false;
+    return plain;
+}();
+
+// Writes fields one behind the other into a block of bytes that grows.
 class RowWriter
 {
 public:
-    explicit RowWriter(qsizetype rows) { m_bytes.resize(rows * likelyRow); }
+    explicit RowWriter(qsizetype rows) { grow(rows * likelyRow); }
 
     void separator(char c)
     {
-        room(1);
-        m_bytes.data()[m_size++] = c;
+        makeRoom(1);
+        *m_end++ = c;
     }
 
     void text(const QString &value)
     {
-        room(value.size() * bytesPerUnit);
-        char *const begin = m_bytes.data() + m_size;
-        const char *const end = m_encoder.appendToBuffer(begin, value);
-        const auto length = static_cast<size_t>(end - begin);
-        if (std::memchr(begin, fieldSeparator, length) || std::memchr(begin, rowSeparator, length)) {
-            QString harmless = value;
-            harmless.replace(QLatin1Char(fieldSeparator), QChar(u'¦'))
-                .replace(QLatin1Char(rowSeparator), QChar(u'ˆ'));
-            return text(harmless);
+        makeRoom(value.size() * bytesPerUnit);
+        char *end = m_end;
+        for (const QChar unit : value) {
+            if (unit.unicode() >= isPlain.size() || !isPlain[unit.unicode()])
+                return anyText(value);
+            *end++ = static_cast<char>(unit.unicode());
         }
-        m_size += static_cast<qsizetype>(length);
+        m_end = end;
     }
 
     void number(std::integral auto value)
     {
-        room(longestNumber);
-        char *const begin = m_bytes.data() + m_size;
-        m_size += std::to_chars(begin, begin + longestNumber, value).ptr - begin;
+        makeRoom(longestNumber);
+        m_end = std::to_chars(m_end, m_limit, value).ptr;
     }
 
-    // The shortest decimal form that reads back to the same value, with a fractional part or an exponent; the
-    // exponent only for very small and very large values.
     void number(double value)
     {
-        room(longestNumber + 2);
-        char *const begin = m_bytes.data() + m_size;
-        const double size = std::abs(value);
-        const bool plain = value == 0 || (size >= 1e-4 && size < 1e16);
-        char *end = std::to_chars(begin, begin + longestNumber, value,
-                                  plain ? std::chars_format::fixed : std::chars_format::scientific)
-                        .ptr;
-        const auto length = static_cast<size_t>(end - begin);
-        if (!std::memchr(begin, '.', length) && !std::memchr(begin, 'e', length)) {
-            *end++ = '.';
-            *end++ = '0';
-        }
-        m_size += end - begin;
+        const std::string_view form = m_decimals.form(value);
+        makeRoom(static_cast<qsizetype>(form.size()));
+        m_end = std::copy(form.cbegin(), form.cend(), m_end);
     }
 
     // Month/day/two-digit year, without leading zeros in month and day.
     void day(const QDate &value)
     {
-        number(value.month());
+        int year = 0;
+        int month = 0;
+        int dayOfMonth = 0;
+        value.getDate(&year, &month, &dayOfMonth);
+        number(month);
         separator('/');
-        number(value.day());
+        number(dayOfMonth);
         separator('/');
-        const int year = ((value.year() % 100) + 100) % 100;
-        separator(static_cast<char>('0' + year / 10));
-        separator(static_cast<char>('0' + year % 10));
+        const int shortYear = ((year % 100) + 100) % 100;
+        separator(static_cast<char>('0' + shortYear / 10));
+        separator(static_cast<char>('0' + shortYear % 10));
     }
 
     QByteArray taken()
     {
-        m_bytes.truncate(m_size);
+        m_bytes.truncate(size());
         return std::move(m_bytes);
     }
 
 private:
-    void room(qsizetype size)
+    void anyText(QString value)
     {
-        if (m_bytes.size() - m_size < size)
-            m_bytes.resize(2 * m_bytes.size() + size);
+        value.replace(QLatin1Char(fieldSeparator), QChar(u'¦'))
+            .replace(QLatin1Char(rowSeparator), QChar(u'ˆ'));
+        m_end = m_encoder.appendToBuffer(m_end, value);
+    }
+
+    [[nodiscard]] qsizetype size() const { return m_end - m_bytes.constData(); }
+
+    void makeRoom(qsizetype needed)
+    {
+        if (m_limit - m_end < needed)
+            grow(m_bytes.size() + needed);
+    }
+
+    void grow(qsizetype by)
+    {
+        const qsizetype used = m_end ? size() : 0;
+        m_bytes.resize(m_bytes.size() + by);
+        m_end = m_bytes.data() + used;
+        m_limit = m_bytes.data() + m_bytes.size();
     }
 
     QStringEncoder m_encoder{QStringEncoder::Utf8, QStringEncoder::Flag::Stateless};
+    DecimalForms m_decimals;
     QByteArray m_bytes;
-    qsizetype m_size = 0;
+    char *m_end = nullptr; // of what is written
+    char *m_limit = nullptr;
 };
 
 template<typename... Values>
