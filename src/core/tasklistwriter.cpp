@@ -21,7 +21,8 @@ constexpr qsizetype bytesPerUnit = 3;   // of UTF-8, for one unit of UTF-16
 constexpr qsizetype likelyRow = 256;    // bytes; only a first guess
 
 // Decimal numbers as the file holds them: in the shortest form that reads back to the same value, with a
-// fractional part or an exponent. Those met last are remembered; a list has few different colours.
+// fractional part, or with an exponent where they are very small or large. Those met last are remembered; a
+// list has few different colours.
 class DecimalForms
 {
 public:
@@ -45,7 +46,10 @@ private:
     static Entry made(double value)
     {
         Entry entry = {std::bit_cast<quint64>(value), {}};
-        char *end = std::to_chars(entry.text.begin(), entry.text.end(), value).ptr;
+        const double size = std::abs(value);
+        const bool plain = value == 0 || (size >= 1e-4 && size < 1e16);
+        const auto format = plain ? std::chars_format::fixed : std::chars_format::scientific;
+        char *end = std::to_chars(entry.text.begin(), entry.text.end(), value, format).ptr;
         const std::string_view digits(entry.text.begin(), end);
         if (digits.find_first_of(".e") == std::string_view::npos)
             end = std::copy_n(".0", 2, end);
