@@ -92,12 +92,12 @@ qint64 Defaults::integer(const QString &key) const
 bool Defaults::save()
 {
     const QMutexLocker lock(&m_mutex);
-    makePrivate(m_path);
     m_settings->sync();
     if (m_settings->status() != QSettings::NoError) {
         // An object never takes its error back. A new one shares the unsaved values of the old one.
         auto renewed = opened(m_path);
         renewed->moveToThread(m_settings->thread());
+        m_settings.release()->deleteLater(); // its thread may be about to tell it something
         m_settings = std::move(renewed);
         m_settings->sync();
     }
@@ -107,7 +107,7 @@ bool Defaults::save()
 void Defaults::store(const QString &key, const QVariant &value)
 {
     const QMutexLocker lock(&m_mutex);
-    makePrivate(m_path); // the event loop saves it soon
+    makePrivate(m_path); // the event loop saves it soon, and the file may have been deleted
     m_settings->setValue(key, value);
 }
 

@@ -3,11 +3,11 @@
 
 #include <platform/defaults.h>
 
-#include <QThread>
-
 #include <sys/stat.h>
 
+#include <atomic>
 #include <memory>
+#include <thread>
 
 using namespace oblino;
 using namespace Qt::Literals::StringLiterals;
@@ -55,10 +55,9 @@ private Q_SLOTS:
         QCOMPARE(Defaults(m_path).text(u"old"_s).has_value(), !content.isEmpty());
 
         QVERIFY(QDir(QFileInfo(m_path).path()).removeRecursively());
-        defaults.setText(u"secret"_s, u"another"_s);
-        QVERIFY(defaults.save());
+        defaults.setText(u"secret"_s, u"another"_s); // which the event loop saves
+        QTRY_VERIFY(TemporaryHome::content(m_path).contains("another"));
         QCOMPARE(modeOf(m_path), 0600U);
-        QCOMPARE(Defaults(m_path).text(u"secret"_s), u"another"_s);
     }
 
     void readsAFileEditedByHand_data()
@@ -108,7 +107,7 @@ private Q_SLOTS:
         row("what looks like a boolean", u"true"_s);
         row("leading zeros", u"007"_s);
         row("beyond ASCII", u"Grüße 😀"_s);
-        row("long", QString(100'000, u'ü'));
+        row("long", QString(10'000, u'ü'));
     }
     void keepsEveryText()
     {
@@ -143,22 +142,24 @@ private Q_SLOTS:
         QCOMPARE(Defaults(m_path).text(u"k"_s), u"value"_s);
     }
 
-    void isReadWhileAnotherThreadWrites()
+    void isReadWhileAnotherThreadFailsToSave()
     {
+        QVERIFY(QDir().mkpath(m_path));
         Defaults defaults(m_path);
-        const QString odd(300, u'o');
-        const QString even(400, u'e');
-        defaults.setText(u"k"_s, even);
-        const std::unique_ptr<QThread> writer(QThread::create([&] {
-            for (int i = 0; i < 500; ++i)
-                defaults.setText(u"k"_s, i % 2 ? odd : even);
-        }));
-        writer->start();
+        const QStringList values = {QString(300, u'o'), QString(400, u'e')};
+        defaults.setText(u"k"_s, values.first());
+        std::atomic<bool> writing = true;
+        std::thread writer([&] {
+            for (int i = 0; i < 50; ++i) {
+                defaults.setText(u"k"_s, values.at(i % 2));
+                (void)defaults.save();
+            }
+            writing = false;
+        });
         bool whole = true;
-        while (!writer->isFinished()) {
-            const QString seen = defaults.text(u"k"_s).value_or(QString());
-            whole = whole && (seen == odd || seen == even);
-        }
+        while (writing)
+            whole = values.contains(defaults.text(u"k"_s).value_or(QString())) && whole;
+        writer.join();
         QVERIFY(whole);
     }
 
