@@ -213,11 +213,15 @@ private Q_SLOTS:
         // The program itself may stand where nobody else can read it.
         const QString copy = m_home->path(u"oblino"_s);
         QVERIFY(QFile::copy(oblinoProgram, copy));
+        QVERIFY(QDir().mkdir(m_home->path(u".config"_s)));
+        TemporaryHome::write(m_home->path(u".config/user-dirs.dirs"_s),
+                             "XDG_DOCUMENTS_DIR=\"" + m_home->documents().toUtf8() + '"');
         QCOMPARE(::chmod(qPrintable(m_home->path({})), 0555), 0);
         Program first(*m_home);
+        first.set(u"XDG_CONFIG_HOME"_s, m_home->path(u".config"_s));
         first.unset({unset});
         startUnprivileged(first, copy, {});
-        const bool up = first.isUp();
+        const bool up = first.isUp() && first.says("Read File 3/7/24");
         QCOMPARE(::chmod(qPrintable(m_home->path({})), 0700), 0);
         QVERIFY2(up, first.readAllStandardError());
         QCOMPARE(first.endBy(SIGTERM), 0);
