@@ -2,6 +2,7 @@
 
 #include <QAbstractEventDispatcher>
 #include <QMutex>
+#include <QStringEncoder>
 
 #include <fcntl.h>
 #include <poll.h>
@@ -10,9 +11,10 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <atomic>
 #include <cerrno>
-#include <utility>
+#include <charconv>
 
 namespace oblino {
 
@@ -161,7 +163,9 @@ void appendTrace(QByteArray &line, bool value)
 
 void appendTrace(QByteArray &line, qint64 value)
 {
-    line += QByteArray::number(value);
+    std::array<char, 20> digits;
+    const auto end = std::to_chars(digits.begin(), digits.end(), value).ptr;
+    line.append(digits.data(), end - digits.data());
 }
 
 void appendTrace(QByteArray &line, double value)
@@ -181,7 +185,11 @@ void appendTrace(QByteArray &line, const QByteArray &value)
 
 void appendTrace(QByteArray &line, QStringView value)
 {
-    line += value.toUtf8();
+    constexpr qsizetype bytesPerUnit = 3;
+    const qsizetype size = line.size();
+    line.resize(size + value.size() * bytesPerUnit);
+    QStringEncoder encoder(QStringEncoder::Utf8, QStringEncoder::Flag::Stateless);
+    line.truncate(encoder.appendToBuffer(line.data() + size, value) - line.constData());
 }
 
 void appendTrace(QByteArray &line, const QDateTime &value)

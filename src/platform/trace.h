@@ -72,7 +72,9 @@ void trace(const Values &...values)
 {
     if (!Trace::enabled())
         return;
+    constexpr qsizetype usualLine = 800; // bytes
     QByteArray line;
+    line.reserve(usualLine);
     auto append = [&line, first = true](const auto &value) mutable {
         if (!first)
             line += ' ';
