@@ -8,6 +8,9 @@
 
 #include <QUtf8StringView>
 
+#include <string>
+#include <utility>
+
 namespace oblino {
 
 namespace {
@@ -15,6 +18,26 @@ namespace {
 bool isBlank(QStringView text)
 {
     return text.trimmed().isEmpty();
+}
+
+// The trace form of the list of a row's fields.
+QByteArray listedFields(const QByteArray &row)
+{
+    std::string list = "[";
+    for (const char c : row) {
+        if (c == fieldSeparator)
+            list += ", ";
+        else
+            list += c;
+    }
+    return QByteArray::fromStdString(list + ']');
+}
+
+void traceRow(QStringView row)
+{
+    const QByteArray text = row.toUtf8();
+    trace("Row:", text);
+    trace("Fields:", listedFields(text));
 }
 
 } // namespace
@@ -59,8 +82,8 @@ TaskListReading addTaskList(const QString &text, TaskManager &store)
             result.unreadableRows.append(row.toUtf8());
         if (reader.fieldCount() == 20)
             trace("20 fields");
-        trace("Row:", row);
-        trace("Fields:", [row] { return row.split(QLatin1Char(fieldSeparator)); });
+        if (Trace::enabled())
+            traceRow(row);
     }
     if (const QStringView rest = whole.sliced(begin); !isBlank(rest))
         result.unreadableRows.append(rest.toUtf8());
