@@ -150,7 +150,10 @@ bool areDaysApart(const Keys &keys)
 
 QList<task> orderedByMoment(QList<task> tasks, bool ascending, QDateTime task::*field)
 {
-    const auto isLocal = [field](const task &t) { return (t.*field).timeSpec() == Qt::LocalTime; };
+    // The day of an invalid moment is too small to be counted in milliseconds.
+    const auto isLocal = [field](const task &t) {
+        return (t.*field).timeSpec() == Qt::LocalTime && (t.*field).isValid();
+    };
     if (std::all_of(tasks.cbegin(), tasks.cend(), isLocal)) {
         Keys keys = keysOf(tasks, [field](const task &t) { return localNumber(t.*field); });
         sort(keys, ascending, isSmaller);
