@@ -33,6 +33,7 @@ QProcessEnvironment bareEnvironment(const TemporaryHome &home)
             variables.insert(name, ours.value(name));
     }
     variables.insert(u"HOME"_s, home.path({}));
+    variables.insert(u"TMPDIR"_s, home.path({})); // for the sockets that killed programs leave
     variables.insert(u"XDG_RUNTIME_DIR"_s, home.path(u"run"_s));
     variables.insert(u"QT_QPA_PLATFORM"_s, u"offscreen"_s);
     variables.insert(u"LC_ALL"_s, u"C.UTF-8"_s);

@@ -50,7 +50,12 @@ class tst_singleinstance : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init() { m_home = std::make_unique<TemporaryHome>(); }
+    void init()
+    {
+        qunsetenv("TMPDIR");
+        m_home = std::make_unique<TemporaryHome>();
+        qputenv("TMPDIR", QFile::encodeName(m_home->path({}))); // for the sockets that killed programs leave
+    }
 
     void everyLaterStartRaisesTheFirst()
     {

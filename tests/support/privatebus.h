@@ -7,6 +7,9 @@
 #include <QProcess>
 #include <QTemporaryFile>
 
+#include <sys/prctl.h>
+
+#include <csignal>
 #include <functional>
 
 namespace oblino {
@@ -25,6 +28,7 @@ public:
             "<allow own='*'/></policy>"
             "</busconfig>");
         m_configuration.close();
+        m_daemon.setChildProcessModifier([] { ::prctl(PR_SET_PDEATHSIG, SIGKILL); }); // if the test crashes
         m_daemon.start(QStringLiteral("dbus-daemon"),
                        {QStringLiteral("--config-file=") + m_configuration.fileName(),
                         QStringLiteral("--print-address"), QStringLiteral("--nofork")});
