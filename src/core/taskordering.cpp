@@ -131,7 +131,7 @@ QList<task> orderedByText(QList<task> tasks, bool ascending, const TextOf &textO
 }
 
 // The local time, which takes no time zone rules to find, and the daylight-saving state, which tells apart
-// two moments of the same local time.
+// two moments of the same local time, in the last bit.
 qint64 localNumber(const QDateTime &moment)
 {
     const qint64 local = moment.date().toJulianDay() * msPerDay + moment.time().msecsSinceStartOfDay();
@@ -143,14 +143,13 @@ qint64 localNumber(const QDateTime &moment)
 bool areDaysApart(const Keys &keys)
 {
     const auto isNear = [](const Key &a, const Key &b) {
-        return a.number != b.number && std::abs(a.number - b.number) < 2 * msPerDay;
+        return a.number != b.number && std::abs((a.number >> 1) - (b.number >> 1)) < msPerDay;
     };
     return std::adjacent_find(keys.cbegin(), keys.cend(), isNear) == keys.cend();
 }
 
 QList<task> orderedByMoment(QList<task> tasks, bool ascending, QDateTime task::*field)
 {
-    // The day of an invalid moment is too small to be counted in milliseconds.
     const auto isLocal = [field](const task &t) {
         return (t.*field).timeSpec() == Qt::LocalTime && (t.*field).isValid();
     };
