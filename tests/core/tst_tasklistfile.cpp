@@ -69,6 +69,18 @@ QByteArray row(const QList<std::pair<int, QByteArray>> &changes = {}, qsizetype 
     return fields.first(count).join('|') + '^';
 }
 
+// Rows with more different colours and people than a reader or writer can be expected to remember.
+QByteArray differentRows()
+{
+    QByteArray rows;
+    for (int i = 0; i < 2'000; ++i) {
+        const QByteArray number = QByteArray::number(i);
+        rows +=
+            row({{4, number + ".5"}, {7, number + ".25"}, {11, "State " + number}, {19, "Client " + number}});
+    }
+    return rows;
+}
+
 } // namespace
 
 class tst_tasklistfile : public QObject
@@ -95,6 +107,7 @@ private Q_SLOTS:
               row({{9, "-9223372036854775808"}, {10, "9223372036854775807"}, {16, "-1"}}));
         bytes("days without midnight and with two", row({{1, "3/10/24"}, {8, "11/3/24"}}));
         bytes("first and last year, leap day", row({{1, "1/1/00"}, {8, "12/31/99"}}) + row({{1, "2/29/24"}}));
+        bytes("two thousand colours and clients", differentRows());
         bytes("long texts", row({{2, "中"_ba.repeated(5'000)}, {3, QByteArray(50'000, 'x')}}) + row());
     }
 
