@@ -86,14 +86,14 @@ TaskRowReader::TaskRowReader(QDate day)
 void TaskRowReader::split(QStringView row)
 {
     m_count = 0;
-    const QChar *begin = row.cbegin();
-    for (const QChar *end = begin;; begin = end + 1) {
-        end = std::find(begin, row.cend(), QLatin1Char(fieldSeparator));
+    for (const QChar *begin = row.cbegin();;) {
+        const QChar *const end = std::find(begin, row.cend(), QLatin1Char(fieldSeparator));
         if (m_count < knownFields)
             m_fields[static_cast<size_t>(m_count)] = {begin, end};
         ++m_count;
         if (end == row.cend())
             return;
+        begin = end + 1;
     }
 }
 
