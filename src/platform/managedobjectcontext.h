@@ -1,0 +1,44 @@
+#pragma once
+
+#include <platform/entity.h>
+#include <platform/entitymodel.h>
+
+#include <QList>
+#include <QString>
+
+#include <memory>
+#include <vector>
+
+class QSqlDatabase;
+
+namespace oblino {
+
+/// The objects of an opened store and what is pending of them. Belongs to the thread that opened the store.
+class ManagedObjectContext
+{
+public:
+    /// @param connection  the name of the open database connection, which outlives the context
+    ManagedObjectContext(QString connection, const QList<Entity> &entities);
+
+    /// Reads all objects. @return an error, empty when it was done
+    [[nodiscard]] QString load();
+
+    /// The objects of an entity, or null when the store has no entity of that name. The context's own.
+    [[nodiscard]] EntityModel *objects(const QString &entityName) const;
+
+    /// Writes all that is pending, of every entity or of none; after a failure it is still pending.
+    /// @return an error, empty when it was done
+    [[nodiscard]] QString save();
+
+    /// Removes every object of the entity from the store at once, and what is pending of it here.
+    /// @return an error, empty when it was done
+    [[nodiscard]] QString batchDelete(const QString &entityName);
+
+private:
+    [[nodiscard]] QSqlDatabase database() const;
+
+    QString m_connection;
+    std::vector<std::unique_ptr<EntityModel>> m_models;
+};
+
+} // namespace oblino
