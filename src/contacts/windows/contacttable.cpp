@@ -1,0 +1,116 @@
+#include <contacts/windows/contacttable.h>
+
+#include <contacts/windows/contactdelegate.h>
+
+#include <QEvent>
+#include <QHeaderView>
+#include <QPainter>
+#include <QTextOption>
+
+#include <algorithm>
+
+namespace oblino {
+
+namespace {
+
+constexpr int usualRowHeight = 36; // pixels, for the usual font size
+constexpr int messageMargin = 24;
+
+} // namespace
+
+ContactTable::ContactTable(QWidget *parent)
+    : QTableView(parent)
+    , m_delegate(new ContactDelegate(this))
+{
+    setItemDelegate(m_delegate);
+    setEditTriggers(DoubleClicked | EditKeyPressed | AnyKeyPressed);
+    setSelectionMode(ExtendedSelection);
+    setSelectionBehavior(SelectRows);
+    setTabKeyNavigation(false); // Tab leads out of the table unless a cell is being edited
+    setWordWrap(false);
+    setCornerButtonEnabled(false);
+    setShowGrid(false);
+    setAlternatingRowColors(true);
+    setVerticalScrollMode(ScrollPerPixel);
+    verticalHeader()->hide();
+    verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
+    horizontalHeader()->setHighlightSections(false);
+    horizontalHeader()->setSortIndicatorClearable(true); // the third click brings the stored order back
+    horizontalHeader()->setSortIndicator(-1, Qt::AscendingOrder);
+    setSortingEnabled(true);
+    setRowHeight();
+}
+
+void ContactTable::setEmptyMessage(const QString &message)
+{
+    m_emptyMessage = message;
+    announceMessage();
+}
+
+void ContactTable::setModel(QAbstractItemModel *model)
+{
+    QTableView::setModel(model);
+    connect(model, &QAbstractItemModel::rowsInserted, this, &ContactTable::announceMessage);
+    connect(model, &QAbstractItemModel::rowsRemoved, this, &ContactTable::announceMessage);
+    connect(model, &QAbstractItemModel::modelReset, this, &ContactTable::announceMessage);
+    announceMessage();
+}
+
+void ContactTable::endEditing()
+{
+    if (QWidget *editor = indexWidget(currentIndex())) {
+        commitData(editor);
+        closeEditor(editor, QAbstractItemDelegate::NoHint);
+    }
+}
+
+void ContactTable::paintEvent(QPaintEvent *event)
+{
+    QTableView::paintEvent(event);
+    if (!isEmpty())
+        return;
+    QPainter painter(viewport());
+    painter.setPen(palette().color(QPalette::PlaceholderText));
+    QTextOption option(Qt::AlignCenter);
+    option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere); // for the path of a file
+    const QRect area =
+        viewport()->rect().adjusted(messageMargin, messageMargin, -messageMargin, -messageMargin);
+    painter.drawText(area, m_emptyMessage, option);
+}
+
+void ContactTable::changeEvent(QEvent *event)
+{
+    QTableView::changeEvent(event);
+    if (event->type() == QEvent::FontChange)
+        setRowHeight();
+}
+
+// The view would go on to the first cell after the last one.
+void ContactTable::closeEditor(QWidget *editor, QAbstractItemDelegate::EndEditHint hint)
+{
+    const QModelIndex at = currentIndex();
+    const bool last = at.row() == model()->rowCount() - 1 && at.column() == model()->columnCount() - 1;
+    const bool first = at.row() == 0 && at.column() == 0;
+    const bool ends = (hint == QAbstractItemDelegate::EditNextItem && last) ||
+                      (hint == QAbstractItemDelegate::EditPreviousItem && first);
+    QTableView::closeEditor(editor, ends ? QAbstractItemDelegate::NoHint : hint);
+}
+
+void ContactTable::setRowHeight()
+{
+    verticalHeader()->setDefaultSectionSize(std::max(usualRowHeight, fontMetrics().height() * 2));
+}
+
+void ContactTable::announceMessage()
+{
+    setAccessibleDescription(isEmpty() ? m_emptyMessage : QString());
+    viewport()->update();
+}
+
+bool ContactTable::isEmpty() const
+{
+    return !model() || model()->rowCount() == 0;
+}
+
+} // namespace oblino

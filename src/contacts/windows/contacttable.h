@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QTableView>
+
+namespace oblino {
+
+class ContactDelegate;
+
+/// A table of contacts, edited in place: Tab goes through the cells of a row and on to the next row. While
+/// it is empty it shows a message.
+class ContactTable : public QTableView
+{
+    Q_OBJECT
+
+public:
+    explicit ContactTable(QWidget *parent = nullptr);
+
+    [[nodiscard]] const ContactDelegate &delegate() const { return *m_delegate; }
+
+    /// What to show while there are no rows.
+    void setEmptyMessage(const QString &message);
+
+    void setModel(QAbstractItemModel *model) override;
+
+    /// Commits and closes the editor that is open, if any.
+    void endEditing();
+
+protected:
+    void paintEvent(QPaintEvent *event) override;
+    void changeEvent(QEvent *event) override;
+    void closeEditor(QWidget *editor, QAbstractItemDelegate::EndEditHint hint) override;
+
+private:
+    void setRowHeight();
+    void announceMessage();
+    [[nodiscard]] bool isEmpty() const;
+
+    ContactDelegate *m_delegate;
+    QString m_emptyMessage;
+};
+
+} // namespace oblino

@@ -1,0 +1,47 @@
+#include <contacts/windows/viewcontrollerteammgmt.h>
+
+#include <contacts/windows/contacttable.h>
+#include <ui_viewcontrollerteammgmt.h>
+
+namespace oblino {
+
+ViewControllerTeamMgmt::ViewControllerTeamMgmt(const QString &folder, QWidget *parent)
+    : ContactWindow(folder, parent)
+    , m_ui(std::make_unique<Ui::ViewControllerTeamMgmt>())
+{
+    m_ui->setupUi(this);
+    viewDidLoad();
+}
+
+ViewControllerTeamMgmt::~ViewControllerTeamMgmt()
+{
+    hide(); // which saves
+}
+
+void ViewControllerTeamMgmt::viewDidLoad()
+{
+    teamTable = m_ui->teamTable;
+    connect(m_ui->addButton, &QPushButton::clicked, this, [this] { AddTeamMember(m_ui->addButton); });
+    connect(m_ui->removeButton, &QPushButton::clicked, this,
+            [this] { RemoveTeamMember(m_ui->removeButton); });
+    connect(m_ui->okButton, &QPushButton::clicked, this, [this] { OkPressed(m_ui->okButton); });
+    openStore({teamTable, new ContactList(this), m_ui->addButton, m_ui->removeButton},
+              TeamMembers::fetchRequest(), tr("team members"));
+}
+
+void ViewControllerTeamMgmt::AddTeamMember(QObject * /*sender*/)
+{
+    addContact();
+}
+
+void ViewControllerTeamMgmt::RemoveTeamMember(QObject * /*sender*/)
+{
+    removeContacts();
+}
+
+void ViewControllerTeamMgmt::OkPressed(QObject * /*sender*/)
+{
+    close();
+}
+
+} // namespace oblino

@@ -1,0 +1,36 @@
+#pragma once
+
+#include <contacts/windows/contactwindow.h>
+
+namespace oblino {
+
+namespace Ui {
+class ViewControllerTeamMgmt;
+}
+
+/// The window in which the team members are managed.
+class ViewControllerTeamMgmt : public ContactWindow
+{
+    Q_OBJECT
+
+public:
+    explicit ViewControllerTeamMgmt(const QString &folder = contactsFolder(), QWidget *parent = nullptr);
+    ~ViewControllerTeamMgmt() override;
+
+    void viewDidLoad();
+
+    // What the controls call
+
+    void AddTeamMember(QObject *sender);
+    void RemoveTeamMember(QObject *sender);
+    void OkPressed(QObject *sender);
+
+private:
+    std::unique_ptr<Ui::ViewControllerTeamMgmt> m_ui;
+
+    // Outlets
+
+    ContactTable *teamTable = nullptr;
+};
+
+} // namespace oblino

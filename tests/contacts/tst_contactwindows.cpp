@@ -1,0 +1,379 @@
+#include <contacts/windows/viewcontrollerclientmgmt.h>
+#include <contacts/windows/viewcontrollerteammgmt.h>
+#include <platform/trace.h>
+#include <support/temporaryhome.h>
+#include <support/testmain.h>
+
+#include <QAccessible>
+#include <QApplication>
+#include <QClipboard>
+#include <QHeaderView>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QSqlDatabase>
+#include <QSqlQuery>
+#include <QTableView>
+#include <QTemporaryFile>
+#include <QToolTip>
+
+#include <functional>
+#include <unistd.h>
+
+using namespace oblino;
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+/// The contacts that are in the store on disk, as in "Ann:1 Bob:2".
+template<typename Contact = Clients>
+QString stored(const TemporaryHome &home)
+{
+    const auto container = makeContactContainer(home.privateFolder());
+    if (!container->loadPersistentStores().error.isEmpty())
+        return u"not to be opened"_s;
+    QStringList contacts;
+    for (const Contact &contact : fetch<Contact>(container->viewContext()))
+        contacts += contact.name + u':' + contact.phoneNo;
+    return contacts.join(u' ');
+}
+
+void fill(const TemporaryHome &home, const QList<Clients> &clients)
+{
+    const auto container = makeContactContainer(home.privateFolder());
+    QCOMPARE(container->loadPersistentStores().error, QString());
+    EntityModel &model = *container->viewContext()->objects(u"Clients"_s);
+    for (const Clients &client : clients) {
+        const int row = model.rowCount();
+        QVERIFY(model.insertRow(row) && model.setData(model.index(row, NameColumn), client.name) &&
+                model.setData(model.index(row, PhoneNoColumn), client.phoneNo));
+    }
+    QCOMPARE(container->viewContext()->save(), QString());
+}
+
+/// A management window, shown, driven by real events.
+template<typename Controller = ViewControllerClientMgmt>
+struct Window
+{
+    explicit Window(const TemporaryHome &home)
+        : controller(std::make_unique<Controller>(home.privateFolder()))
+        , table(*controller->template findChild<QTableView *>())
+    {
+        controller->show();
+        controller->activateWindow();
+        (void)QTest::qWaitForWindowActive(controller.get());
+    }
+
+    [[nodiscard]] QPushButton &button(const char *name) const
+    {
+        return *controller->template findChild<QPushButton *>(QLatin1String(name));
+    }
+    void click(const char *name) const { QTest::mouseClick(&button(name), Qt::LeftButton); }
+
+    [[nodiscard]] QPoint middleOf(int row, int column) const
+    {
+        return table.visualRect(table.model()->index(row, column)).center();
+    }
+    void clickCell(int row, int column, Qt::KeyboardModifiers keys = {}) const
+    {
+        QTest::mouseClick(table.viewport(), Qt::LeftButton, keys, middleOf(row, column));
+    }
+
+    /// The line edit in which something is being edited, or null.
+    [[nodiscard]] QLineEdit *field() const { return qobject_cast<QLineEdit *>(QApplication::focusWidget()); }
+
+    /// Types into what has the focus; a line feed stands for Return, a tab for Tab.
+    void type(const QString &text) const
+    {
+        for (const QChar character : text) {
+            QWidget *target = QApplication::focusWidget();
+            if (character == u'\n')
+                QTest::keyClick(target, Qt::Key_Return);
+            else if (character == u'\t')
+                QTest::keyClick(target, Qt::Key_Tab);
+            else
+                QTest::keyClick(target, character.toLatin1());
+            QCoreApplication::processEvents(); // the delegate ends editing with the next turn of the loop
+        }
+    }
+
+    /// The names in the table, from top to bottom, joined by blanks.
+    [[nodiscard]] QString shown() const
+    {
+        QStringList names;
+        for (int row = 0; row < table.model()->rowCount(); ++row)
+            names += table.model()->index(row, NameColumn).data().toString();
+        return names.join(u' ');
+    }
+
+    std::unique_ptr<Controller> controller;
+    QTableView &table;
+};
+
+/// What is traced while the function runs.
+template<typename Function>
+QByteArray tracesOf(const Function &function)
+{
+    QTemporaryFile output;
+    if (!output.open())
+        return "no temporary file";
+    Trace::setDescriptor(output.handle());
+    function();
+    Trace::setDescriptor(STDOUT_FILENO);
+    return TemporaryHome::content(output.fileName());
+}
+
+} // namespace
+
+class tst_contactwindows : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void takesContactsFromTheKeysToTheStore()
+    {
+        const TemporaryHome home;
+        const QByteArray traces = tracesOf([&home] {
+            const Window window(home);
+            QCOMPARE(window.controller->windowTitle(), u"Clients"_s);
+            QCOMPARE(window.controller->minimumSize(), QSize(518, 431));
+            window.click("addButton");
+            window.type(u"Ann\t12 3\t"_s); // the Tab in the last cell ends editing
+            QVERIFY(!window.field());
+            window.click("addButton");
+            window.type(u"Bob\t45\n"_s);
+            QCOMPARE(stored(home), QString());
+            window.type(u"\n"_s); // the default button
+            QVERIFY(!window.controller->isVisible());
+        });
+        QCOMPARE(stored(home), u"Ann:12 3 Bob:45"_s);
+        QCOMPARE(traces, "---Persistent Store---: " + home.privateFolder().toUtf8() +
+                             "/Model.sqlite SQLite\nName Change\nName Change\n");
+    }
+
+    void keepsTheTeamApart()
+    {
+        const TemporaryHome home;
+        fill(home, {{u"Ann"_s, u"1"_s}});
+        {
+            const Window<ViewControllerTeamMgmt> window(home);
+            QCOMPARE(window.controller->windowTitle(), u"Team Members"_s);
+            QVERIFY(window.controller->findChild<QTableView *>(u"teamTable"_s));
+            window.click("addButton");
+            window.type(u"Dana\t7\n"_s);
+            window.click("addButton");
+            window.click("okButton");
+        }
+        QCOMPARE(stored<TeamMembers>(home), u"Dana:7 :"_s);
+        QCOMPARE(stored(home), u"Ann:1"_s);
+    }
+
+    void editsInPlace_data()
+    {
+        using Act = std::function<void(Window<> &)>;
+        QTest::addColumn<Act>("act");
+        QTest::addColumn<QString>("expected");
+        const auto typed = [](int row, int column, const QString &keys) -> Act {
+            return [=](Window<> &window) {
+                window.clickCell(row, column);
+                window.type(keys);
+            };
+        };
+        QTest::newRow("typing replaces") << typed(0, 0, u"X\n"_s) << u"X:1 ann:2 Bob:3"_s;
+        QTest::newRow("Tab: phone number, next row's name")
+            << typed(0, 0, u"X\t8\tY\n"_s) << u"X:8 Y:2 Bob:3"_s;
+        QTest::newRow("an editor left open") << typed(2, 1, u"99"_s) << u"Cid:1 ann:2 Bob:99"_s;
+        QTest::newRow("F2 goes on with the text") << Act([](Window<> &window) {
+            window.clickCell(0, 0);
+            QTest::keyClick(&window.table, Qt::Key_F2);
+            QTest::keyClick(window.field(), Qt::Key_End);
+            window.type(u"X\n"_s);
+        }) << u"CidX:1 ann:2 Bob:3"_s;
+        QTest::newRow("a double click, and Escape cancels") << Act([](Window<> &window) {
+            window.clickCell(1, 0);
+            QTest::mouseDClick(window.table.viewport(), Qt::LeftButton, {}, window.middleOf(1, 0));
+            window.type(u"X"_s);
+            QTest::keyClick(window.field(), Qt::Key_Escape);
+            QVERIFY(!window.field() && window.controller->isVisible());
+        }) << u"Cid:1 ann:2 Bob:3"_s;
+        QTest::newRow("back before the first cell ends editing") << Act([](Window<> &window) {
+            window.clickCell(0, 0);
+            window.type(u"X"_s);
+            QTest::keyClick(window.field(), Qt::Key_Backtab);
+            QVERIFY(!window.field());
+        }) << u"X:1 ann:2 Bob:3"_s;
+        QTest::newRow("Remove takes all selected rows") << Act([](Window<> &window) {
+            QVERIFY(!window.button("removeButton").isEnabled());
+            QCOMPARE(window.button("removeButton").toolTip(), u"No clients are selected."_s);
+            window.clickCell(0, 0);
+            window.clickCell(2, 1, Qt::ControlModifier);
+            window.click("removeButton");
+            QCOMPARE(window.shown(), u"ann"_s);
+        }) << u"ann:2"_s;
+        QTest::newRow("Remove while a cell is edited") << Act([](Window<> &window) {
+            window.clickCell(1, 0);
+            window.type(u"X"_s);
+            QTest::keyClick(window.field(), Qt::Key_R, Qt::AltModifier);
+            QTRY_COMPARE(window.shown(), u"Cid Bob"_s);
+        }) << u"Cid:1 Bob:3"_s;
+        QTest::newRow("Add while a cell is edited") << Act([](Window<> &window) {
+            window.clickCell(1, 0);
+            window.type(u"X"_s);
+            QTest::keyClick(window.field(), Qt::Key_A, Qt::AltModifier);
+            QTRY_COMPARE(window.shown(), u"Cid X Bob "_s);
+            window.type(u"Y"_s);
+        }) << u"Cid:1 X:2 Bob:3 Y:"_s;
+        QTest::newRow("sorted for the eye only") << Act([](Window<> &window) {
+            const QHeaderView &header = *window.table.horizontalHeader();
+            const auto sort = [&header] {
+                QTest::mouseClick(header.viewport(), Qt::LeftButton, {}, QPoint(60, header.height() / 2));
+            };
+            sort();
+            QCOMPARE(window.shown(), u"ann Bob Cid"_s);
+            window.clickCell(0, 0);
+            window.type(u"Zoe\n"_s);
+            window.click("addButton");
+            window.type(u"B\n"_s);
+            QCOMPARE(window.shown(), u"Zoe Bob Cid B"_s);
+            window.clickCell(1, 0);
+            window.click("removeButton");
+            sort();
+            QCOMPARE(window.shown(), u"Zoe Cid B"_s);
+            sort();
+            QCOMPARE(window.shown(), u"Cid Zoe B"_s);
+        }) << u"Cid:1 Zoe:2 B:"_s;
+    }
+
+    // Each window goes away in another way.
+    void editsInPlace()
+    {
+        using Act = std::function<void(Window<> &)>;
+        QFETCH(Act, act);
+        const std::function<void(Window<> &)> endings[] = {
+            [](Window<> &window) { window.click("okButton"); },
+            [](Window<> &window) { window.controller->close(); },
+            [](Window<> &window) { window.controller->hide(); },
+            [](Window<> &window) { window.controller.reset(); },
+        };
+        for (const auto &end : endings) {
+            const TemporaryHome home;
+            fill(home, {{u"Cid"_s, u"1"_s}, {u"ann"_s, u"2"_s}, {u"Bob"_s, u"3"_s}});
+            Window window(home);
+            act(window);
+            QCOMPARE(stored(home), u"Cid:1 ann:2 Bob:3"_s);
+            end(window);
+            QTEST(stored(home), "expected");
+        }
+    }
+
+    void refusesWhatTheTaskListCannotHold_data()
+    {
+        QTest::addColumn<QString>("pasted");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("the end of a field") << u"a|b"_s << u"was"_s;
+        QTest::newRow("the end of a row") << u"^"_s << u"was"_s;
+        QTest::newRow("lines, tabs and NUL become blanks") << u"a\r\nb\tc\0d"_s << u"a b c d"_s;
+    }
+
+    void refusesWhatTheTaskListCannotHold()
+    {
+        QFETCH(QString, pasted);
+        const TemporaryHome home;
+        fill(home, {{u"was"_s, {}}});
+        const Window window(home);
+        window.clickCell(0, 0);
+        QTest::keyClick(&window.table, Qt::Key_F2);
+        window.type(u"|^"_s);
+        QVERIFY(QToolTip::text().contains(u"| and ^"_s));
+        QTest::keyClick(window.field(), Qt::Key_A, Qt::ControlModifier);
+        QGuiApplication::clipboard()->setText(pasted);
+        QTest::keyClick(window.field(), Qt::Key_V, Qt::ControlModifier);
+        window.type(u"\n"_s);
+        QTEST(window.shown(), "expected");
+    }
+
+    void leavesAsItIsWhatIsOnlyLookedAt_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("characters that cannot be typed") << u"a|b^\nc"_s;
+        QTest::newRow("longer than a line edit usually takes") << QString(1'000'000, u'x');
+    }
+
+    void leavesAsItIsWhatIsOnlyLookedAt()
+    {
+        QFETCH(QString, name);
+        const TemporaryHome home;
+        fill(home, {{name, u"1"_s}});
+        {
+            const Window window(home);
+            window.clickCell(0, 0);
+            QTest::keyClick(&window.table, Qt::Key_F2);
+            QVERIFY(window.field());
+            window.type(u"\t8\n"_s);
+        }
+        QCOMPARE(stored(home), name + u":8"_s);
+    }
+
+    void saysWhyItShowsNothing()
+    {
+        const TemporaryHome home;
+        QVERIFY(QDir().mkpath(home.privateFolder()));
+        const QString file = home.privateFolder() + u"/Model.sqlite"_s;
+        TemporaryHome::write(file, "Not at all");
+        const QByteArray traces = tracesOf([&home] {
+            const Window window(home);
+            const QString words = window.table.accessibleDescription();
+            QVERIFY2(words.contains(u"could not be opened"_s) && words.contains(u"not a database"_s),
+                     qPrintable(words));
+            QVERIFY(!window.button("addButton").isEnabled() && !window.button("removeButton").isEnabled());
+            QVERIFY(window.button("addButton").toolTip().contains(u"could not be opened"_s));
+            window.click("okButton");
+            QVERIFY(!window.controller->isVisible());
+        });
+        QVERIFY(traces.startsWith("Unable to Add Persistent Store " + file.toUtf8()));
+        QCOMPARE(TemporaryHome::content(file), "Not at all");
+    }
+
+    void closesThoughTheStoreCannotBeWritten()
+    {
+        const TemporaryHome home;
+        fill(home, {{u"Ann"_s, {}}});
+        const QByteArray traces = tracesOf([&home] {
+            const Window window(home);
+            QSqlDatabase other = QSqlDatabase::addDatabase(u"QSQLITE"_s, u"other"_s);
+            other.setDatabaseName(home.privateFolder() + u"/Model.sqlite"_s);
+            QVERIFY(other.open());
+            QVERIFY(QSqlQuery(other).exec(u"BEGIN EXCLUSIVE"_s));
+            window.clickCell(0, 0);
+            window.type(u"Bob\n"_s);
+            window.controller->close();
+            QVERIFY(!window.controller->isVisible());
+            other.close();
+            QCOMPARE(stored(home), u"Ann:"_s);
+        });
+        QSqlDatabase::removeDatabase(u"other"_s);
+        QVERIFY2(traces.contains("Unable to Save Contacts database is locked\n"), traces.constData());
+    }
+
+    void canBeUsedWithAScreenReader()
+    {
+        QAccessible::setActive(true);
+        const TemporaryHome home;
+        const Window window(home);
+        QVERIFY(window.table.accessibleDescription().startsWith(u"No clients yet"_s));
+        window.click("addButton");
+        QCOMPARE(window.field()->accessibleName(), u"Name"_s);
+        window.type(u"Ann\t"_s);
+        QCOMPARE(window.field()->accessibleName(), u"Phone Number"_s);
+        QVERIFY(window.table.accessibleDescription().isEmpty());
+        QAccessibleTableInterface *cells =
+            QAccessible::queryAccessibleInterface(&window.table)->tableInterface();
+        QCOMPARE(cells->cellAt(0, 0)->text(QAccessible::Name), u"Ann"_s);
+        window.click("removeButton");
+        QVERIFY(!cells->cellAt(-1, -1));
+        QAccessible::setActive(false);
+    }
+};
+
+OBLINO_TEST(tst_contactwindows, QApplication)
+
+#include "tst_contactwindows.moc"
