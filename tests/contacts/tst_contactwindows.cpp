@@ -1,8 +1,9 @@
 #include <contacts/windows/viewcontrollerclientmgmt.h>
 #include <contacts/windows/viewcontrollerteammgmt.h>
-#include <platform/trace.h>
+#include <support/table.h>
 #include <support/temporaryhome.h>
 #include <support/testmain.h>
+#include <support/traces.h>
 
 #include <QAccessible>
 #include <QApplication>
@@ -13,11 +14,9 @@
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QTableView>
-#include <QTemporaryFile>
 #include <QToolTip>
 
 #include <functional>
-#include <unistd.h>
 
 using namespace oblino;
 using namespace Qt::Literals::StringLiterals;
@@ -81,17 +80,18 @@ struct Window
     /// The line edit in which something is being edited, or null.
     [[nodiscard]] QLineEdit *field() const { return qobject_cast<QLineEdit *>(QApplication::focusWidget()); }
 
-    /// Types into what has the focus; a line feed stands for Return, a tab for Tab.
+    /// Types into what has the focus; \n stands for Return, \t for Tab, \v for Tab back, \x1b for Escape.
     void type(const QString &text) const
     {
+        static const QHash<QChar, Qt::Key> keys = {{u'\n', Qt::Key_Return},
+                                                   {u'\t', Qt::Key_Tab},
+                                                   {u'\v', Qt::Key_Backtab},
+                                                   {u'\x1b', Qt::Key_Escape}};
         for (const QChar character : text) {
-            QWidget *target = QApplication::focusWidget();
-            if (character == u'\n')
-                QTest::keyClick(target, Qt::Key_Return);
-            else if (character == u'\t')
-                QTest::keyClick(target, Qt::Key_Tab);
+            if (keys.contains(character))
+                QTest::keyClick(QApplication::focusWidget(), keys.value(character));
             else
-                QTest::keyClick(target, character.toLatin1());
+                QTest::keyClick(QApplication::focusWidget(), character.toLatin1());
             QCoreApplication::processEvents(); // the delegate ends editing with the next turn of the loop
         }
     }
@@ -109,18 +109,7 @@ struct Window
     QTableView &table;
 };
 
-/// What is traced while the function runs.
-template<typename Function>
-QByteArray tracesOf(const Function &function)
-{
-    QTemporaryFile output;
-    if (!output.open())
-        return "no temporary file";
-    Trace::setDescriptor(output.handle());
-    function();
-    Trace::setDescriptor(STDOUT_FILENO);
-    return TemporaryHome::content(output.fileName());
-}
+using Act = std::function<void(Window<> &)>;
 
 } // namespace
 
@@ -169,60 +158,46 @@ private Q_SLOTS:
 
     void editsInPlace_data()
     {
-        using Act = std::function<void(Window<> &)>;
-        QTest::addColumn<Act>("act");
-        QTest::addColumn<QString>("expected");
+        const Table<QString, Act> cells;
         const auto typed = [](int row, int column, const QString &keys) -> Act {
             return [=](Window<> &window) {
                 window.clickCell(row, column);
                 window.type(keys);
             };
         };
-        QTest::newRow("typing replaces") << typed(0, 0, u"X\n"_s) << u"X:1 ann:2 Bob:3"_s;
-        QTest::newRow("Tab: phone number, next row's name")
-            << typed(0, 0, u"X\t8\tY\n"_s) << u"X:8 Y:2 Bob:3"_s;
-        QTest::newRow("an editor left open") << typed(2, 1, u"99"_s) << u"Cid:1 ann:2 Bob:99"_s;
-        QTest::newRow("F2 goes on with the text") << Act([](Window<> &window) {
-            window.clickCell(0, 0);
-            QTest::keyClick(&window.table, Qt::Key_F2);
-            QTest::keyClick(window.field(), Qt::Key_End);
-            window.type(u"X\n"_s);
-        }) << u"CidX:1 ann:2 Bob:3"_s;
-        QTest::newRow("a double click, and Escape cancels") << Act([](Window<> &window) {
+        cells("typing replaces", u"X:1 ann:2 Bob:3"_s, typed(0, 0, u"X\n"_s));
+        cells("Tab: phone number, next row's name", u"X:8 Y:2 Bob:3"_s, typed(0, 0, u"X\t8\tY\n"_s));
+        cells("an editor left open", u"Cid:1 ann:2 Bob:99"_s, typed(2, 1, u"99"_s));
+        cells("back before the first cell ends editing", u"X:1 ann:2 Bob:3"_s, typed(0, 0, u"X\vY\x1b"_s));
+        cells("a double click, and Escape cancels", u"Cid:1 ann:2 Bob:3"_s, [](Window<> &window) {
             window.clickCell(1, 0);
             QTest::mouseDClick(window.table.viewport(), Qt::LeftButton, {}, window.middleOf(1, 0));
-            window.type(u"X"_s);
-            QTest::keyClick(window.field(), Qt::Key_Escape);
+            QVERIFY(window.field());
+            window.type(u"X\x1b"_s);
             QVERIFY(!window.field() && window.controller->isVisible());
-        }) << u"Cid:1 ann:2 Bob:3"_s;
-        QTest::newRow("back before the first cell ends editing") << Act([](Window<> &window) {
-            window.clickCell(0, 0);
-            window.type(u"X"_s);
-            QTest::keyClick(window.field(), Qt::Key_Backtab);
-            QVERIFY(!window.field());
-        }) << u"X:1 ann:2 Bob:3"_s;
-        QTest::newRow("Remove takes all selected rows") << Act([](Window<> &window) {
+        });
+        cells("Remove takes all selected rows", u"ann:2"_s, [](Window<> &window) {
             QVERIFY(!window.button("removeButton").isEnabled());
             QCOMPARE(window.button("removeButton").toolTip(), u"No clients are selected."_s);
             window.clickCell(0, 0);
             window.clickCell(2, 1, Qt::ControlModifier);
             window.click("removeButton");
             QCOMPARE(window.shown(), u"ann"_s);
-        }) << u"ann:2"_s;
-        QTest::newRow("Remove while a cell is edited") << Act([](Window<> &window) {
+        });
+        cells("Remove while a cell is edited", u"Cid:1 Bob:3"_s, [](Window<> &window) {
             window.clickCell(1, 0);
             window.type(u"X"_s);
             QTest::keyClick(window.field(), Qt::Key_R, Qt::AltModifier);
             QTRY_COMPARE(window.shown(), u"Cid Bob"_s);
-        }) << u"Cid:1 Bob:3"_s;
-        QTest::newRow("Add while a cell is edited") << Act([](Window<> &window) {
+        });
+        cells("Add while a cell is edited", u"Cid:1 X:2 Bob:3 Y:"_s, [](Window<> &window) {
             window.clickCell(1, 0);
             window.type(u"X"_s);
             QTest::keyClick(window.field(), Qt::Key_A, Qt::AltModifier);
             QTRY_COMPARE(window.shown(), u"Cid X Bob "_s);
             window.type(u"Y"_s);
-        }) << u"Cid:1 X:2 Bob:3 Y:"_s;
-        QTest::newRow("sorted for the eye only") << Act([](Window<> &window) {
+        });
+        cells("sorted for the eye only", u"Cid:1 Zoe:2 B:"_s, [](Window<> &window) {
             const QHeaderView &header = *window.table.horizontalHeader();
             const auto sort = [&header] {
                 QTest::mouseClick(header.viewport(), Qt::LeftButton, {}, QPoint(60, header.height() / 2));
@@ -240,15 +215,14 @@ private Q_SLOTS:
             QCOMPARE(window.shown(), u"Zoe Cid B"_s);
             sort();
             QCOMPARE(window.shown(), u"Cid Zoe B"_s);
-        }) << u"Cid:1 Zoe:2 B:"_s;
+        });
     }
 
     // Each window goes away in another way.
     void editsInPlace()
     {
-        using Act = std::function<void(Window<> &)>;
-        QFETCH(Act, act);
-        const std::function<void(Window<> &)> endings[] = {
+        const auto [expected, act] = Table<QString, Act>::cells();
+        const Act endings[] = {
             [](Window<> &window) { window.click("okButton"); },
             [](Window<> &window) { window.controller->close(); },
             [](Window<> &window) { window.controller->hide(); },
@@ -261,22 +235,21 @@ private Q_SLOTS:
             act(window);
             QCOMPARE(stored(home), u"Cid:1 ann:2 Bob:3"_s);
             end(window);
-            QTEST(stored(home), "expected");
+            QCOMPARE(stored(home), expected);
         }
     }
 
     void refusesWhatTheTaskListCannotHold_data()
     {
-        QTest::addColumn<QString>("pasted");
-        QTest::addColumn<QString>("expected");
-        QTest::newRow("the end of a field") << u"a|b"_s << u"was"_s;
-        QTest::newRow("the end of a row") << u"^"_s << u"was"_s;
-        QTest::newRow("lines, tabs and NUL become blanks") << u"a\r\nb\tc\0d"_s << u"a b c d"_s;
+        const Table<QString, QString> cells;
+        cells("the end of a field", u"a|b"_s, u"was"_s);
+        cells("the end of a row", u"^"_s, u"was"_s);
+        cells("lines, tabs and NUL become blanks", u"a\r\nb\tc\0d"_s, u"a b c d"_s);
     }
 
     void refusesWhatTheTaskListCannotHold()
     {
-        QFETCH(QString, pasted);
+        const auto [pasted, expected] = Table<QString, QString>::cells();
         const TemporaryHome home;
         fill(home, {{u"was"_s, {}}});
         const Window window(home);
@@ -288,7 +261,7 @@ private Q_SLOTS:
         QGuiApplication::clipboard()->setText(pasted);
         QTest::keyClick(window.field(), Qt::Key_V, Qt::ControlModifier);
         window.type(u"\n"_s);
-        QTEST(window.shown(), "expected");
+        QCOMPARE(window.shown(), expected);
     }
 
     void leavesAsItIsWhatIsOnlyLookedAt_data()

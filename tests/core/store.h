@@ -3,35 +3,16 @@
 #include <core/taskmanager.h>
 #include <platform/appearance.h>
 #include <platform/defaults.h>
-#include <platform/trace.h>
+#include <support/table.h>
 #include <support/temporaryhome.h>
 #include <support/testmain.h>
+#include <support/traces.h>
 
 #include <ctime>
-#include <unistd.h>
 
 namespace oblino {
 
 using namespace Qt::Literals::StringLiterals;
-
-/// A data table of a test function: made first in its data function, then called once for each row.
-template<typename... Cells>
-struct Table
-{
-    Table() { QTest::addColumn<std::tuple<Cells...>>("cells"); }
-
-    void operator()(const char *name, const Cells &...cells) const
-    {
-        QTest::newRow(name) << std::tuple<Cells...>(cells...);
-    }
-
-    /// The cells of the row that is being tested.
-    static std::tuple<Cells...> cells()
-    {
-        QFETCH(std::tuple<Cells...>, cells);
-        return cells;
-    }
-};
 
 /// A task store of a test's own, with its settings in a temporary home.
 struct Store
@@ -56,19 +37,6 @@ inline QString keysOf(const QList<task> &tasks)
     for (const task &t : tasks)
         keys += t.key;
     return keys;
-}
-
-/// What is traced while the function runs.
-template<typename Function>
-QByteArray tracesOf(const Function &function)
-{
-    QTemporaryFile output;
-    if (!output.open())
-        return "no temporary file";
-    Trace::setDescriptor(output.handle());
-    function();
-    Trace::setDescriptor(STDOUT_FILENO);
-    return TemporaryHome::content(output.fileName());
 }
 
 /// Takes the process into a time zone where the clock is put forward at midnight, so that 10 March 2024 has

@@ -1,6 +1,7 @@
 #include <platform/persistentcontainer.h>
 #include <platform/sqlcalls.h>
 #include <support/place.h>
+#include <support/table.h>
 #include <support/testmain.h>
 
 #include <QTest>
@@ -74,22 +75,17 @@ QStringList stored(const Store &store)
     return names;
 }
 
-/// Another connection to the store's file, as of another program.
-struct Intruder
+/// Runs a statement on a connection of another program, which stays open until the test function ends.
+void intrude(const Store &store, const QString &statement)
 {
-    explicit Intruder(const QString &file)
-    {
-        QSqlDatabase database = QSqlDatabase::addDatabase(u"QSQLITE"_s, u"intruder"_s);
-        database.setDatabaseName(file);
-        QVERIFY(database.open());
-    }
-    ~Intruder() { QSqlDatabase::removeDatabase(u"intruder"_s); }
-
-    static void run(const QString &statement)
-    {
-        QCOMPARE(SqlCall(QSqlDatabase::database(u"intruder"_s), statement).error(), QString());
-    }
-};
+    const QString name = u"intruder"_s;
+    QSqlDatabase database = QSqlDatabase::database(name);
+    if (!database.isValid())
+        database = QSqlDatabase::addDatabase(u"QSQLITE"_s, name);
+    database.setDatabaseName(store.file);
+    QVERIFY(database.isOpen() || database.open());
+    QCOMPARE(SqlCall(database, statement).error(), QString());
+}
 
 /// While it lives, a file of this process can grow up to that size.
 struct FileSizeLimit
@@ -119,6 +115,8 @@ struct Nobody
     }
 };
 
+using Act = std::function<void(const Store &)>;
+
 } // namespace
 
 class tst_persistentcontainer : public QObject
@@ -126,6 +124,8 @@ class tst_persistentcontainer : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    static void cleanup() { QSqlDatabase::removeDatabase(u"intruder"_s); }
+
     void makesAPrivateStore()
     {
         Store store;
@@ -210,35 +210,25 @@ private Q_SLOTS:
 
     void leavesAloneWhatItCannotUse_data()
     {
-        using Act = std::function<void(const Store &)>;
-        QTest::addColumn<Act>("damage");
-        QTest::addColumn<QString>("why");
+        const Table<QString, Act> cells;
         const auto sql = [](const QString &statement) -> Act {
-            return [statement](const Store &store) {
-                const Intruder intruder(store.file);
-                Intruder::run(statement);
-            };
+            return [statement](const Store &store) { intrude(store, statement); };
         };
-        QTest::newRow("not a database")
-            << Act([](const Store &store) { put(store.file, "Not at all"); }) << u"file is not a database"_s;
-        QTest::newRow("damaged inside") << Act([](const Store &store) {
-            QByteArray bytes = contentOf(store.file);
-            put(store.file, bytes.replace(4096, 4096, QByteArray(4096, '\xff')));
-        }) << u"damaged"_s;
-        QTest::newRow("cut short") << Act([](const Store &store) {
-            put(store.file, contentOf(store.file).first(6000));
-        }) << u"malformed"_s;
-        QTest::newRow("a newer version") << sql(u"PRAGMA user_version = 2"_s) << u"newer version"_s;
-        QTest::newRow("another program's") << sql(u"PRAGMA user_version = 0"_s) << u"something else"_s;
-        QTest::newRow("a table without the attribute")
-            << sql(u"ALTER TABLE People DROP COLUMN note"_s) << u"note"_s;
+        const auto change = [](const std::function<QByteArray(QByteArray)> &changed) -> Act {
+            return [changed](const Store &store) { put(store.file, changed(contentOf(store.file))); };
+        };
+        cells("not a database", u"not a database"_s, change([](const QByteArray &) { return "Not at all"; }));
+        cells("damaged inside", u"damaged"_s,
+              change([](QByteArray bytes) { return bytes.replace(4096, 4096, QByteArray(4096, '\xff')); }));
+        cells("cut short", u"malformed"_s, change([](const QByteArray &bytes) { return bytes.first(6000); }));
+        cells("a newer version", u"newer version"_s, sql(u"PRAGMA user_version = 2"_s));
+        cells("another program's", u"something else"_s, sql(u"PRAGMA user_version = 0"_s));
+        cells("a table without the attribute", u"note"_s, sql(u"ALTER TABLE People DROP COLUMN note"_s));
     }
 
     void leavesAloneWhatItCannotUse()
     {
-        using Act = std::function<void(const Store &)>;
-        QFETCH(Act, damage);
-        QFETCH(QString, why);
+        const auto [why, damage] = Table<QString, Act>::cells();
         Store store;
         fill(store, {u"a"_s});
         damage(store);
@@ -283,14 +273,13 @@ private Q_SLOTS:
     {
         Store store;
         fill(store, {u"a"_s});
-        const Intruder intruder(store.file);
-        Intruder::run(u"BEGIN EXCLUSIVE"_s);
+        intrude(store, u"BEGIN EXCLUSIVE"_s);
         QElapsedTimer time;
         time.start();
         const QString error = store.container.loadPersistentStores().error;
         QVERIFY2(error.contains(u"locked"_s), qPrintable(error));
         QVERIFY2(time.elapsed() < 4000, qPrintable(QString::number(time.elapsed())));
-        Intruder::run(u"ROLLBACK"_s);
+        intrude(store, u"ROLLBACK"_s);
         QCOMPARE(store.container.loadPersistentStores().error, QString());
         QCOMPARE(people(store.container).rowCount(), 1);
     }

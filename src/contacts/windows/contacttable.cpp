@@ -71,7 +71,7 @@ void ContactTable::paintEvent(QPaintEvent *event)
     if (!isEmpty())
         return;
     QPainter painter(viewport());
-    painter.setPen(palette().color(QPalette::PlaceholderText));
+    painter.setPen(palette().color(QPalette::Text));
     QTextOption option(Qt::AlignCenter);
     option.setWrapMode(QTextOption::WrapAtWordBoundaryOrAnywhere); // for the path of a file
     const QRect area =
