@@ -22,7 +22,7 @@ QString EntityModel::load(const QSqlDatabase &database)
             row.values += select.value(column + 1).toString();
         rows += row;
     }
-    if (const QString error = select.error(); !error.isEmpty())
+    if (QString error = select.error(); !error.isEmpty())
         return error;
     beginResetModel();
     m_rows = rows;

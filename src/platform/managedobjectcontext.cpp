@@ -14,7 +14,7 @@ ManagedObjectContext::ManagedObjectContext(QString connection, const QList<Entit
 QString ManagedObjectContext::load()
 {
     for (const auto &model : m_models) {
-        if (const QString error = model->load(database()); !error.isEmpty())
+        if (QString error = model->load(database()); !error.isEmpty())
             return error;
     }
     return {};

@@ -52,7 +52,7 @@ QString PersistentContainer::path() const
 
 QString PersistentContainer::open()
 {
-    if (const QString error = makeFile(); !error.isEmpty())
+    if (QString error = makeFile(); !error.isEmpty())
         return error;
     m_connection = m_name + QUuid::createUuid().toString();
     QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connection);
@@ -75,7 +75,7 @@ QString PersistentContainer::makeFile() const
 
 QString PersistentContainer::prepare()
 {
-    if (const QString error = check(); !error.isEmpty())
+    if (QString error = check(); !error.isEmpty())
         return error;
     const QSqlDatabase database = QSqlDatabase::database(m_connection, false);
     QString error = SqlCall(database, QStringLiteral("PRAGMA synchronous = FULL")).error();
@@ -91,7 +91,7 @@ QString PersistentContainer::check()
     const QSqlDatabase database = QSqlDatabase::database(m_connection, false);
     SqlCall soundness(database, QStringLiteral("PRAGMA quick_check(1)"));
     const QString finding = soundness.onlyValue().toString();
-    if (const QString error = soundness.error(); !error.isEmpty())
+    if (QString error = soundness.error(); !error.isEmpty())
         return error;
     if (finding != QLatin1String("ok"))
         return QStringLiteral("the file is damaged (%1)").arg(finding.simplified());
@@ -121,7 +121,7 @@ QString PersistentContainer::makeTables()
         last = QStringLiteral("COMMIT");
     }
     for (const QString &statement : statements << last) {
-        if (const QString error = SqlCall(database, statement).error(); !error.isEmpty()) {
+        if (QString error = SqlCall(database, statement).error(); !error.isEmpty()) {
             (void)SqlCall(database, QStringLiteral("ROLLBACK"));
             return error;
         }
