@@ -115,7 +115,8 @@ Window::Window(const QList<task> &tasks)
     if (!list.open(QIODevice::WriteOnly) || list.write(taskListText(tasks, false)) < 0)
         qFatal("the list could not be written");
     list.close();
-    m_controller = std::make_unique<ViewController>(m_store, m_documents, m_utilities, m_notifications);
+    m_controller =
+        std::make_unique<ViewController>(m_store, m_documents, m_utilities, m_notifications, m_folder.path());
     m_table = child<QTableView>("tblView");
     m_search = child<SearchField>("searchField");
     m_views = child<QComboBox>("viewSelection");

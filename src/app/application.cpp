@@ -1,5 +1,8 @@
 #include <app/application.h>
 
+#include <contacts/contactmodel.h>
+#include <contacts/windows/viewcontrollerclientmgmt.h>
+#include <contacts/windows/viewcontrollerteammgmt.h>
 #include <core/taskmanager.h>
 #include <platform/appearance.h>
 #include <platform/documents.h>
@@ -42,14 +45,32 @@ void Application::start()
         NotificationCenter::standard().post(QStringLiteral("AppleInterfaceThemeChangedNotification"));
     });
 
+    tskMgr().setSharingPicker(&m_sharingMenu);
     m_mainWindow = std::make_unique<ViewController>(tskMgr(), Documents::standard(), uiUtil(),
-                                                    NotificationCenter::standard());
+                                                    NotificationCenter::standard(), contactsFolder());
     connect(m_mainWindow.get(), &ViewController::terminationRequested, this, &Application::terminate);
+    connect(m_mainWindow.get(), &ViewController::clientsRequested, this,
+            [this] { openContacts<ViewControllerClientMgmt>(); });
+    connect(m_mainWindow.get(), &ViewController::teamMembersRequested, this,
+            [this] { openContacts<ViewControllerTeamMgmt>(); });
     connect(&m_instance, &SingleInstance::raiseRequested, m_mainWindow.get(), &ViewController::comeToFront);
     connect(&m_signals, &UnixSignals::endRequested, this, &Application::terminate);
     m_signals.listen();
     Trace::flushWhenIdle();
     m_mainWindow->show();
+}
+
+template<typename Window>
+void Application::openContacts()
+{
+    auto *window = m_mainWindow->findChild<Window *>();
+    if (!window) {
+        window = new Window(contactsFolder(), m_mainWindow.get());
+        window->setAttribute(Qt::WA_DeleteOnClose);
+    }
+    window->show();
+    window->raise();
+    window->activateWindow();
 }
 
 void Application::followAppearance()

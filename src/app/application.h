@@ -2,6 +2,7 @@
 
 #include <platform/portalappearance.h>
 #include <platform/unixsignals.h>
+#include <platform/widgets/sharingmenu.h>
 
 #include <QObject>
 
@@ -24,11 +25,14 @@ public:
     void start();
 
 private:
+    template<typename Window>
+    void openContacts();
     void followAppearance();
     void terminate();
 
     UnixSignals m_signals;
     PortalAppearance m_portal;
+    SharingMenu m_sharingMenu;
     std::unique_ptr<ViewController> m_mainWindow;
     SingleInstance &m_instance;
 };

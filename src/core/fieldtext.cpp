@@ -7,4 +7,9 @@ bool isFieldText(QStringView text)
     return !text.contains(QLatin1Char('|')) && !text.contains(QLatin1Char('^'));
 }
 
+QString whyNotFieldText()
+{
+    return QStringLiteral("The characters | and ^ cannot be used here.");
+}
+
 } // namespace oblino

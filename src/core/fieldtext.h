@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QString>
 #include <QStringView>
 
 namespace oblino {
@@ -7,5 +8,8 @@ namespace oblino {
 /// Whether a text may be typed into a field that ends up in the task list file, where "|" ends a field and
 /// "^" a row.
 [[nodiscard]] bool isFieldText(QStringView text);
+
+/// Why other texts are refused, as a sentence for the user.
+[[nodiscard]] QString whyNotFieldText();
 
 } // namespace oblino

@@ -13,6 +13,7 @@ namespace oblino {
 class Appearance;
 class ColorWell;
 class Defaults;
+class SharingPicker;
 class TextView;
 
 /// The task store: the task list, the list that the main window shows, the full list while a search is
@@ -141,6 +142,11 @@ public:
     /// stays.
     /// @return whether it moved
     bool swapSelected(bool upper);
+    /// Composes the share text of the selected task and, once the current event is handled, offers it beside
+    /// the control that was pressed. @return whether a task was selected
+    bool shareSelected(QObject *sender);
+    /// Sets where texts are shared through; it must outlive the store.
+    void setSharingPicker(SharingPicker *picker) { m_sharingPicker = picker; }
     /// Sets the selected task to status 1, "Closed". @return whether a task was selected
     bool closeSelected(QObject *sender);
     /// Adds a copy of the selected task with a new key. @return whether a task was selected
@@ -174,6 +180,7 @@ private:
     QString m_searchTerm;
     Defaults &defaults;
     Appearance &m_appearance;
+    SharingPicker *m_sharingPicker = nullptr;
 };
 
 /// The task store of the application, made on first use.

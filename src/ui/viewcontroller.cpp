@@ -20,7 +20,7 @@
 namespace oblino {
 
 ViewController::ViewController(TaskManager &store, Documents &documents, UIUtil &utilities,
-                               NotificationCenter &notifications, QWidget *parent)
+                               NotificationCenter &notifications, const QString &dataFolder, QWidget *parent)
     : QMainWindow(parent)
     , m_ui(std::make_unique<Ui::ViewController>())
     , m_store(store)
@@ -28,6 +28,7 @@ ViewController::ViewController(TaskManager &store, Documents &documents, UIUtil 
     , m_notifications(notifications)
     , m_file(store, documents)
     , m_model(*this)
+    , m_dataFolder(dataFolder)
 {
     m_ui->setupUi(this);
     bindOutlets();

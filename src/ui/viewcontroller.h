@@ -8,6 +8,7 @@
 
 #include <QHash>
 #include <QMainWindow>
+#include <QPointer>
 
 #include <memory>
 
@@ -27,6 +28,8 @@ class ViewController;
 class EmptyState;
 class NotificationCenter;
 class SearchField;
+class ViewControllerAdd;
+struct TaskWindowContext;
 class TaskManager;
 class UIUtil;
 
@@ -37,8 +40,9 @@ class ViewController : public QMainWindow, private TaskTableSource
     Q_OBJECT
 
 public:
+    /// @param dataFolder  where the contact store lies, which the forms of tasks open
     ViewController(TaskManager &store, Documents &documents, UIUtil &utilities,
-                   NotificationCenter &notifications, QWidget *parent = nullptr);
+                   NotificationCenter &notifications, const QString &dataFolder, QWidget *parent = nullptr);
     ~ViewController() override;
 
     // Commands
@@ -51,6 +55,9 @@ public:
     void btnDeleteTask_Click(QObject *sender);
     void cloneTask(QObject *sender);
     void closeTask(QObject *sender);
+    void sharingTask(QObject *sender);
+    void newTask();
+    void editTask();
     void doubleClickTable();
     void doubleClickOnResultRow();
 
@@ -72,6 +79,8 @@ public:
 Q_SIGNALS:
     /// The window was closed, which ends the application.
     void terminationRequested();
+    void clientsRequested();
+    void teamMembersRequested();
 
 protected:
     void showEvent(QShowEvent *event) override;
@@ -123,6 +132,7 @@ private:
     [[nodiscard]] QString keyOfShownSelection() const;
     [[nodiscard]] int rowOfKey(const QString &key) const;
     [[nodiscard]] int viewIndex() const;
+    [[nodiscard]] TaskWindowContext formContext();
 
     std::unique_ptr<Ui::ViewController> m_ui;
     TaskManager &m_store;
@@ -131,6 +141,8 @@ private:
     TaskListFile m_file;
     TaskTableModel m_model;
     QList<SortDescriptor> m_sortPrototypes;
+    QString m_dataFolder;
+    QPointer<ViewControllerAdd> m_addForm;
     QHash<QAction *, QString> m_toolTips; // of commands while they are enabled
     QString m_selectedKey;                // of the task that the user selected last
     QActionGroup *m_views = nullptr;

@@ -3,6 +3,8 @@
 
 #include <ui/icons.h>
 #include <ui/uiutil.h>
+#include <ui/viewcontrolleradd.h>
+#include <ui/viewcontrolleredit.h>
 #include <ui_viewcontroller.h>
 
 #include <core/taskmanager.h>
@@ -37,8 +39,8 @@ void ViewController::disableSelectionButtons()
 
 void ViewController::setSelectionCommandsEnabled(bool enabled)
 {
-    for (QAction *action :
-         {m_ui->deleteAction, m_ui->hideAction, m_ui->cloneAction, m_ui->closeAction, m_ui->copyKeyAction}) {
+    for (QAction *action : {m_ui->editAction, m_ui->shareAction, m_ui->deleteAction, m_ui->hideAction,
+                            m_ui->cloneAction, m_ui->closeAction, m_ui->copyKeyAction}) {
         action->setEnabled(enabled);
         if (action != m_ui->hideAction) // its tool tip says which way it works
             action->setToolTip(enabled ? m_toolTips.value(action) : selectFirst);
@@ -147,6 +149,36 @@ void ViewController::closeTask(QObject *sender)
     changeList();
 }
 
+void ViewController::sharingTask(QObject *sender)
+{
+    m_store.shareSelected(sender);
+}
+
+TaskWindowContext ViewController::formContext()
+{
+    return {m_store, m_utilities, m_notifications, m_dataFolder};
+}
+
+void ViewController::newTask()
+{
+    if (!m_addForm) {
+        m_addForm = new ViewControllerAdd(formContext(), this);
+        m_addForm->setAttribute(Qt::WA_DeleteOnClose);
+    }
+    m_addForm->show();
+    m_addForm->raise();
+    m_addForm->activateWindow();
+}
+
+void ViewController::editTask()
+{
+    if (!selectionIsCurrent())
+        return;
+    auto *form = new ViewControllerEdit(formContext(), this);
+    form->setAttribute(Qt::WA_DeleteOnClose);
+    form->open();
+}
+
 void ViewController::doubleClickTable()
 {
     trace("Double Click");
@@ -155,7 +187,10 @@ void ViewController::doubleClickTable()
 
 void ViewController::doubleClickOnResultRow()
 {
-    trace("doubleClickOnResultRow ", tblView->currentIndex().row());
+    const int row = tblView->currentIndex().row();
+    if (row >= 0)
+        editTask();
+    trace("doubleClickOnResultRow ", row);
 }
 
 void ViewController::copyKey()

@@ -17,6 +17,7 @@
 #include <QLabel>
 #include <QLocale>
 #include <QScreen>
+#include <QShortcut>
 #include <QToolButton>
 
 #include <algorithm>
@@ -112,6 +113,11 @@ void ViewController::connectCommands()
         searchField->selectAll();
     });
     command(m_ui->clearSearchAction, [this] { searchField->clear(); });
+    command(m_ui->clientsAction, &ViewController::clientsRequested);
+    command(m_ui->teamMembersAction, &ViewController::teamMembersRequested);
+    command(m_ui->newTaskAction, [this] { newTask(); });
+    command(m_ui->editAction, [this] { editTask(); });
+    command(m_ui->shareAction, [this] { sharingTask(shareButton); });
     command(m_ui->aboutAction, [this] { about(); });
     command(m_ui->quitAction, [this] { close(); });
 
@@ -123,6 +129,11 @@ void ViewController::connectCommands()
             tblView->selectRow(0);
     });
     connect(tblView, &QTableView::doubleClicked, this, &ViewController::doubleClickTable);
+    for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
+        auto *shortcut = new QShortcut(key, tblView);
+        shortcut->setContext(Qt::WidgetShortcut);
+        connect(shortcut, &QShortcut::activated, this, &ViewController::editTask);
+    }
 }
 
 void ViewController::fillViews()

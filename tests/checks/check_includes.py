@@ -15,7 +15,7 @@ BELOW = {
     "contacts": MODEL,
     "cloud": MODEL,
     "messaging": MODEL,
-    "ui": MODEL,
+    "ui": MODEL | {"contacts"},
     "tools": MODEL,
     "app": MODEL | {"contacts", "cloud", "messaging", "ui", "tools"},
     "support": MODEL,

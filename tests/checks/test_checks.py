@@ -33,7 +33,7 @@ class Includes(Project):
             ("src/platform/a.cpp", "#include <core/task.h>"),
             ("src/platform/a.h", '  #  include "../core/task.h"'),
             ("src/core/a.cpp", "#include <ui/a.h>"),
-            ("src/ui/a.cpp", "#include <contacts/a.h>"),
+            ("src/contacts/a.cpp", "#include <ui/a.h>"),
             ("src/cloud/a.cpp", "#include <messaging/a.h>"),
             ("src/tools/a.cpp", "#include <app/a.h>"),
             ("src/app/a.cpp", "#include <support/a.h>"),

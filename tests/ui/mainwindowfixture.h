@@ -50,7 +50,8 @@ public:
             listAtStart += row.bytes();
         if (!rows.isEmpty())
             TemporaryHome::write(home.listPath(), listAtStart);
-        window = std::make_unique<ViewController>(store, documents, utilities, notifications);
+        window = std::make_unique<ViewController>(store, documents, utilities, notifications,
+                                                  home.privateFolder());
         window->show();
         window->activateWindow();
         (void)QTest::qWaitForWindowActive(window.get());

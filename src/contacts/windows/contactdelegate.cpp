@@ -31,7 +31,7 @@ QWidget *ContactDelegate::createEditor(QWidget *parent, const QStyleOptionViewIt
     field->setObjectName(name ? QStringLiteral("nameField") : QStringLiteral("phoneField"));
     field->setAccessibleName(name ? tr("Name") : tr("Phone Number"));
     field->setMaxLength(std::numeric_limits<int>::max());
-    new RefusingValidator(isFieldText, tr("The characters | and ^ cannot be used here."), field);
+    new RefusingValidator(isFieldText, whyNotFieldText(), field);
     return field;
 }
 

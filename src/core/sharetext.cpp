@@ -1,0 +1,24 @@
+#include <core/sharetext.h>
+
+#include <core/days.h>
+
+namespace oblino {
+
+QString shareText(const task &t, const QString &title, const QString &footer, const QString &messageKey,
+                  const QLocale &locale)
+{
+    const auto day = [&locale](const QDateTime &moment) {
+        return locale.toString(moment.date(), QLocale::ShortFormat);
+    };
+    return title + QStringLiteral("\n\nSchedule: ") + t.name + QStringLiteral("\nStart Date: ") +
+           day(t.date) + QStringLiteral("\nStart Time: ") + twoDigitTime(t.startHour, t.startMin) +
+           QStringLiteral("\nEnd Time: ") + twoDigitTime(t.endHour, t.endMin) +
+           QStringLiteral("\nDue Date: ") + day(t.due) + QStringLiteral("\nDescription: ") + t.desc +
+           QStringLiteral("\n\nClient: ") + t.client + QStringLiteral("\nTeam Member: ") + t.teamMember +
+           QStringLiteral("\n\nTask Key: ") + t.key + QStringLiteral("\nMessage Key: ") + messageKey +
+           QStringLiteral("\n\n") + footer +
+           QStringLiteral(
+               "\n\nSent with Oblino. Download from the App Store for Mac:\n\n" OBLINO_STORE_ADDRESS);
+}
+
+} // namespace oblino

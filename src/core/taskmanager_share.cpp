@@ -1,0 +1,26 @@
+#include <core/taskmanager.h>
+
+#include <core/sharetext.h>
+#include <core/taskkey.h>
+#include <platform/dispatch.h>
+#include <platform/sharingpicker.h>
+
+#include <QLocale>
+#include <QPointer>
+
+namespace oblino {
+
+bool TaskManager::shareSelected(QObject *sender)
+{
+    if (!hasSelection() || !m_sharingPicker)
+        return false;
+    const QString text =
+        shareText(getSelectedTask(), getMessageTitle(), getMessageFooter(), newUuidText(), QLocale());
+    Dispatch::main(this, [this, text, control = QPointer<QObject>(sender)] {
+        if (control)
+            m_sharingPicker->show(text, control);
+    });
+    return true;
+}
+
+} // namespace oblino

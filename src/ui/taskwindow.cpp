@@ -1,0 +1,112 @@
+#include <ui/taskwindow.h>
+
+#include <ui/colorbutton.h>
+#include <ui/descriptionview.h>
+#include <ui/taskform.h>
+
+#include <contacts/contactmodel.h>
+#include <core/taskmanager.h>
+#include <platform/persistentcontainer.h>
+#include <platform/trace.h>
+
+#include <QDialogButtonBox>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QShowEvent>
+#include <QVBoxLayout>
+
+namespace oblino {
+
+TaskWindow::TaskWindow(const TaskWindowContext &context, const QString &mainTitle, QWidget *parent)
+    : QDialog(parent)
+    , m_store(context.store)
+    , m_utilities(context.utilities)
+    , m_notifications(context.notifications)
+    , m_form(new TaskForm(context.utilities, this))
+    , m_layout(new QVBoxLayout(this))
+    , m_buttons(new QDialogButtonBox(this))
+    , m_mainButton(m_buttons->addButton(mainTitle, QDialogButtonBox::AcceptRole))
+    , m_dataFolder(context.dataFolder)
+{
+    m_layout->setContentsMargins(16, 16, 16, 16);
+    m_layout->setSpacing(16);
+    m_layout->addWidget(m_form, 1);
+    m_layout->addWidget(m_buttons);
+    m_mainButton->setDefault(true);
+    m_form->txtTaskName->setFocus();
+    connect(m_form->color, &ColorButton::panelColorChanged, this, [] { trace("Change color"); });
+    loadView();
+}
+
+TaskWindow::~TaskWindow() = default;
+
+void TaskWindow::loadView()
+{
+    persistentContainer = makeContactContainer(m_dataFolder);
+    const StoreLoading loading = persistentContainer->loadPersistentStores();
+    if (loading.error.isEmpty()) {
+        trace("---Persistent Store---:", loading.location, loading.type);
+    } else {
+        trace("Unable to Add Persistent Store");
+        trace(loading.error);
+    }
+    managedObjectContext = persistentContainer->viewContext();
+    trace("Mngd Context:", managedObjectContext ? "Model" : "none");
+    m_form->setContacts(fetchNames<Clients>(managedObjectContext),
+                        fetchNames<TeamMembers>(managedObjectContext));
+}
+
+bool TaskWindow::becomeFirstResponder()
+{
+    m_form->txtTaskDescription->setFocus();
+    trace(m_form->txtTaskDescription->hasFocus());
+    return true;
+}
+
+void TaskWindow::viewDidAppear()
+{
+    resize(sizeHint().expandedTo({565, 613}));
+    update();
+}
+
+void TaskWindow::viewDidDisappear()
+{
+    m_form->color->deactivate();
+}
+
+void TaskWindow::acceptPickedColor()
+{
+    const Color picked = m_form->color->color();
+    trace("Select color well", picked.red(), picked.green(), picked.blue(), picked.alpha());
+    m_form->color->deactivate();
+    if (picked == m_form->txtTaskDescription->textColor()) {
+        m_form->color->setColor(colorWell);
+        return;
+    }
+    colorWell = picked;
+    m_form->txtTaskDescription->setTextColor(m_store.inDarkMode() ? Color(1, 1, 1, 1) : Color(0, 0, 0, 1));
+}
+
+void TaskWindow::showEvent(QShowEvent *event)
+{
+    if (!event->spontaneous())
+        viewWillAppear();
+    QDialog::showEvent(event);
+    if (!event->spontaneous())
+        viewDidAppear();
+}
+
+void TaskWindow::hideEvent(QHideEvent *event)
+{
+    QDialog::hideEvent(event);
+    if (!event->spontaneous())
+        viewDidDisappear();
+}
+
+void TaskWindow::focusInEvent(QFocusEvent *event)
+{
+    QDialog::focusInEvent(event);
+    becomeFirstResponder();
+}
+
+} // namespace oblino

@@ -1,0 +1,127 @@
+#include <ui/viewcontrolleradd.h>
+
+#include <ui/colorbutton.h>
+#include <ui/descriptionview.h>
+#include <ui/taskform.h>
+#include <ui/uiutil.h>
+
+#include <core/taskmanager.h>
+#include <platform/clock.h>
+#include <platform/notificationcenter.h>
+#include <platform/trace.h>
+
+#include <QComboBox>
+#include <QDateEdit>
+#include <QDialogButtonBox>
+#include <QLineEdit>
+#include <QPushButton>
+
+namespace oblino {
+
+ViewControllerAdd::ViewControllerAdd(const TaskWindowContext &context, QWidget *parent)
+    : TaskWindow(context, tr("&Add"), parent)
+{
+    setWindowTitle(tr("New Task"));
+    m_mainButton->setObjectName(QStringLiteral("addButton"));
+    QPushButton *reset = m_buttons->addButton(tr("&Reset"), QDialogButtonBox::ResetRole);
+    reset->setObjectName(QStringLiteral("resetButton"));
+    reset->setAutoDefault(false);
+    connect(m_mainButton, &QPushButton::clicked, this, &ViewControllerAdd::btnAddTask_Click);
+    connect(reset, &QPushButton::clicked, this, &ViewControllerAdd::ResetToOriginal);
+    connect(m_form->dtTaskDate, &QDateEdit::dateTimeChanged, this, &ViewControllerAdd::SelectDate);
+    connect(m_form->dtTaskDueDate, &QDateEdit::dateTimeChanged, this, &ViewControllerAdd::SelectDueDate);
+    connect(m_form->color, &ColorButton::picked, this, &ViewControllerAdd::selectColorWell);
+    previousDate = previousDueDate = now();
+    viewDidLoad();
+}
+
+void ViewControllerAdd::viewDidLoad()
+{
+    chooseNow();
+    m_form->inTaskStatus->setCurrentIndex(0);
+    m_form->inTaskPriority->setCurrentIndex(0);
+    m_form->setDescription({});
+    m_notifications.observe(QStringLiteral("AppleInterfaceThemeChangedNotification"), this,
+                            [this] { interfaceModeChanged(); });
+    setMinimumSize(100, 150);
+    m_store.changeColor(*m_form->color, *m_form->txtTaskDescription);
+    m_form->setTimes(m_store.defaultStartHour(), m_store.defaultStartMin(), m_store.defaultEndHour(),
+                     m_store.defaultEndMin());
+}
+
+void ViewControllerAdd::viewWillAppear()
+{
+    setMinimumSize(565, 452);
+    colorWell = m_store.inDarkMode() ? Color(0, 0, 0, 1) : Color(1, 1, 1, 1);
+    const auto traceTime = [this](const QTimeEdit &picker) {
+        trace(m_utilities.getHourFromDatePicker(picker), ":", m_utilities.getMinuteFromDatePicker(picker));
+    };
+    traceTime(*m_form->startTime);
+    traceTime(*m_form->endTime);
+}
+
+void ViewControllerAdd::chooseNow()
+{
+    const QDateTime moment = now();
+    m_form->setDueDate(moment);
+    m_form->setDate(moment);
+}
+
+void ViewControllerAdd::SelectDate()
+{
+    if (m_utilities.compareDate<int>(m_form->date(), m_form->dueDate()) == -1) {
+        m_utilities.dialogOK(QStringLiteral("Select a Start Date prior to Due Date"));
+        m_form->setDate(previousDate);
+    }
+    previousDate = m_form->date();
+}
+
+void ViewControllerAdd::SelectDueDate()
+{
+    trace("Start Date:", m_form->date());
+    trace("Due Date:", m_form->dueDate());
+    if (m_utilities.compareDate<int>(m_form->dueDate(), m_form->date()) == 1) {
+        m_utilities.dialogOK(QStringLiteral("Select a Due Date after Start Date"));
+        m_form->setDueDate(previousDueDate);
+    }
+    previousDueDate = m_form->dueDate();
+}
+
+void ViewControllerAdd::selectColorWell()
+{
+    acceptPickedColor();
+}
+
+void ViewControllerAdd::interfaceModeChanged()
+{
+    trace("Dark mode change");
+    m_store.changeColor(*m_form->color, *m_form->txtTaskDescription);
+    colorWell = m_form->color->color();
+}
+
+void ViewControllerAdd::ResetToOriginal()
+{
+    trace("Reset");
+    chooseNow();
+    m_form->setName({});
+    m_form->inTaskStatus->setCurrentIndex(0);
+    m_form->inTaskPriority->setCurrentIndex(0);
+    m_form->setDescription({});
+    m_store.changeColor(*m_form->color, *m_form->txtTaskDescription);
+}
+
+void ViewControllerAdd::btnAddTask_Click()
+{
+    trace("Button Pressed");
+    const task t = m_form->entered();
+    m_store.addTask({}, t.date, t.name, t.desc, t.color, t.due, t.status, t.priority, t.statusName,
+                    t.priorityName, false, t.startHour, t.startMin, t.endHour, t.endMin, t.client,
+                    t.teamMember);
+    m_form->setName({});
+    m_form->setDescription({});
+    m_form->color->deactivate();
+    m_notifications.post(QStringLiteral("reload"));
+    close();
+}
+
+} // namespace oblino

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <ui/taskwindow.h>
+
+namespace oblino {
+
+/// The form in which a new task is entered. Its dates are compared by calendar day.
+class ViewControllerAdd : public TaskWindow
+{
+    Q_OBJECT
+
+public:
+    explicit ViewControllerAdd(const TaskWindowContext &context, QWidget *parent = nullptr);
+
+    void btnAddTask_Click();
+    void ResetToOriginal();
+    void interfaceModeChanged();
+
+protected:
+    void viewWillAppear() override;
+
+private:
+    void viewDidLoad();
+    void SelectDate();
+    void SelectDueDate();
+    void selectColorWell();
+    void chooseNow();
+};
+
+} // namespace oblino
