@@ -91,6 +91,17 @@ private Q_SLOTS:
         QCOMPARE(main.shown(), QStringLiteral("apple banana cherry"));
     }
 
+    void emptiesTheSearchFieldByTheButtonInIt()
+    {
+        MainWindow main(fourTasks);
+        QToolButton *emptying = main.searchField().findChildren<QToolButton *>().last();
+        QVERIFY(!emptying->isVisible());
+        QTest::keyClicks(&main.searchField(), QStringLiteral("ACME"));
+        QTest::mouseClick(emptying, Qt::LeftButton);
+        QCOMPARE(main.shown(), QStringLiteral("apple banana cherry"));
+        QVERIFY(!emptying->isVisible());
+    }
+
     void enablesCommandsOnlyForATaskThatIsSelectedAndShown()
     {
         MainWindow main(fourTasks);
