@@ -163,6 +163,7 @@ void ViewController::interfaceModeChanged()
 
 bool ViewController::saveToFile()
 {
+    tblView->viewport()->repaint(); // the change is seen before the disk has taken its time
     const bool saved = m_file.saveToFile();
     showNotices();
     return saved;
