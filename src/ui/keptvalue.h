@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <utility>
 
 namespace oblino {
@@ -25,7 +26,7 @@ public:
 
 private:
     Value m_value = {};
-    Shown m_shown = {};
+    std::optional<Shown> m_shown; // none before a value was set
 };
 
 } // namespace oblino

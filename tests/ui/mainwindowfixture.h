@@ -86,6 +86,13 @@ public:
         return table().model()->index(row, column).data().toString();
     }
 
+    /// Has the list read anew, as a change of the appearance and back does.
+    void interfaceChange()
+    {
+        appearance.setInterfaceStyle(QStringLiteral("Dark"));
+        appearance.setInterfaceStyle(std::nullopt);
+    }
+
     /// The names in the table, from top to bottom, joined by blanks.
     [[nodiscard]] QString shown() const
     {
