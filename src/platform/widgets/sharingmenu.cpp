@@ -14,7 +14,7 @@ namespace oblino {
 namespace {
 
 // The system passes an address of at most 128 KiB to another program.
-constexpr qsizetype longestDraft = 120 * 1024;
+constexpr qsizetype longestDraft = 122'880; // bytes
 
 } // namespace
 
