@@ -38,11 +38,13 @@ StoreLoading PersistentContainer::loadPersistentStores()
         m_context = std::make_unique<ManagedObjectContext>(m_connection, m_entities);
         error = m_context->load();
     }
+    StoreLoading loading = {
+        .error = {}, .reason = error, .location = path(), .type = QStringLiteral("SQLite")};
     if (!error.isEmpty()) {
         close();
-        error = path() + QLatin1String(": ") + error;
+        loading.error = path() + QLatin1String(": ") + error;
     }
-    return {.error = error, .location = path(), .type = QStringLiteral("SQLite")};
+    return loading;
 }
 
 QString PersistentContainer::path() const

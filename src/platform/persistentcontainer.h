@@ -14,6 +14,7 @@ namespace oblino {
 struct StoreLoading
 {
     QString error;    ///< which file could not be opened, and why; empty when it was
+    QString reason;   ///< why alone
     QString location; ///< the file's path
     QString type;     ///< the kind of store
 };

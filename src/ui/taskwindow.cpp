@@ -48,7 +48,7 @@ void TaskWindow::loadView()
         trace("---Persistent Store---:", loading.location, loading.type);
     } else {
         trace("Unable to Add Persistent Store");
-        trace(loading.error);
+        trace(QStringLiteral("%1, %2").arg(loading.error, loading.reason));
     }
     managedObjectContext = persistentContainer->viewContext();
     trace("Mngd Context:", managedObjectContext ? "Model" : "none");

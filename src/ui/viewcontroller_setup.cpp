@@ -16,6 +16,7 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QLocale>
+#include <QMouseEvent>
 #include <QScreen>
 #include <QShortcut>
 #include <QToolButton>
@@ -63,6 +64,27 @@ QList<int> firstWidths(QFont font)
             wide(QStringLiteral("0C5E2A1F-7B3D-4E6A-9F12-3A4B5C6D7E8F"))};
 }
 
+// Has a button act when the mouse goes down on it, not when it comes up.
+class ActsOnMouseDown : public QObject
+{
+public:
+    explicit ActsOnMouseDown(QToolButton *button)
+        : QObject(button)
+    {
+        button->installEventFilter(this);
+    }
+
+    bool eventFilter(QObject *button, QEvent *event) override
+    {
+        const bool down =
+            event->type() == QEvent::MouseButtonPress || event->type() == QEvent::MouseButtonDblClick;
+        if (!down || static_cast<QMouseEvent *>(event)->button() != Qt::LeftButton)
+            return false;
+        static_cast<QToolButton *>(button)->click();
+        return true;
+    }
+};
+
 } // namespace
 
 void ViewController::bindOutlets()
@@ -78,6 +100,7 @@ void ViewController::bindOutlets()
     downerButton = button(m_ui->moveDownAction, "downerButton");
     editButton = button(m_ui->editAction, "editButton");
     shareButton = button(m_ui->shareAction, "shareButton");
+    new ActsOnMouseDown(shareButton);
     cloneButton = button(m_ui->cloneAction, "cloneButton");
     closeButton = button(m_ui->closeAction, "closeButton");
     tblView = m_ui->tblView;

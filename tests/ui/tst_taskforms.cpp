@@ -246,9 +246,29 @@ private Q_SLOTS:
         press(form, "shareTaskButton");
         QTRY_COMPARE(picker.texts.size(), 2);
         QVERIFY(picker.texts.first().startsWith(QStringLiteral("\n\nSchedule: plum\nStart Date: ")));
-        QVERIFY(picker.texts.first() != picker.texts.last());
+        const auto messageKey = [](const QString &text) {
+            const QString label = QStringLiteral("Message Key: ");
+            return text.mid(text.indexOf(label) + label.size(), 36);
+        };
+        const QString key = messageKey(picker.texts.first());
+        QVERIFY(QUuid::fromString(key).version() == QUuid::Random && key == key.toUpper());
+        QVERIFY(key != messageKey(picker.texts.last()));
+        QCOMPARE(picker.texts.last().replace(messageKey(picker.texts.last()), key), picker.texts.first());
         QTest::keyClick(&form, Qt::Key_Escape);
         QCOMPARE(main.saved(), QStringLiteral("plum"));
+    }
+
+    void sharesFromTheListWhenTheMouseGoesDown()
+    {
+        MainWindow main(oneTask);
+        RecordingPicker picker;
+        main.store.setSharingPicker(&picker);
+        main.clickRow(QStringLiteral("apple"));
+        QTest::mousePress(&main.button("shareButton"), Qt::LeftButton);
+        QTRY_COMPARE(picker.texts.size(), 1);
+        QTest::mouseRelease(&main.button("shareButton"), Qt::LeftButton);
+        QTest::keyClick(&main.button("shareButton"), Qt::Key_Space);
+        QTRY_COMPARE(picker.texts.size(), 2);
     }
 
     void putsAWholeTextIntoTheDraft()

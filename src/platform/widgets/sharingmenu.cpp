@@ -7,6 +7,7 @@
 #include <QMenu>
 #include <QMessageBox>
 #include <QSaveFile>
+#include <QScreen>
 #include <QWidget>
 
 namespace oblino {
@@ -15,6 +16,14 @@ namespace {
 
 // The system passes an address of at most 128 KiB to another program.
 constexpr qsizetype longestDraft = 122'880; // bytes
+
+// Left of the widget, and below it where the screen ends.
+QPoint placeBeside(const QWidget &widget, const QSize &menu)
+{
+    const QPoint left = widget.mapToGlobal(QPoint(-menu.width(), 0));
+    const bool fits = left.x() >= widget.screen()->availableGeometry().left();
+    return fits ? left : widget.mapToGlobal(widget.rect().bottomLeft());
+}
 
 } // namespace
 
@@ -38,7 +47,7 @@ void SharingMenu::show(const QString &text, QObject *control)
 
     QWidget *window = widget->window();
     menu->addAction(QObject::tr("&Save as File…"), menu, [text, window] { saveAsFile(text, window); });
-    menu->popup(widget->mapToGlobal(widget->rect().bottomLeft()));
+    menu->popup(placeBeside(*widget, menu->sizeHint()));
 }
 
 QUrl SharingMenu::draftOf(const QString &text)
