@@ -1,6 +1,7 @@
 // How long the main window takes from a key or a click until its table has painted the result:
 // bench_window [part of the name of what is to be measured].
 #include "generatedlist.h"
+#include "paintwatch.h"
 
 #include <core/tasklistwriter.h>
 #include <core/taskmanager.h>
@@ -51,34 +52,6 @@ class NoAlert : public Alert
 {
 public:
     [[nodiscard]] std::optional<int> ask(const Question &) override { return std::nullopt; }
-};
-
-using Clock = std::chrono::steady_clock;
-
-// Notes when a widget has handled a paint event.
-class PaintWatch : public QApplication
-{
-public:
-    using QApplication::QApplication;
-
-    void waitFor(const QWidget *widget)
-    {
-        m_widget = widget;
-        painted.reset();
-    }
-
-    bool notify(QObject *receiver, QEvent *event) override
-    {
-        const bool accepted = QApplication::notify(receiver, event);
-        if (receiver == m_widget && event->type() == QEvent::Paint && !painted)
-            painted = Clock::now();
-        return accepted;
-    }
-
-    std::optional<Clock::time_point> painted; // for the first time since waitFor()
-
-private:
-    const QWidget *m_widget = nullptr;
 };
 
 // The main window with a list of its own, and the hands of its user.
@@ -166,16 +139,10 @@ void Window::clickRow(int row)
 
 double Window::untilPainted(const std::function<void()> &act)
 {
-    QCoreApplication::processEvents();
-    m_watch.waitFor(m_table->viewport());
-    const auto begin = Clock::now();
-    act();
-    while (!m_watch.painted) {
-        if (Clock::now() > begin + 10s)
-            qFatal("the table was not painted");
-        QCoreApplication::processEvents();
-    }
-    return std::chrono::duration<double, std::milli>(*m_watch.painted - begin).count();
+    return m_watch.untilPainted([&] {
+        act();
+        return m_table->viewport();
+    });
 }
 
 void Window::press(QWidget *widget, int key, const QString &text)

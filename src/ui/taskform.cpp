@@ -6,14 +6,34 @@
 #include <core/fieldtext.h>
 #include <platform/widgets/refusingvalidator.h>
 
+#include <QCalendarWidget>
 #include <QCompleter>
 #include <QLineEdit>
 #include <QLocale>
 #include <QSignalBlocker>
+#include <QTextCharFormat>
+#include <QToolButton>
 
 namespace oblino {
 
 namespace {
+
+constexpr int shownNameLength = 24; // characters
+
+// The calendar's own weekends are red and its arrows green.
+void calm(QCalendarWidget *calendar)
+{
+    for (const Qt::DayOfWeek day : {Qt::Saturday, Qt::Sunday})
+        calendar->setWeekdayTextFormat(day, QTextCharFormat());
+    const auto setArrow = [calendar](const char *name, Qt::ArrowType arrow) {
+        if (auto *button = calendar->findChild<QToolButton *>(QLatin1String(name))) {
+            button->setArrowType(arrow);
+            button->setForegroundRole(QPalette::HighlightedText);
+        }
+    };
+    setArrow("qt_calendar_prevmonth", Qt::LeftArrow);
+    setArrow("qt_calendar_nextmonth", Qt::RightArrow);
+}
 
 void fillNames(QComboBox *box, const QStringList &names)
 {
@@ -86,11 +106,15 @@ void TaskForm::prepareFields()
         if (!format.contains(QLatin1String("yyyy")))
             format.replace(QLatin1String("yy"), QLatin1String("yyyy"));
         field->setDisplayFormat(format);
+        calm(field->calendarWidget());
     }
     for (QTimeEdit *field : {startTime, endTime})
         field->setDisplayFormat(locale.timeFormat(QLocale::ShortFormat).remove(QLatin1String(":ss")));
     for (QComboBox *box : {client, teamMember}) {
         box->setInsertPolicy(QComboBox::NoInsert);
+        // Its layout would measure every name of a long directory.
+        box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+        box->setMinimumContentsLength(shownNameLength);
         new RefusingValidator(isFieldText, whyNotFieldText(), box->lineEdit());
     }
     new RefusingValidator(isFieldText, whyNotFieldText(), txtTaskName);

@@ -33,6 +33,8 @@ TaskWindow::TaskWindow(const TaskWindowContext &context, const QString &mainTitl
     m_layout->addWidget(m_form, 1);
     m_layout->addWidget(m_buttons);
     m_mainButton->setDefault(true);
+    connect(m_buttons->addButton(tr("Cancel"), QDialogButtonBox::RejectRole), &QPushButton::clicked, this,
+            &QDialog::reject);
     m_form->txtTaskName->setFocus();
     connect(m_form->color, &ColorButton::panelColorChanged, this, [] { trace("Change color"); });
     loadView();

@@ -1,12 +1,12 @@
 // Putting the main window together.
 #include <ui/viewcontroller.h>
 
+#include <platform/widgets/tableheader.h>
 #include <ui/elidedlabel.h>
 #include <ui/emptystate.h>
 #include <ui/icons.h>
 #include <ui/searchfield.h>
 #include <ui/taskcelldelegate.h>
-#include <ui/taskheader.h>
 #include <ui_viewcontroller.h>
 
 #include <core/taskmanager.h>
@@ -195,7 +195,7 @@ void ViewController::fillSortMenu()
 
 void ViewController::prepareTable()
 {
-    tblView->setHorizontalHeader(new TaskHeader(tblView));
+    tblView->setHorizontalHeader(new TableHeader(tblView));
     tblView->setModel(&m_model);
     tblView->setItemDelegate(new TaskCellDelegate(tblView));
     tblView->setShowGrid(false); // the delegate draws the vertical lines

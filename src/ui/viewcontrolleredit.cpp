@@ -64,7 +64,7 @@ void ViewControllerEdit::viewDidLoad()
 {
     trace("Edit");
     const task selected = m_store.getSelectedTask();
-    show(selected);
+    showFields(selected);
     keyLabel->setText(selected.key);
     keyLabel->setCursorPosition(0);
     m_form->setTimes(selected.startHour, selected.startMin, selected.endHour, selected.endMin);
@@ -74,7 +74,7 @@ void ViewControllerEdit::viewDidLoad()
 }
 
 // The fields that a reset puts back as well.
-void ViewControllerEdit::show(const task &t)
+void ViewControllerEdit::showFields(const task &t)
 {
     m_form->setDate(t.date);
     m_form->setName(t.name);
@@ -142,7 +142,7 @@ void ViewControllerEdit::ResetToOriginal()
 {
     trace("Reset");
     if (selectOwnTask())
-        show(m_store.getSelectedTask());
+        showFields(m_store.getSelectedTask());
 }
 
 void ViewControllerEdit::CopyKeyLabel()

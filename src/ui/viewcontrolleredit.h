@@ -33,7 +33,7 @@ private:
     void SelectDueDate();
     void SelectColorWell();
     void traceDates() const;
-    void show(const task &t);
+    void showFields(const task &t);
     /// Selects the form's own task; says so when it is gone.
     [[nodiscard]] bool selectOwnTask();
     /// Writes what the form holds to its task. @return whether there is one

@@ -36,7 +36,9 @@ private Q_SLOTS:
         QTest::addColumn<QString>("locale");
         QTest::addColumn<QString>("lines");
         QTest::newRow("title, no footer")
-            << audit() << "Weekly plan" << "" << "en_US"
+            << audit() << "Weekly plan"
+            << ""
+            << "en_US"
             << "Weekly plan\n\nSchedule: Audit\nStart Date: 3/7/19\nStart Time: 09:05\nEnd Time: 17:30\n"
                "Due Date: 3/8/19\nDescription: Check the books\n\nClient: Smith Ltd\nTeam Member: Ann\n\n"
                "Task Key: K-1\nMessage Key: M-1\n\n\n\n";
@@ -47,7 +49,9 @@ private Q_SLOTS:
         odd.endHour = 100;
         odd.endMin = 0;
         QTest::newRow("no title, a footer, lines and marks in the fields")
-            << odd << "" << "Bye\n%3" << "de_DE"
+            << odd << ""
+            << "Bye\n%3"
+            << "de_DE"
             << "\n\nSchedule: Audit\nStart Date: 07.03.19\nStart Time: 07:05\nEnd Time: 100:00\n"
                "Due Date: 08.03.19\nDescription: a & b\nc %1\n\n\nClient: %2 é🎉\nTeam Member: Ann\n\n"
                "Task Key: K-1\nMessage Key: M-1\n\nBye\n%3\n\n";

@@ -19,9 +19,22 @@ namespace {
 // More than any cell or tool tip shows; laying out a text of a megabyte holds the window up.
 constexpr int shownLength = 500;
 
+constexpr int padding = 5; // pixels, so that a text stands below the title of its column
+
 constexpr const char *textAtFirst = "textAtFirst"; // property of a line edit
 
 } // namespace
+
+void ContactDelegate::paint(QPainter *painter, const QStyleOptionViewItem &option,
+                            const QModelIndex &index) const
+{
+    QStyleOptionViewItem cell = option;
+    initStyleOption(&cell, index);
+    option.widget->style()->drawPrimitive(QStyle::PE_PanelItemViewItem, &cell, painter, option.widget);
+    cell = option;
+    cell.rect.adjust(padding, 0, -padding, 0);
+    QStyledItemDelegate::paint(painter, cell, index);
+}
 
 QWidget *ContactDelegate::createEditor(QWidget *parent, const QStyleOptionViewItem & /*option*/,
                                        const QModelIndex &index) const
@@ -30,6 +43,7 @@ QWidget *ContactDelegate::createEditor(QWidget *parent, const QStyleOptionViewIt
     auto *field = new QLineEdit(parent);
     field->setObjectName(name ? QStringLiteral("nameField") : QStringLiteral("phoneField"));
     field->setAccessibleName(name ? tr("Name") : tr("Phone Number"));
+    field->setTextMargins(padding, 0, padding, 0);
     field->setMaxLength(std::numeric_limits<int>::max());
     new RefusingValidator(isFieldText, whyNotFieldText(), field);
     return field;

@@ -1,9 +1,9 @@
 #include <contacts/windows/contacttable.h>
 
 #include <contacts/windows/contactdelegate.h>
+#include <platform/widgets/tableheader.h>
 
 #include <QEvent>
-#include <QHeaderView>
 #include <QPainter>
 #include <QTextOption>
 
@@ -23,6 +23,7 @@ ContactTable::ContactTable(QWidget *parent)
     , m_delegate(new ContactDelegate(this))
 {
     setItemDelegate(m_delegate);
+    setHorizontalHeader(new TableHeader(this));
     setEditTriggers(DoubleClicked | EditKeyPressed | AnyKeyPressed);
     setSelectionMode(ExtendedSelection);
     setSelectionBehavior(SelectRows);
@@ -35,7 +36,6 @@ ContactTable::ContactTable(QWidget *parent)
     verticalHeader()->hide();
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     horizontalHeader()->setSectionResizeMode(QHeaderView::Stretch);
-    horizontalHeader()->setHighlightSections(false);
     horizontalHeader()->setSortIndicatorClearable(true); // the third click brings the stored order back
     horizontalHeader()->setSortIndicator(-1, Qt::AscendingOrder);
     setSortingEnabled(true);

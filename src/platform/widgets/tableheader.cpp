@@ -1,4 +1,4 @@
-#include <ui/taskheader.h>
+#include <platform/widgets/tableheader.h>
 
 #include <QMouseEvent>
 #include <QPainter>
@@ -20,7 +20,7 @@ void paintArrow(QPainter *painter, const QPoint &centre, bool up)
 
 } // namespace
 
-TaskHeader::TaskHeader(QWidget *parent)
+TableHeader::TableHeader(QWidget *parent)
     : QHeaderView(Qt::Horizontal, parent)
 {
     setMouseTracking(true);
@@ -29,12 +29,12 @@ TaskHeader::TaskHeader(QWidget *parent)
     setSortIndicatorShown(true);
 }
 
-QSize TaskHeader::sizeHint() const
+QSize TableHeader::sizeHint() const
 {
     return {QHeaderView::sizeHint().width(), fontMetrics().height() + 2 * padding};
 }
 
-void TaskHeader::paintSection(QPainter *painter, const QRect &rect, int section) const
+void TableHeader::paintSection(QPainter *painter, const QRect &rect, int section) const
 {
     painter->save();
     painter->fillRect(rect, palette().color(section == m_hovered ? QPalette::Midlight : QPalette::Window));
@@ -62,14 +62,14 @@ void TaskHeader::paintSection(QPainter *painter, const QRect &rect, int section)
     painter->restore();
 }
 
-void TaskHeader::mouseMoveEvent(QMouseEvent *event)
+void TableHeader::mouseMoveEvent(QMouseEvent *event)
 {
     m_hovered = logicalIndexAt(event->position().toPoint());
     viewport()->update();
     QHeaderView::mouseMoveEvent(event);
 }
 
-void TaskHeader::leaveEvent(QEvent *event)
+void TableHeader::leaveEvent(QEvent *event)
 {
     m_hovered = -1;
     viewport()->update();

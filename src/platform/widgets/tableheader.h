@@ -4,14 +4,14 @@
 
 namespace oblino {
 
-/// The header of the task table: titles stand where the texts below them stand, and a small arrow points up
+/// The header of a table: titles stand where the texts below them stand, and a small arrow points up
 /// where the column is sorted ascending, down where it is sorted descending.
-class TaskHeader : public QHeaderView
+class TableHeader : public QHeaderView
 {
     Q_OBJECT
 
 public:
-    explicit TaskHeader(QWidget *parent = nullptr);
+    explicit TableHeader(QWidget *parent = nullptr);
 
     [[nodiscard]] QSize sizeHint() const override;
 
