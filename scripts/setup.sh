@@ -3,16 +3,16 @@
 
 build_packages=(
     g++ cmake ninja-build
-    qt6-base-dev qt6-base-dev-tools qt6-multimedia-dev qt6-svg-dev libssl-dev
+    qt6-base-dev qt6-base-dev-tools qt6-multimedia-dev qt6-svg-dev libssl-dev libpq-dev qtkeychain-qt6-dev
 )
 # What the built program loads at run time.
 run_packages=(
-    libqt6svg6 libqt6sql6-sqlite libqt6multimedia6 fonts-dejavu-core
+    libqt6svg6 libqt6sql6-sqlite libqt6sql6-psql libqt6multimedia6 fonts-dejavu-core
 )
 # For a machine without a display.
 display_packages=(xvfb xauth xdotool imagemagick)
 test_packages=(
-    libbenchmark-dev libxcb1-dev dbus xvfb xauth xdotool strace util-linux clang-format clang-tidy python3
+    libbenchmark-dev libxcb1-dev dbus xvfb xauth xdotool strace util-linux postgresql clang-format clang-tidy python3
 )
 
 fail() {

@@ -210,6 +210,18 @@ int syncFolder(FileCalls &calls, const QByteArray &path)
     return error == EINVAL ? 0 : error;
 }
 
+// A file that is there is not opened: closing it would let go of the locks that database connections of this
+// process hold on it.
+QString makePrivateFile(const QString &path)
+{
+    const QFileInfo file(path);
+    if (file.exists())
+        return file.isFile() ? QString() : errorWords(OpenFile::notRegular);
+    OpenFile made(FileCalls::posix());
+    const int error = made.openPrivate(QFile::encodeName(path), O_EXCL);
+    return error == 0 ? QString() : errorWords(error);
+}
+
 QString errorWords(int error)
 {
     return error == OpenFile::notRegular ? u"it is not a regular file"_s : qt_error_string(error);

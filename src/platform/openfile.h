@@ -57,6 +57,10 @@ private:
 /// The folder that holds the file or folder `path`.
 [[nodiscard]] QByteArray parentFolder(const QByteArray &path);
 
+/// Makes an empty file (0600) in a private folder (0700) where there is no file of that name.
+/// @return in words why there is none, empty when there is one
+[[nodiscard]] QString makePrivateFile(const QString &path);
+
 [[nodiscard]] int renameFile(FileCalls &calls, const QByteArray &from, const QByteArray &to);
 
 /// Sees the names in a folder safely on disk.

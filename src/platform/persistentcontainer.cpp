@@ -3,12 +3,8 @@
 #include <platform/openfile.h>
 #include <platform/sqlcalls.h>
 
-#include <QFile>
-#include <QFileInfo>
 #include <QSqlError>
 #include <QUuid>
-
-#include <fcntl.h>
 
 namespace oblino {
 
@@ -54,25 +50,13 @@ QString PersistentContainer::path() const
 
 QString PersistentContainer::open()
 {
-    if (QString error = makeFile(); !error.isEmpty())
+    if (QString error = makePrivateFile(path()); !error.isEmpty())
         return error;
     m_connection = m_name + QUuid::createUuid().toString();
     QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connection);
     database.setDatabaseName(path());
     database.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=1000"));
     return database.open() ? prepare() : database.lastError().text();
-}
-
-// A file that is there is not opened here: closing it would let go of the locks that other connections of
-// this process hold on it.
-QString PersistentContainer::makeFile() const
-{
-    const QFileInfo file(path());
-    if (file.exists())
-        return file.isFile() ? QString() : errorWords(OpenFile::notRegular);
-    OpenFile made(FileCalls::posix());
-    const int error = made.openPrivate(QFile::encodeName(path()), O_EXCL);
-    return error == 0 ? QString() : errorWords(error);
 }
 
 QString PersistentContainer::prepare()

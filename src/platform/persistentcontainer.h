@@ -40,7 +40,6 @@ public:
 private:
     [[nodiscard]] QString path() const;
     [[nodiscard]] QString open();
-    [[nodiscard]] QString makeFile() const;
     [[nodiscard]] QString prepare();
     [[nodiscard]] QString check();
     [[nodiscard]] QString makeTables();

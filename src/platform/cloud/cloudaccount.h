@@ -1,0 +1,32 @@
+#pragma once
+
+#include <QString>
+
+namespace oblino {
+
+/// How the connection to a server is protected.
+enum class TlsMode {
+    VerifyFull, ///< encrypted, to the very server that the certificate names
+    Require,    ///< encrypted, to whoever answers
+    Disable,
+};
+
+/// A PostgreSQL server, or any engine that speaks its protocol, on which a user's cloud records lie. Without
+/// a host the records lie on this machine.
+struct CloudAccount
+{
+    QString host = {};
+    quint16 port = 5432;
+    QString database = {};
+    QString user = {};
+    TlsMode tlsMode = TlsMode::VerifyFull;
+
+    [[nodiscard]] bool isRemote() const { return !host.isEmpty(); }
+    friend bool operator==(const CloudAccount &, const CloudAccount &) = default;
+};
+
+/// Where the host's own certificate authorities are, or the file that the user keeps for this purpose
+/// (~/.postgresql/root.crt).
+[[nodiscard]] QString rootCertificates();
+
+} // namespace oblino

@@ -1,0 +1,158 @@
+#include <platform/cloud/postgresprobe.h>
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFile>
+#include <QRegularExpression>
+
+#include <libpq-fe.h>
+#include <poll.h>
+
+#include <algorithm>
+#include <array>
+#include <memory>
+
+namespace oblino {
+
+using namespace std::chrono_literals;
+
+namespace {
+
+using Clock = std::chrono::steady_clock;
+using Connection = std::unique_ptr<PGconn, decltype(&PQfinish)>;
+
+QString words(const char *text)
+{
+    return QCoreApplication::translate("CloudAccount", text);
+}
+
+const char *sslMode(TlsMode mode)
+{
+    switch (mode) {
+    case TlsMode::VerifyFull:
+        return "verify-full";
+    case TlsMode::Require:
+        return "require";
+    case TlsMode::Disable:
+        return "disable";
+    }
+    return "verify-full";
+}
+
+Connection start(const CloudAccount &account, const QString &password)
+{
+    const QByteArray host = account.host.toUtf8();
+    const QByteArray port = QByteArray::number(account.port);
+    const QByteArray database = account.database.toUtf8();
+    const QByteArray user = account.user.toUtf8();
+    const QByteArray secret = password.toUtf8();
+    const QByteArray certificates = QFile::encodeName(rootCertificates());
+    const std::array names = {"host",
+                              "port",
+                              "dbname",
+                              "user",
+                              "password",
+                              "sslmode",
+                              "sslrootcert",
+                              "target_session_attrs",
+                              static_cast<const char *>(nullptr)};
+    const std::array values = {
+        host.constData(),         port.constData(),   database.constData(),
+        user.constData(),         secret.constData(), sslMode(account.tlsMode),
+        certificates.constData(), "read-write",       static_cast<const char *>(nullptr)};
+    Connection connection(PQconnectStartParams(names.data(), values.data(), 0), &PQfinish);
+    // The words of a server come in its own language; the code before them does not.
+    if (connection)
+        PQsetErrorVerbosity(connection.get(), PQERRORS_VERBOSE);
+    return connection;
+}
+
+// @return the state in which the attempt ended, PGRES_POLLING_READING where time ran out
+PostgresPollingStatusType settle(PGconn *connection, Clock::time_point end,
+                                 const std::atomic<bool> &cancelled)
+{
+    PostgresPollingStatusType state = PGRES_POLLING_WRITING;
+    while (state == PGRES_POLLING_READING || state == PGRES_POLLING_WRITING) {
+        if (cancelled || Clock::now() >= end)
+            return PGRES_POLLING_READING;
+        const short events = state == PGRES_POLLING_READING ? POLLIN : POLLOUT;
+        pollfd waiting = {.fd = PQsocket(connection), .events = events, .revents = 0};
+        constexpr int glance = 100; // ms, after which `cancelled` is looked at
+        if (::poll(&waiting, 1, glance) > 0)
+            state = PQconnectPoll(connection);
+    }
+    return state;
+}
+
+CloudError unreachable(const CloudAccount &account, const QString &detail)
+{
+    return {CloudError::Code::Unreachable,
+            (words("The server %1 cannot be reached on port %2.").arg(account.host).arg(account.port) +
+             QLatin1Char(' ') + detail)
+                .trimmed()};
+}
+
+CloudError errorOf(const CloudAccount &account, const QString &message)
+{
+    static const QRegularExpression coded(QStringLiteral(":\\s+([0-9A-Z]{5}): *([^\\n]*)"));
+    const QRegularExpressionMatch match = coded.match(message);
+    if (!match.hasMatch())
+        return unreachable(account, message.simplified());
+    const QString state = match.captured(1);
+    switch (codeOfState(state)) {
+    case CloudError::Code::LoginRefused:
+        return {CloudError::Code::LoginRefused, words("The server refused the user name or the password.")};
+    case CloudError::Code::RightsRefused:
+        return {CloudError::Code::RightsRefused,
+                words("The user has no right to use the database %1.").arg(account.database)};
+    case CloudError::Code::Unreachable:
+    case CloudError::Code::Other:
+        break;
+    }
+    if (state == QLatin1String("3D000"))
+        return {CloudError::Code::Other, words("The server has no database named %1.").arg(account.database)};
+    return {codeOfState(state), words("The server says: %1").arg(match.captured(2))};
+}
+
+} // namespace
+
+QString rootCertificates()
+{
+    const QString own = QDir::home().filePath(QStringLiteral(".postgresql/root.crt"));
+    return QFile::exists(own) ? own : QStringLiteral("/etc/ssl/certs/ca-certificates.crt");
+}
+
+CloudError::Code codeOfState(const QString &sqlState)
+{
+    if (sqlState.startsWith(QLatin1String("28"))) // invalid authorisation
+        return CloudError::Code::LoginRefused;
+    if (sqlState == QLatin1String("42501")) // insufficient privilege
+        return CloudError::Code::RightsRefused;
+    for (const auto *unreachable : {"08", "53", "57P"}) { // connection, resources, shutting down
+        if (sqlState.startsWith(QLatin1String(unreachable)))
+            return CloudError::Code::Unreachable;
+    }
+    return CloudError::Code::Other;
+}
+
+std::optional<CloudError> probePostgres(const CloudAccount &account, const QString &password,
+                                        std::chrono::milliseconds patience,
+                                        const std::atomic<bool> &cancelled)
+{
+    const Clock::time_point end = Clock::now() + patience;
+    const Connection connection = start(account, password);
+    if (!connection || PQstatus(connection.get()) == CONNECTION_BAD) {
+        const QString message = connection ? QString::fromUtf8(PQerrorMessage(connection.get())) : QString();
+        return unreachable(account, message.simplified());
+    }
+    switch (settle(connection.get(), end, cancelled)) {
+    case PGRES_POLLING_OK:
+        return std::nullopt;
+    case PGRES_POLLING_FAILED:
+        return errorOf(account, QString::fromUtf8(PQerrorMessage(connection.get())));
+    default:
+        return unreachable(account, words("It does not answer."));
+    }
+}
+
+} // namespace oblino

@@ -1,0 +1,245 @@
+#include <platform/cloud/recordstore.h>
+
+#include <platform/cloud/postgresprobe.h>
+#include <platform/openfile.h>
+
+#include <QCoreApplication>
+#include <QDateTime>
+#include <QSqlDatabase>
+#include <QSqlDriver>
+#include <QSqlError>
+#include <QStringList>
+#include <QUuid>
+
+#include <libpq-fe.h>
+#include <unistd.h>
+
+#include <algorithm>
+
+namespace oblino {
+
+using namespace std::chrono_literals;
+
+namespace {
+
+constexpr int version = 1; // of the form of all tables
+constexpr auto loginPatience = 10s;
+const QString versions = QStringLiteral("cloud_record_types");
+
+QString words(const char *text)
+{
+    return QCoreApplication::translate("CloudStore", text);
+}
+
+QString connectOptions(const CloudAccount &account)
+{
+    const QString mode = account.tlsMode == TlsMode::VerifyFull ? QStringLiteral("verify-full")
+                         : account.tlsMode == TlsMode::Require  ? QStringLiteral("require")
+                                                                : QStringLiteral("disable");
+    return QStringLiteral("sslmode=%1;sslrootcert='%2';connect_timeout=10;tcp_user_timeout=15000;"
+                          "target_session_attrs=read-write")
+        .arg(mode, rootCertificates());
+}
+
+} // namespace
+
+QString RecordPlace::description() const
+{
+    return account.isRemote() ? QStringLiteral("%1@%2/%3").arg(account.user, account.host, account.database)
+                              : file;
+}
+
+RecordStore::RecordStore(RecordPlace place, const std::atomic<bool> &cancelled)
+    : m_place(std::move(place))
+    , m_cancelled(cancelled)
+{
+}
+
+RecordStore::~RecordStore()
+{
+    close();
+}
+
+RecordStore::Error RecordStore::open()
+{
+    if (isOpen())
+        return std::nullopt;
+    close();
+    m_connection = QStringLiteral("cloud") + QUuid::createUuid().toString();
+    Error error = m_place.account.isRemote() ? openServer() : openFile();
+    if (error)
+        close();
+    return error;
+}
+
+RecordStore::Error RecordStore::openFile()
+{
+    if (const QString why = makePrivateFile(m_place.file); !why.isEmpty())
+        return CloudError{CloudError::Code::Other, m_place.file + QLatin1String(": ") + why};
+    QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), m_connection);
+    database.setDatabaseName(m_place.file);
+    database.setConnectOptions(QStringLiteral("QSQLITE_BUSY_TIMEOUT=5000"));
+    if (!database.open())
+        return errorOf(database.lastError());
+    Error error = run(QStringLiteral("PRAGMA synchronous = FULL"));
+    // What is deleted shall not stay legible in the file.
+    return error ? error : run(QStringLiteral("PRAGMA secure_delete = ON"));
+}
+
+RecordStore::Error RecordStore::openServer()
+{
+    const CloudAccount &account = m_place.account;
+    if (Error error = probePostgres(account, m_place.password, loginPatience, m_cancelled))
+        return error;
+    QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), m_connection);
+    database.setHostName(account.host);
+    database.setPort(account.port);
+    database.setDatabaseName(account.database);
+    database.setUserName(account.user);
+    database.setPassword(m_place.password);
+    database.setConnectOptions(connectOptions(account));
+    return database.open() ? std::nullopt : errorOf(database.lastError());
+}
+
+void RecordStore::close()
+{
+    m_prepared.clear();
+    m_rightsChecks.clear();
+    if (QSqlDatabase::contains(m_connection))
+        QSqlDatabase::removeDatabase(m_connection);
+    m_connection.clear();
+}
+
+bool RecordStore::isOpen() const
+{
+    return QSqlDatabase::contains(m_connection) && QSqlDatabase::database(m_connection, false).isOpen();
+}
+
+int RecordStore::duplicateSocket() const
+{
+    if (!m_place.account.isRemote() || !isOpen())
+        return -1;
+    const QVariant handle = QSqlDatabase::database(m_connection, false).driver()->handle();
+    if (qstrcmp(handle.typeName(), "PGconn*") != 0)
+        return -1;
+    return ::dup(PQsocket(*static_cast<PGconn *const *>(handle.constData())));
+}
+
+RecordStore::Error RecordStore::prepare(const RecordSql &sql)
+{
+    if (m_rightsChecks.contains(sql.tableName()))
+        return std::nullopt;
+    const QStringList tables = QSqlDatabase::database(m_connection, false).tables();
+    const bool known = tables.contains(sql.tableName());
+    if (Error error = known ? checkVersion(sql) : create(sql, !tables.contains(versions)))
+        return error;
+    m_rightsChecks.insert(sql.tableName(), sql.rightsCheck());
+    return std::nullopt;
+}
+
+RecordStore::Error RecordStore::create(const RecordSql &sql, bool withVersions)
+{
+    QStringList statements = sql.creation();
+    if (withVersions)
+        statements.prepend(QStringLiteral("CREATE TABLE %1 (name TEXT PRIMARY KEY, version BIGINT)")
+                               .arg(quotedName(versions)));
+    Error error = begin();
+    for (const QString &statement : std::as_const(statements))
+        error = error ? error : run(statement);
+    error =
+        error ? error
+              : run(QStringLiteral("INSERT INTO %1 (name, version) VALUES (?, ?)").arg(quotedName(versions)),
+                    {sql.tableName(), version});
+    error = error ? error : commit();
+    if (error)
+        rollBack();
+    return error;
+}
+
+RecordStore::Error RecordStore::checkVersion(const RecordSql &sql)
+{
+    int found = 0;
+    Error error = select(QStringLiteral("SELECT version FROM %1 WHERE name = ?").arg(quotedName(versions)),
+                         {sql.tableName()}, [&found](const QSqlQuery &row) { found = row.value(0).toInt(); });
+    if (!error && found != version)
+        return CloudError{
+            CloudError::Code::Other,
+            words("The cloud's records were written by another version of the program (%1).").arg(found)};
+    return error;
+}
+
+RecordStore::Error RecordStore::checkRights()
+{
+    for (const QStringList &statements : std::as_const(m_rightsChecks)) {
+        for (const QString &statement : statements) {
+            if (Error error = run(statement))
+                return error;
+        }
+    }
+    return run(QStringLiteral("SELECT 1"));
+}
+
+RecordStore::Error RecordStore::begin()
+{
+    return run(QStringLiteral("BEGIN"));
+}
+
+RecordStore::Error RecordStore::commit()
+{
+    return run(QStringLiteral("COMMIT"));
+}
+
+void RecordStore::rollBack()
+{
+    (void)run(QStringLiteral("ROLLBACK"));
+}
+
+RecordStore::Error RecordStore::run(const QString &statement, const QVariantList &values)
+{
+    return select(statement, values, [](const QSqlQuery &) {});
+}
+
+// Statements with values come again and again; the others are not worth keeping.
+RecordStore::Execution RecordStore::execute(const QString &statement, const QVariantList &values)
+{
+    m_shouldTryAgain = false;
+    auto known = m_prepared.find(statement);
+    if (known == m_prepared.end()) {
+        QSqlQuery query(QSqlDatabase::database(m_connection, false));
+        query.setForwardOnly(true);
+        if (values.isEmpty())
+            m_prepared.erase(QString());
+        else if (!query.prepare(statement))
+            return {nullptr, errorOf(query.lastError())};
+        known = m_prepared.emplace(values.isEmpty() ? QString() : statement, std::move(query)).first;
+    }
+    QSqlQuery &query = known->second;
+    for (qsizetype i = 0; i < values.size(); ++i)
+        query.bindValue(static_cast<int>(i), values.at(i));
+    if (values.isEmpty() ? query.exec(statement) : query.exec())
+        return {&query, std::nullopt};
+    Error error = errorOf(query.lastError());
+    query.finish();
+    return {&query, error};
+}
+
+RecordStore::Error RecordStore::errorOf(const QSqlError &error)
+{
+    const QString state = error.nativeErrorCode();
+    // Serialization failure and deadlock; and two programs that make the same table at once.
+    m_shouldTryAgain = state == QLatin1String("40001") || state == QLatin1String("40P01");
+    const QString text = error.databaseText().isEmpty() ? error.text() : error.databaseText();
+    if (m_place.account.isRemote() && !isOpen())
+        return CloudError{CloudError::Code::Unreachable,
+                          words("The connection to the server %1 is lost.").arg(m_place.account.host)};
+    return CloudError{m_place.account.isRemote() ? codeOfState(state) : CloudError::Code::Other,
+                      text.simplified()};
+}
+
+qint64 RecordStore::nextCreated()
+{
+    m_lastCreated = std::max(m_lastCreated + 1, QDateTime::currentMSecsSinceEpoch() * 1000);
+    return m_lastCreated;
+}
+
+} // namespace oblino
