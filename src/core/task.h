@@ -45,6 +45,13 @@ struct task
     qint64 endMin = sharedDefaultTimes().endMin;         ///< 0..59
 };
 
+/// A task put together from its fields.
+[[nodiscard]] task makeTask(const QString &key, const QDateTime &date, const QString &name,
+                            const QString &desc, const Color &color, const QDateTime &due, qint64 status,
+                            qint64 priority, const QString &statusName, const QString &priorityName,
+                            bool hidden, qint64 startHour, qint64 startMin, qint64 endHour, qint64 endMin,
+                            const QString &client, const QString &teamMember);
+
 /// The two values of task::status that have a meaning of their own.
 enum TaskStatus : qint64 { OpenStatus = 0, ClosedStatus = 1 };
 

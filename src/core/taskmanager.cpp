@@ -47,23 +47,8 @@ QString TaskManager::addTask(const QString &key, const QDateTime &date, const QS
                              bool hidden, qint64 startHour, qint64 startMin, qint64 endHour, qint64 endMin,
                              const QString &client, const QString &teamMember)
 {
-    return addTask(task{.key = key,
-                        .date = date,
-                        .name = name,
-                        .desc = desc,
-                        .client = client,
-                        .teamMember = teamMember,
-                        .color = color,
-                        .due = due,
-                        .status = status,
-                        .priority = priority,
-                        .statusName = statusName,
-                        .priorityName = priorityName,
-                        .hidden = hidden,
-                        .startHour = startHour,
-                        .startMin = startMin,
-                        .endHour = endHour,
-                        .endMin = endMin});
+    return addTask(makeTask(key, date, name, desc, color, due, status, priority, statusName, priorityName,
+                            hidden, startHour, startMin, endHour, endMin, client, teamMember));
 }
 
 QString TaskManager::addTask(task t)
@@ -85,23 +70,8 @@ void TaskManager::editSelectedTask(const QDateTime &date, const QString &name, c
 {
     if (hasSelection()) {
         task &t = selectedList()[m_selected];
-        t = task{.key = t.key,
-                 .date = date,
-                 .name = name,
-                 .desc = desc,
-                 .client = client,
-                 .teamMember = teamMember,
-                 .color = color,
-                 .due = due,
-                 .status = status,
-                 .priority = priority,
-                 .statusName = statusName,
-                 .priorityName = priorityName,
-                 .hidden = t.hidden,
-                 .startHour = startHour,
-                 .startMin = startMin,
-                 .endHour = endHour,
-                 .endMin = endMin};
+        t = makeTask(t.key, date, name, desc, color, due, status, priority, statusName, priorityName,
+                     t.hidden, startHour, startMin, endHour, endMin, client, teamMember);
     }
     m_defaultTimes = {startHour, startMin, endHour, endMin};
     trace("Edit Task");

@@ -8,13 +8,27 @@
 #include <QObject>
 #include <QString>
 
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <optional>
+
 namespace oblino {
 
 class Appearance;
+class CloudContainer;
+class CloudOperation;
+class CloudRecord;
+class CloudWork;
 class ColorWell;
 class Defaults;
+class NotificationCenter;
 class SharingPicker;
 class TextView;
+enum class AccountStatus;
+struct CloudError;
+struct RecordQuery;
+struct RecordZone;
 
 /// The task store: the task list, the list that the main window shows, the full list while a search is
 /// active, the selection, the default times of new tasks, and the settings. It is used on the user-interface
@@ -124,6 +138,49 @@ public:
     /// Rebuilds tasksInView() for the view of that index.
     void setFilter(qint64 itemStatus);
 
+    // Cloud; the cloud library carries these out. Without a container they do nothing and return false.
+
+    class CloudKitController;
+    class CloudKitError;
+    template<typename Success, typename Failure>
+    class CloudKitResult;
+    using ZoneHandler =
+        std::function<void(const std::optional<RecordZone> &zone, const std::optional<CloudError> &error)>;
+
+    /// Sets the container in which the cloud copy lies. It may be null, and goes before the store does.
+    /// @param notifications  told "update" when lastMessage() has changed, and "reload" when the list has
+    /// @param patience       how long an operation that waits goes without any answer before it gives up
+    void setCloud(CloudContainer *container, NotificationCenter *notifications,
+                  std::chrono::milliseconds patience = std::chrono::seconds(30));
+
+    /// Asks for a new record of a task. @return the flag so far; the answers come later
+    bool addTaskToCloud(const QString &key, const QDateTime &date, const QString &name, const QString &desc,
+                        const Color &color, const QDateTime &due, qint64 status, qint64 priority,
+                        const QString &statusName, const QString &priorityName, bool hidden, qint64 startHour,
+                        qint64 startMin, qint64 endHour, qint64 endMin, const QString &client,
+                        const QString &teamMember);
+    /// Asks for every record with the key to be rewritten, or for a new one where there is none.
+    /// @return the flag so far
+    bool editTaskToCloud(const QString &key, const QDateTime &date, const QString &name, const QString &desc,
+                         const Color &color, const QDateTime &due, qint64 status, qint64 priority,
+                         const QString &statusName, const QString &priorityName, bool hidden,
+                         qint64 startHour, qint64 startMin, qint64 endHour, qint64 endMin,
+                         const QString &client, const QString &teamMember);
+    /// Asks for every record with the key to be deleted. @return the flag so far
+    bool deleteTaskToCloud(const QString &key);
+    /// Deletes every record of a task, and waits until that is done. @return whether it was
+    bool deleteAllTasksToCloud();
+    /// Sends every task of tasks() to the cloud, and waits until all are there. @return whether they are
+    bool syncToCloudFromLocal();
+    /// Merges every record of the cloud into the selected list, and waits until that is done: a task whose
+    /// key has a record is overwritten, a record of an unknown key becomes a new task, nothing is deleted.
+    /// @return whether it was done
+    bool syncToLocalFromCloud();
+    /// Saves a record zone "SharingZone". @param completionHandler  called on a thread of the service
+    void createSharingZone(ZoneHandler completionHandler);
+    /// Traces who of the cloud's users has that phone number.
+    void discoverUsersUsingApp(const QString &phone);
+
     // Colours
 
     /// Sets a form's colours to the neutral ones of the appearance.
@@ -164,11 +221,29 @@ public:
     /// The selected task's hidden flag; false where nothing is selected.
     [[nodiscard]] bool getHiddenSelected() const;
 
+Q_SIGNALS:
+    /// An operation on the whole cloud copy waits for answers, with the event loop running.
+    void cloudWaitBegan();
+    /// @param percent  how much of what has been asked for so far is answered
+    void cloudProgressed(int percent);
+    void cloudWaitEnded();
+
 private:
     [[nodiscard]] QList<task> &selectedList() { return m_isSearching ? m_backupTasks : m_tasks; }
     [[nodiscard]] bool hasSelection() const { return m_selected >= 0 && m_selected < fullList().size(); }
     [[nodiscard]] QString text(const QString &key) const;
     void setHiddenOfSelected(bool hidden);
+
+    [[nodiscard]] std::shared_ptr<CloudOperation> beginCloudOperation(const std::shared_ptr<CloudWork> &work,
+                                                                      const char *noAccountMessage = nullptr);
+    void handleAccountStatus(AccountStatus status, CloudOperation &operation, const char *noAccountMessage);
+    [[nodiscard]] bool addToCloud(const task &t, const std::shared_ptr<CloudWork> &work);
+    [[nodiscard]] bool editInCloud(const task &t, const std::shared_ptr<CloudWork> &work);
+    void saveToCloud(const CloudRecord &record, const std::shared_ptr<CloudOperation> &operation);
+    [[nodiscard]] bool deleteFromCloud(const RecordQuery &query, const std::shared_ptr<CloudWork> &work);
+    [[nodiscard]] bool hasSucceeded(CloudWork &work);
+    void mergeFromCloud(const QList<CloudRecord> &records, CloudOperation &operation);
+    void mergeIntoSelected(const task &t);
 
     QList<task> m_tasks;
     QList<task> m_tasksInView;
@@ -181,6 +256,9 @@ private:
     Defaults &defaults;
     Appearance &m_appearance;
     SharingPicker *m_sharingPicker = nullptr;
+    CloudContainer *m_cloudContainer = nullptr;
+    NotificationCenter *m_notifications = nullptr; // set with the container
+    std::chrono::milliseconds m_cloudPatience = {};
 };
 
 /// The task store of the application, made on first use.

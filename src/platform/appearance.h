@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QMutex>
 #include <QObject>
 #include <QString>
 
@@ -9,6 +10,7 @@ namespace oblino {
 
 /// The user's global appearance setting: the text under "AppleInterfaceStyle", which is "Dark" while the
 /// dark appearance is on and absent otherwise. It holds what a source such as PortalAppearance tells it.
+/// Reading is safe from any thread.
 class Appearance : public QObject
 {
     Q_OBJECT
@@ -29,6 +31,7 @@ Q_SIGNALS:
     void changed();
 
 private:
+    mutable QMutex m_mutex;
     std::optional<QString> m_interfaceStyle;
 };
 

@@ -10,7 +10,9 @@
 #include <QMainWindow>
 #include <QPointer>
 
+#include <functional>
 #include <memory>
+#include <utility>
 
 class QAction;
 class QActionGroup;
@@ -60,6 +62,11 @@ public:
     void editTask();
     void doubleClickTable();
     void doubleClickOnResultRow();
+    void UpdateToCloud(QObject *sender);
+    void UpdateFromCoud(QObject *sender);
+
+    /// Sets what is called before a command that uses the cloud; it asks the user for what the cloud lacks.
+    void setBeforeCloud(std::function<void()> beforeCloud) { m_beforeCloud = std::move(beforeCloud); }
 
     // What others tell the window
 
@@ -126,6 +133,9 @@ private:
     void forgetSortOrder();
     void copyKey();
     void about();
+    void holdCommands();
+    void releaseCommands();
+    void showCloudProgress(int percent);
     void showNotices();
     void showCounts();
     [[nodiscard]] bool selectionIsCurrent() const;
@@ -146,6 +156,9 @@ private:
     QHash<QAction *, QString> m_toolTips; // of commands while they are enabled
     QString m_selectedKey;                // of the task that the user selected last
     QActionGroup *m_views = nullptr;
+    std::function<void()> m_beforeCloud = [] {};
+    QString m_waitingFor;            // what the cloud is waited for, as the start of a message
+    QList<QAction *> m_heldCommands; // disabled while the cloud is waited for
 
     // Outlets
 

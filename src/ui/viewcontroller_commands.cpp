@@ -121,9 +121,12 @@ void ViewController::btnDeleteTask_Click(QObject *)
             "The task will be deleted locally as well as from the iCloud if present. Are you sure you "
             "want to delete ?"),
         selected.name);
-    // The list may have changed under the question; only the task that was asked about goes.
+    if (confirmed)
+        m_beforeCloud();
+    // The list may have changed under the questions; only the task that was asked about goes.
     if (confirmed && m_store.setSelected(selected.key) >= 0) {
         trace("Ok Pressed!");
+        m_store.deleteTaskToCloud(selected.key);
         m_store.removeSelected();
     }
     trace("Tasks:", m_store.tasks());

@@ -141,9 +141,14 @@ void ViewController::connectCommands()
     command(m_ui->newTaskAction, [this] { newTask(); });
     command(m_ui->editAction, [this] { editTask(); });
     command(m_ui->shareAction, [this] { sharingTask(shareButton); });
+    command(m_ui->updateToCloudAction, [this] { UpdateToCloud(m_ui->updateToCloudAction); });
+    command(m_ui->updateFromCloudAction, [this] { UpdateFromCoud(m_ui->updateFromCloudAction); });
     command(m_ui->aboutAction, [this] { about(); });
     command(m_ui->quitAction, [this] { close(); });
 
+    connect(&m_store, &TaskManager::cloudWaitBegan, this, &ViewController::holdCommands);
+    connect(&m_store, &TaskManager::cloudProgressed, this, &ViewController::showCloudProgress);
+    connect(&m_store, &TaskManager::cloudWaitEnded, this, &ViewController::releaseCommands);
     connect(viewSelection, &QComboBox::currentIndexChanged, this, &ViewController::ChangeView);
     connect(searchField, &QLineEdit::textChanged, this, &ViewController::search);
     connect(searchField, &SearchField::left, tblView, [this] {

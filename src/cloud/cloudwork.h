@@ -1,0 +1,90 @@
+#pragma once
+
+#include <QObject>
+
+#include <atomic>
+#include <chrono>
+#include <functional>
+#include <memory>
+#include <mutex>
+
+namespace oblino {
+
+class CloudTicket;
+
+/// The requests of one command to the cloud, those that follow from their answers included, until all are
+/// answered. Safe to use from any thread.
+class CloudWork : public std::enable_shared_from_this<CloudWork>
+{
+public:
+    CloudWork() = default;
+    CloudWork(const CloudWork &) = delete;
+    CloudWork &operator=(const CloudWork &) = delete;
+
+    /// A request is about to be made. The ticket goes along with it.
+    [[nodiscard]] std::shared_ptr<CloudTicket> ask();
+
+    /// Something of the work has failed.
+    void fail() { m_failed = true; }
+    [[nodiscard]] bool hasFailed() const { return m_failed; }
+    /// Whether nobody waits for it any more, so that nothing further is to be begun.
+    [[nodiscard]] bool isAbandoned() const { return m_abandoned; }
+
+    /// Waits on the main thread, with the event loop running, until every request is answered; but no longer
+    /// than `patience` without any answer, nor when the event loops end. What is left then is abandoned.
+    /// @param onProgress  told now and then how many of the requests made so far are answered
+    /// @return whether every request was answered
+    [[nodiscard]] bool wait(std::chrono::milliseconds patience,
+                            const std::function<void(qint64 answered, qint64 asked)> &onProgress);
+
+private:
+    friend class CloudTicket;
+
+    void answered();
+
+    std::mutex m_mutex; // for what follows
+    qint64 m_asked = 0;
+    qint64 m_answered = 0;
+    QObject *m_waiter = nullptr; // on the main thread, told of answers
+    std::function<void()> m_onAnswer;
+    bool m_isTold = false; // and has not looked yet
+
+    std::atomic<bool> m_failed = false;
+    std::atomic<bool> m_abandoned = false;
+};
+
+/// Stands for one request of a work. It is settled when the answer has been dealt with; one that goes
+/// unsettled makes the work fail.
+class CloudTicket
+{
+public:
+    explicit CloudTicket(std::shared_ptr<CloudWork> work);
+    CloudTicket(const CloudTicket &) = delete;
+    CloudTicket &operator=(const CloudTicket &) = delete;
+    ~CloudTicket();
+
+    void settle();
+
+private:
+    std::shared_ptr<CloudWork> m_work;
+    std::atomic<bool> m_settled = false;
+};
+
+/// One operation and its success flag, shared with the handlers of its requests.
+class CloudOperation
+{
+public:
+    explicit CloudOperation(std::shared_ptr<CloudWork> work);
+
+    [[nodiscard]] CloudWork &work() const { return *m_work; }
+    [[nodiscard]] std::shared_ptr<CloudWork> sharedWork() const { return m_work; }
+    [[nodiscard]] bool flag() const { return m_flag; }
+    void set(bool flag) { m_flag = flag; }
+    void clear();
+
+private:
+    std::shared_ptr<CloudWork> m_work;
+    std::atomic<bool> m_flag = true;
+};
+
+} // namespace oblino

@@ -1,0 +1,82 @@
+// The operations of the task store on the whole cloud copy. They wait for their answers.
+#include <core/taskmanager.h>
+
+#include <cloud/cloudwork.h>
+#include <cloud/taskrecord.h>
+
+#include <platform/cloud/cloudcontainer.h>
+#include <platform/dispatch.h>
+#include <platform/trace.h>
+
+#include <algorithm>
+
+namespace oblino {
+
+namespace {
+
+RecordQuery allTasks()
+{
+    return {&taskRecordType(), RecordPredicate::all()};
+}
+
+} // namespace
+
+bool TaskManager::deleteAllTasksToCloud()
+{
+    if (!m_cloudContainer)
+        return false;
+    const auto work = std::make_shared<CloudWork>();
+    (void)deleteFromCloud(allTasks(), work);
+    return hasSucceeded(*work);
+}
+
+bool TaskManager::syncToCloudFromLocal()
+{
+    trace("Sync To CloudKit, #Tasks:", m_tasks.size());
+    if (!m_cloudContainer)
+        return m_tasks.isEmpty();
+    const auto work = std::make_shared<CloudWork>();
+    const QList<task> sent = m_tasks; // the list may change while the answers are waited for
+    for (const task &t : sent)
+        (void)editInCloud(t, work);
+    return hasSucceeded(*work);
+}
+
+bool TaskManager::syncToLocalFromCloud()
+{
+    if (!m_cloudContainer)
+        return false;
+    const auto work = std::make_shared<CloudWork>();
+    const auto operation = beginCloudOperation(work, "iCloud:User is NOT Logged In");
+    m_cloudContainer->privateCloudDatabase().performQuery(
+        allTasks(), [this, operation, ticket = work->ask()](const auto &records, const auto &error) {
+            if (error || records.isEmpty()) {
+                operation->clear();
+                ticket->settle();
+                return;
+            }
+            Dispatch::main(this, [this, operation, ticket, records] {
+                if (!operation->work().isAbandoned())
+                    mergeFromCloud(records, *operation);
+                ticket->settle();
+            });
+        });
+    return hasSucceeded(*work);
+}
+
+// The flag of such an operation is true only when everything has been answered, and answered well.
+bool TaskManager::hasSucceeded(CloudWork &work)
+{
+    int shown = -1;
+    Q_EMIT cloudWaitBegan();
+    const bool answered = work.wait(m_cloudPatience, [this, &shown](qint64 done, qint64 asked) {
+        // Answers lead to further requests, and the share of what is done would go back.
+        const int percent = static_cast<int>(done * 100 / std::max<qint64>(asked, 1));
+        if (percent > shown)
+            Q_EMIT cloudProgressed(shown = percent);
+    });
+    Q_EMIT cloudWaitEnded();
+    return answered && !work.hasFailed();
+}
+
+} // namespace oblino

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <core/task.h>
+#include <platform/cloud/cloudrecord.h>
+
+namespace oblino {
+
+/// The record type "Task", with a field for each field of a task and four for its colour.
+[[nodiscard]] const RecordType &taskRecordType();
+
+/// A record of a task, under a new name.
+/// @param inDark  whether the task's colour is that of the dark appearance; the record's never is
+[[nodiscard]] CloudRecord newTaskRecord(const task &t, bool inDark);
+
+/// Sets every field of a task's record but its key.
+void fillTaskRecord(CloudRecord &record, const task &t, bool inDark);
+
+/// The task of a record. What the record lacks, or holds in another type, is as in a task that is just made.
+/// @param inDark  whether the task's colour is to be that of the dark appearance
+[[nodiscard]] task taskOfRecord(const CloudRecord &record, bool inDark);
+
+} // namespace oblino

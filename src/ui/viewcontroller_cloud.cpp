@@ -1,0 +1,78 @@
+// The commands of the main window on the cloud copy.
+#include <ui/viewcontroller.h>
+
+#include <ui/uiutil.h>
+#include <ui_viewcontroller.h>
+
+#include <core/taskmanager.h>
+#include <platform/trace.h>
+
+#include <QItemSelectionModel>
+#include <QLabel>
+#include <QTableView>
+#include <QThread>
+
+namespace oblino {
+
+void ViewController::UpdateToCloud(QObject *)
+{
+    m_beforeCloud();
+    m_waitingFor = tr("Sending to the cloud");
+    if (m_store.syncToCloudFromLocal())
+        m_utilities.dialogOK(QStringLiteral("Sync to iCloud succesfully!"));
+    else
+        m_utilities.dialogOK(QStringLiteral("Error sync to iCloud!"));
+}
+
+void ViewController::UpdateFromCoud(QObject *)
+{
+    trace("Update from Cloud");
+    const bool confirmed = m_utilities.dialogYesNo(
+        QStringLiteral("Do you want to update from the iCloud?"),
+        QStringLiteral(
+            "Your eventual changes on existing tasks will be overwritten. For security reasons, the "
+            "extra tasks you may have saved locally vs what is saved in the Cloud will not be "
+            "deleted. Please delete these manually as needed."));
+    if (!confirmed)
+        return;
+    trace("Ok Pressed!");
+    m_beforeCloud();
+    m_waitingFor = tr("Merging from the cloud");
+    const bool updated = m_store.syncToLocalFromCloud();
+    QThread::sleep(1);
+    if (updated)
+        m_utilities.dialogOK(QStringLiteral("Sync from iCloud succesfully!"));
+    else
+        m_utilities.dialogOK(QStringLiteral("Error sync from iCloud!"));
+}
+
+// Commands would change the list that is being copied.
+void ViewController::holdCommands()
+{
+    for (QAction *action : findChildren<QAction *>()) {
+        if (action->isEnabled() && action != m_ui->quitAction && !action->menu()) {
+            action->setEnabled(false);
+            m_heldCommands += action;
+        }
+    }
+    tblView->setEnabled(false);
+    statusMessage->setText(m_waitingFor + QStringLiteral("…"));
+}
+
+void ViewController::releaseCommands()
+{
+    for (QAction *action : std::exchange(m_heldCommands, {}))
+        action->setEnabled(true);
+    tblView->setEnabled(true);
+    tblView->setFocus(Qt::OtherFocusReason);
+    if (!tblView->selectionModel()->hasSelection())
+        disableSelectionButtons();
+    showCounts();
+}
+
+void ViewController::showCloudProgress(int percent)
+{
+    statusMessage->setText(tr("%1: %2 %").arg(m_waitingFor).arg(percent));
+}
+
+} // namespace oblino
