@@ -22,8 +22,11 @@ void appendValue(QByteArray &line, const QVariant &value)
     case QMetaType::UnknownType:
         return appendTrace(line, "none");
     default:
-        return appendTrace(line, QStringView(value.toString()));
+        break;
     }
+    QString text = value.toString();
+    appendTrace(line,
+                QStringView(text.replace(QLatin1Char('\n'), QLatin1String("\\n")))); // one line a record
 }
 
 } // namespace

@@ -1,0 +1,71 @@
+#pragma once
+
+#include <support/scriptedcontainer.h>
+#include <support/temporaryhome.h>
+
+#include <cloud/taskrecord.h>
+#include <core/taskmanager.h>
+#include <platform/appearance.h>
+#include <platform/cloud/sqlcloudcontainer.h>
+#include <platform/defaults.h>
+#include <platform/notificationcenter.h>
+
+#include <future>
+
+namespace oblino {
+
+/// A task store with a cloud of its own in a real file, and what it has told.
+class Cloud
+{
+public:
+    explicit Cloud(std::chrono::milliseconds patience = std::chrono::seconds(30))
+    {
+        for (const char *name : {"reload", "update"})
+            notifications.observe(QLatin1String(name), &notifications, [this, name] { told += name; });
+        store.setCloud(&container, &notifications, patience);
+    }
+
+    /// All records, in the order of the service.
+    [[nodiscard]] QList<CloudRecord> records()
+    {
+        std::promise<QList<CloudRecord>> answer;
+        service.privateCloudDatabase().performQuery(
+            {&taskRecordType(), RecordPredicate::all()},
+            [&answer](const auto &found, const auto &) { answer.set_value(found); });
+        return answer.get_future().get();
+    }
+
+    void put(const CloudRecord &record)
+    {
+        std::promise<bool> answer;
+        service.privateCloudDatabase().saveRecord(
+            record, [&answer](const auto &, const auto &error) { answer.set_value(!error); });
+        QVERIFY(answer.get_future().get());
+    }
+
+    void put(const QList<task> &tasks, bool inDark = false)
+    {
+        for (const task &t : tasks)
+            put(newTaskRecord(t, inDark));
+    }
+
+    /// The values of one field of all records, joined by blanks.
+    [[nodiscard]] QString field(const char *key)
+    {
+        QStringList values;
+        for (const CloudRecord &record : records())
+            values += record.value(QLatin1String(key)).toString();
+        return values.join(QLatin1Char(' '));
+    }
+
+    TemporaryHome home;
+    Defaults settings{home.path(QStringLiteral("settings.ini"))};
+    Appearance appearance;
+    NotificationCenter notifications;
+    QByteArrayList told;
+    TaskManager store{settings, appearance};
+    ScriptedContainer container{service}; // goes after the thread of the service
+    SqlCloudContainer service{{home.path(QStringLiteral("private/Cloud.sqlite"))}, {&taskRecordType()}};
+};
+
+} // namespace oblino
