@@ -20,9 +20,10 @@ void TaskManager::mergeFromCloud(const QList<CloudRecord> &records, CloudOperati
         places.insert(fullList().at(index).key, index);
 
     const bool inDark = inDarkMode();
+    const task made; // once: it asks the clock
     for (const CloudRecord &record : records) {
         trace("CloudKit record:", record);
-        task t = taskOfRecord(record, inDark);
+        task t = taskOfRecord(record, inDark, made);
         m_selected = places.value(t.key, -1);
         trace("Selected:", m_selected);
         if (m_selected < 0) {

@@ -3,6 +3,8 @@
 #include <core/taskkey.h>
 #include <platform/trace.h>
 
+#include <utility>
+
 namespace oblino {
 
 namespace {
@@ -125,9 +127,9 @@ void fillTaskRecord(CloudRecord &record, const task &t, bool inDark)
     record.setValue(ColorAlphaField, color.alpha());
 }
 
-task taskOfRecord(const CloudRecord &record, bool inDark)
+task taskOfRecord(const CloudRecord &record, bool inDark, task made)
 {
-    task t;
+    task t = std::move(made);
     t.color = readColor(record, inDark);
     read(t.key, record, KeyField);
     read(t.date, record, DateField);

@@ -15,8 +15,9 @@ namespace oblino {
 /// Sets every field of a task's record but its key.
 void fillTaskRecord(CloudRecord &record, const task &t, bool inDark);
 
-/// The task of a record. What the record lacks, or holds in another type, is as in a task that is just made.
+/// The task of a record.
 /// @param inDark  whether the task's colour is to be that of the dark appearance
-[[nodiscard]] task taskOfRecord(const CloudRecord &record, bool inDark);
+/// @param made    gives what the record lacks, or holds in another type
+[[nodiscard]] task taskOfRecord(const CloudRecord &record, bool inDark, task made = {});
 
 } // namespace oblino

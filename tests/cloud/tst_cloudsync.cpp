@@ -84,8 +84,7 @@ private Q_SLOTS:
         QCOMPARE(cloud.field("key").split(QLatin1Char(' ')).size(), 3);
         cloud.store.setTasks({});
         QVERIFY(cloud.store.syncToLocalFromCloud());
-        QList<task> merged = cloud.store.tasks();
-        std::sort(merged.begin(), merged.end(), [](const task &a, const task &b) { return a.key < b.key; });
+        const QList<task> merged = cloud.store.tasks();
         QCOMPARE(fields(merged), fields(tasks));
         QVERIFY(merged.first().color == tasks.first().color);
         QCOMPARE(cloud.store.lastMessage(), QStringLiteral("-iCloud:Update Complete!-"));

@@ -80,14 +80,18 @@ QStringList RecordSql::creation() const
 
 QString RecordSql::upsert(qsizetype rows) const
 {
+    QString &made = m_upserts[rows];
+    if (!made.isEmpty())
+        return made;
     QStringList changes;
     for (const RecordField &field : m_type.fields())
         changes += QStringLiteral("%1 = excluded.%1").arg(quotedName(field.key));
     const QString row =
         QLatin1Char('(') + repeated(QStringLiteral("?"), m_type.fields().size() + 2) + QLatin1Char(')');
-    return QStringLiteral("INSERT INTO %1 (%2, %3) VALUES %4 ON CONFLICT (%5) DO UPDATE SET %6")
-        .arg(m_table, m_columns, quotedName(created), repeated(row, rows), quotedName(recordName),
-             changes.join(QLatin1String(", ")));
+    made = QStringLiteral("INSERT INTO %1 (%2, %3) VALUES %4 ON CONFLICT (%5) DO UPDATE SET %6")
+               .arg(m_table, m_columns, quotedName(created), repeated(row, rows), quotedName(recordName),
+                    changes.join(QLatin1String(", ")));
+    return made;
 }
 
 QString RecordSql::select(const QString &key, qsizetype values) const

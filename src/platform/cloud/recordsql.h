@@ -51,8 +51,9 @@ public:
 private:
     const RecordType &m_type;
     QString m_tableName;
-    QString m_table;   // quoted, as the rest
-    QString m_columns; // name, fields
+    QString m_table;                             // quoted, as the rest
+    QString m_columns;                           // name, fields
+    mutable QHash<qsizetype, QString> m_upserts; // by rows; they are long to put together
 };
 
 /// A name as it stands in a statement, whatever characters it has.

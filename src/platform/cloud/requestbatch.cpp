@@ -216,8 +216,8 @@ RequestBatch::Error RequestBatch::query(std::span<CloudRequest> requests)
     }
     const bool byText = !standsAlone(requests.front());
     Error error = m_store.select(table.select(key, values.size()), values, [&](const QSqlQuery &row) {
-        const CloudRecord record = table.record(row);
-        found[byText ? record.value(key).toString() : QString()] += record;
+        CloudRecord record = table.record(row);
+        found[byText ? record.value(key).toString() : QString()] += std::move(record);
     });
     for (CloudRequest &request : requests)
         std::get<QueryRequest>(request.what).found = found.value(soughtText(request));
