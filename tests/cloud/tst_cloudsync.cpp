@@ -246,14 +246,14 @@ private Q_SLOTS:
         };
         cloud.put({withName("A", "old"), withName("A", "old"), withName("B", "old")});
         cloud.store.setTasks({withName("A", "new"), withName("B", "new"), withName("C", "new")});
-        cloud.container.script = [=](Request asked, int number) {
+        cloud.container.setScript([=](Request asked, int number) {
             const bool meant = single ? number == first : number >= first;
             return int(asked) == request && meant ? Fate(fate) : Fate::Pass;
-        };
+        });
         QVERIFY(!cloud.store.syncToCloudFromLocal());
         QCOMPARE(cloud.field("name"), saved);
 
-        cloud.container.script = [](Request, int) { return Fate::Pass; };
+        cloud.container.setScript([](Request, int) { return Fate::Pass; });
         QVERIFY(cloud.store.syncToCloudFromLocal());
         QVERIFY(cloud.field("name").startsWith(QStringLiteral("new new new new")));
     }
@@ -272,9 +272,8 @@ private Q_SLOTS:
         QFETCH(int, fate);
         Cloud cloud(200ms);
         cloud.put({named("A")});
-        cloud.container.script = [fate](Request request, int) {
-            return request == Request::Query ? Fate(fate) : Fate::Pass;
-        };
+        cloud.container.setScript(
+            [fate](Request request, int) { return request == Request::Query ? Fate(fate) : Fate::Pass; });
         bool alive = false;
         QTimer::singleShot(0, this, [&alive] { alive = true; });
         QVERIFY(!cloud.store.syncToLocalFromCloud());
@@ -290,9 +289,9 @@ private Q_SLOTS:
     {
         Cloud cloud;
         cloud.put({named("A"), named("B")});
-        cloud.container.script = [](Request request, int number) {
+        cloud.container.setScript([](Request request, int number) {
             return request == Request::Delete && number == 0 ? Fate::Fail : Fate::Pass;
-        };
+        });
         QVERIFY(!cloud.store.deleteAllTasksToCloud());
         QCOMPARE(cloud.field("key"), QStringLiteral("A"));
     }
@@ -338,9 +337,8 @@ private Q_SLOTS:
     void ignoresAnErrorOfTheAccountStatus()
     {
         Cloud cloud;
-        cloud.container.script = [](Request request, int) {
-            return request == Request::Status ? Fate::Fail : Fate::Pass;
-        };
+        cloud.container.setScript(
+            [](Request request, int) { return request == Request::Status ? Fate::Fail : Fate::Pass; });
         cloud.store.setTasks({named("A")});
         const QByteArray traces = tracesOf([&] { QVERIFY(cloud.store.syncToCloudFromLocal()); });
         QVERIFY(!traces.contains("-CloudKit:User") && !traces.contains("-CloudKit:Cannot"));
@@ -366,9 +364,8 @@ private Q_SLOTS:
         QVERIFY(merging.contains("CloudKit record: Task "));
         QVERIFY(merging.contains("\nSelected: 0\nEdit Task\nSelected Task: A Name of A\n"));
 
-        cloud.container.script = [](Request request, int) {
-            return request == Request::Save ? Fate::Fail : Fate::Pass;
-        };
+        cloud.container.setScript(
+            [](Request request, int) { return request == Request::Save ? Fate::Fail : Fate::Pass; });
         QVERIFY(tracesOf([&] {
                     QVERIFY(!cloud.store.syncToCloudFromLocal());
                 }).contains("-CloudKit:Save Error-\n"));
@@ -385,7 +382,7 @@ private Q_SLOTS:
     void answersAtOnceWhereNobodyWaits()
     {
         Cloud cloud;
-        cloud.container.script = [](Request, int) { return Fate::Hold; };
+        cloud.container.setScript([](Request, int) { return Fate::Hold; });
         QElapsedTimer time;
         time.start();
         QVERIFY(send(cloud.store, named("A")));
@@ -397,9 +394,8 @@ private Q_SLOTS:
     {
         Cloud cloud;
         cloud.put({named("A")});
-        cloud.container.script = [](Request request, int) {
-            return request == Request::Query ? Fate::Hold : Fate::Pass;
-        };
+        cloud.container.setScript(
+            [](Request request, int) { return request == Request::Query ? Fate::Hold : Fate::Pass; });
         QTimer::singleShot(50, qApp, [] { QCoreApplication::exit(); });
         QElapsedTimer time;
         time.start();
@@ -422,7 +418,7 @@ private Q_SLOTS:
         QFETCH(QString, outcome);
         using Controller = TaskManager::CloudKitController;
         Cloud cloud;
-        cloud.container.script = [fate](Request, int) { return Fate(fate); };
+        cloud.container.setScript([fate](Request, int) { return Fate(fate); });
         Controller controller(cloud.container);
         QCOMPARE(controller.scope, DatabaseScope::Public);
         QString got;

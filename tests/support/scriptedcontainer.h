@@ -2,6 +2,7 @@
 
 #include <platform/cloud/cloudcontainer.h>
 
+#include <atomic>
 #include <functional>
 #include <map>
 #include <memory>
@@ -22,9 +23,15 @@ public:
     {
     }
 
+    using Script = std::function<Fate(Request request, int number)>;
+
     /// What becomes of the n-th request of a kind, counted from 0. Called on any thread.
-    std::function<Fate(Request request, int number)> script = [](Request, int) { return Fate::Pass; };
-    AccountStatus status = AccountStatus::Available;
+    void setScript(const Script &script)
+    {
+        const std::lock_guard lock(m_mutex);
+        m_script = script;
+    }
+    std::atomic<AccountStatus> status = AccountStatus::Available;
 
     /// Passes on what was held.
     void release()
@@ -73,7 +80,7 @@ private:
         Fate fate;
         {
             const std::lock_guard lock(m_mutex);
-            fate = script(request, m_counts[request]++);
+            fate = m_script(request, m_counts[request]++);
             if (fate == Fate::Hold)
                 m_held.push_back(pass);
         }
@@ -129,6 +136,7 @@ private:
 
     CloudContainer &m_inner;
     std::mutex m_mutex;
+    Script m_script = [](Request, int) { return Fate::Pass; };
     std::map<Request, int> m_counts;
     std::vector<std::function<void()>> m_held;
     std::map<DatabaseScope, std::unique_ptr<Database>> m_databases;

@@ -95,9 +95,8 @@ private Q_SLOTS:
     {
         CloudWindow main(400ms);
         main.clickRow(QStringLiteral("apple"));
-        main.container.script = [](Request request, int) {
-            return request == Request::Query ? Fate::Hold : Fate::Pass;
-        };
+        main.container.setScript(
+            [](Request request, int) { return request == Request::Query ? Fate::Hold : Fate::Pass; });
         bool held = false;
         QTimer::singleShot(100, main.window.get(), [&main, &held] {
             held = !main.action("deleteAction").isEnabled() &&
@@ -114,9 +113,8 @@ private Q_SLOTS:
     void losesNothingWhenItIsClosedInTheMiddle()
     {
         CloudWindow main;
-        main.container.script = [](Request request, int) {
-            return request == Request::Query ? Fate::Hold : Fate::Pass;
-        };
+        main.container.setScript(
+            [](Request request, int) { return request == Request::Query ? Fate::Hold : Fate::Pass; });
         QTimer::singleShot(50, main.window.get(), [&main] {
             main.window->close();
             QCoreApplication::exit();
