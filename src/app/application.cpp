@@ -9,6 +9,7 @@
 #include <platform/notificationcenter.h>
 #include <platform/singleinstance.h>
 #include <platform/trace.h>
+#include <platform/widgets/cloudaccountwindow.h>
 #include <ui/theme.h>
 #include <ui/uiutil.h>
 #include <ui/viewcontroller.h>
@@ -16,6 +17,7 @@
 #include <QApplication>
 #include <QDBusConnection>
 #include <QMessageBox>
+#include <QStandardPaths>
 
 namespace oblino {
 
@@ -26,10 +28,19 @@ namespace {
 // A portal that is slower than this colours the window late rather than holding the start up.
 constexpr auto portalTime = 250ms;
 
+// The account belongs to the desktop, so it is not among the program's settings.
+CloudAccounts desktopAccounts()
+{
+    return CloudAccounts(QStandardPaths::writableLocation(QStandardPaths::AppConfigLocation) +
+                         QStringLiteral("/cloud.ini"));
+}
+
 } // namespace
 
 Application::Application(SingleInstance &instance)
     : m_portal(Appearance::standard(), QDBusConnection::sessionBus())
+    , m_keyring(QStringLiteral("oblino"))
+    , m_cloud(desktopAccounts(), contactsFolder() + QStringLiteral("/Cloud.sqlite"), m_keyring, {})
     , m_instance(instance)
 {
 }
@@ -50,9 +61,12 @@ void Application::start()
                                                     NotificationCenter::standard(), contactsFolder());
     connect(m_mainWindow.get(), &ViewController::terminationRequested, this, &Application::terminate);
     connect(m_mainWindow.get(), &ViewController::clientsRequested, this,
-            [this] { openContacts<ViewControllerClientMgmt>(); });
+            [this] { open<ViewControllerClientMgmt>(contactsFolder()); });
     connect(m_mainWindow.get(), &ViewController::teamMembersRequested, this,
-            [this] { openContacts<ViewControllerTeamMgmt>(); });
+            [this] { open<ViewControllerTeamMgmt>(contactsFolder()); });
+    connect(m_mainWindow.get(), &ViewController::cloudAccountRequested, this,
+            [this] { open<CloudAccountWindow>(m_cloud); });
+    connect(&m_cloud, &CloudSession::rememberingFailed, this, &Application::tellNotRemembered);
     connect(&m_instance, &SingleInstance::raiseRequested, m_mainWindow.get(), &ViewController::comeToFront);
     connect(&m_signals, &UnixSignals::endRequested, this, &Application::terminate);
     m_signals.listen();
@@ -60,17 +74,28 @@ void Application::start()
     m_mainWindow->show();
 }
 
-template<typename Window>
-void Application::openContacts()
+template<typename Window, typename... Arguments>
+void Application::open(Arguments &&...arguments)
 {
     auto *window = m_mainWindow->findChild<Window *>();
     if (!window) {
-        window = new Window(contactsFolder(), m_mainWindow.get());
+        window = new Window(std::forward<Arguments>(arguments)..., m_mainWindow.get());
         window->setAttribute(Qt::WA_DeleteOnClose);
     }
     window->show();
     window->raise();
     window->activateWindow();
+}
+
+void Application::tellNotRemembered()
+{
+    auto *box =
+        new QMessageBox(QMessageBox::Information, QApplication::applicationDisplayName(),
+                        tr("The keyring did not take the password of the cloud account. It is used until "
+                           "Oblino ends, and asked for again after that."),
+                        QMessageBox::Ok, m_mainWindow.get());
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->open();
 }
 
 void Application::followAppearance()

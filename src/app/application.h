@@ -1,5 +1,7 @@
 #pragma once
 
+#include <platform/cloud/cloudsession.h>
+#include <platform/keyring.h>
 #include <platform/portalappearance.h>
 #include <platform/unixsignals.h>
 #include <platform/widgets/sharingmenu.h>
@@ -25,14 +27,17 @@ public:
     void start();
 
 private:
-    template<typename Window>
-    void openContacts();
+    template<typename Window, typename... Arguments>
+    void open(Arguments &&...arguments);
+    void tellNotRemembered();
     void followAppearance();
     void terminate();
 
     UnixSignals m_signals;
     PortalAppearance m_portal;
     SharingMenu m_sharingMenu;
+    Keyring m_keyring;
+    CloudSession m_cloud;
     std::unique_ptr<ViewController> m_mainWindow;
     SingleInstance &m_instance;
 };

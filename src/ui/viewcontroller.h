@@ -88,6 +88,7 @@ Q_SIGNALS:
     void terminationRequested();
     void clientsRequested();
     void teamMembersRequested();
+    void cloudAccountRequested();
 
 protected:
     void showEvent(QShowEvent *event) override;

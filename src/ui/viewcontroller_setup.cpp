@@ -138,6 +138,7 @@ void ViewController::connectCommands()
     command(m_ui->clearSearchAction, [this] { searchField->clear(); });
     command(m_ui->clientsAction, &ViewController::clientsRequested);
     command(m_ui->teamMembersAction, &ViewController::teamMembersRequested);
+    command(m_ui->cloudAccountAction, &ViewController::cloudAccountRequested);
     command(m_ui->newTaskAction, [this] { newTask(); });
     command(m_ui->editAction, [this] { editTask(); });
     command(m_ui->shareAction, [this] { sharingTask(shareButton); });

@@ -200,9 +200,9 @@ void SqlCloudContainer::discoverUserIdentity(const QString &phoneNumber, Identit
     m_service->add({DiscoveryRequest{phoneNumber, std::move(handler)}});
 }
 
-std::optional<CloudError> checkPlace(const RecordPlace &place, const QList<const RecordType *> &types)
+std::optional<CloudError> checkPlace(const RecordPlace &place, const QList<const RecordType *> &types,
+                                     const std::atomic<bool> &cancelled)
 {
-    const std::atomic<bool> cancelled = false;
     RecordStore store(place, cancelled);
     RequestBatch batch(store, types, cancelled);
     std::vector<CloudRequest> requests;

@@ -5,6 +5,7 @@
 
 #include <QList>
 
+#include <atomic>
 #include <chrono>
 #include <map>
 #include <memory>
@@ -44,8 +45,9 @@ private:
 };
 
 /// Whether records of these types can be kept in that place; opens it for a moment, and may take as long as a
-/// server takes. @return what is wrong, in words
+/// server takes, or less once `cancelled` is true. @return what is wrong, in words
 [[nodiscard]] std::optional<CloudError> checkPlace(const RecordPlace &place,
-                                                   const QList<const RecordType *> &types);
+                                                   const QList<const RecordType *> &types,
+                                                   const std::atomic<bool> &cancelled);
 
 } // namespace oblino
