@@ -84,6 +84,12 @@ PostgresPollingStatusType settle(PGconn *connection, Clock::time_point end,
     return state;
 }
 
+// libpq puts what it supposes on a line of its own, without an end to the sentence before.
+QString onOneLine(QString message)
+{
+    return message.replace(QLatin1String("\n\t"), QLatin1String(". ")).simplified();
+}
+
 CloudError unreachable(const CloudAccount &account, const QString &detail)
 {
     return {CloudError::Code::Unreachable,
@@ -94,10 +100,11 @@ CloudError unreachable(const CloudAccount &account, const QString &detail)
 
 CloudError errorOf(const CloudAccount &account, const QString &message)
 {
-    static const QRegularExpression coded(QStringLiteral(":\\s+([0-9A-Z]{5}): *([^\\n]*)"));
+    // A code has a digit, unlike the severity before it, as in "failed: FATAL:  28P01: ".
+    static const QRegularExpression coded(QStringLiteral(":\\s+((?=[A-Z]*[0-9])[0-9A-Z]{5}): *([^\\n]*)"));
     const QRegularExpressionMatch match = coded.match(message);
     if (!match.hasMatch())
-        return unreachable(account, message.simplified());
+        return unreachable(account, onOneLine(message));
     const QString state = match.captured(1);
     switch (codeOfState(state)) {
     case CloudError::Code::LoginRefused:
@@ -143,7 +150,7 @@ std::optional<CloudError> probePostgres(const CloudAccount &account, const QStri
     const Connection connection = start(account, password);
     if (!connection || PQstatus(connection.get()) == CONNECTION_BAD) {
         const QString message = connection ? QString::fromUtf8(PQerrorMessage(connection.get())) : QString();
-        return unreachable(account, message.simplified());
+        return unreachable(account, onOneLine(message));
     }
     switch (settle(connection.get(), end, cancelled)) {
     case PGRES_POLLING_OK:
