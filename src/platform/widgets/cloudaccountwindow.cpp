@@ -63,6 +63,8 @@ CloudAccountWindow::CloudAccountWindow(CloudSession &session, QWidget *parent)
     , m_ui(std::make_unique<Ui::CloudAccountWindow>())
 {
     m_ui->setupUi(this);
+    m_ui->buttons->addButton(tr("OK"), QDialogButtonBox::AcceptRole)->setDefault(true);
+    m_ui->buttons->addButton(tr("Cancel"), QDialogButtonBox::RejectRole);
     for (QLabel *label : findChildren<QLabel *>()) {
         if (label->objectName().endsWith(QLatin1String("Problem")))
             say(label, {});
@@ -74,6 +76,8 @@ CloudAccountWindow::CloudAccountWindow(CloudSession &session, QWidget *parent)
     connectControls();
     showChoice();
     showSecurity();
+    constexpr int comfortableWidth = 72; // characters
+    resize(sizeHint().expandedTo({comfortableWidth * fontMetrics().averageCharWidth(), 0}));
 }
 
 CloudAccountWindow::~CloudAccountWindow()

@@ -4,6 +4,7 @@
 #include <ui_passwordprompt.h>
 
 #include <QPointer>
+#include <QPushButton>
 
 namespace oblino {
 
@@ -13,6 +14,8 @@ PasswordPrompt::PasswordPrompt(CloudSession &session, QWidget *parent)
     , m_ui(std::make_unique<Ui::PasswordPrompt>())
 {
     m_ui->setupUi(this);
+    m_ui->buttons->addButton(tr("OK"), QDialogButtonBox::AcceptRole)->setDefault(true);
+    m_ui->buttons->addButton(tr("Cancel"), QDialogButtonBox::RejectRole);
     const CloudAccount &account = session.account();
     m_ui->accountLabel->setText(tr("The cloud records of %1 on %2 need a password.\n"
                                    "Leave it empty if the server asks for none.")
