@@ -143,6 +143,7 @@ private Q_SLOTS:
         QVERIFY(!window.isTesting());
 
         window.enter(annsAccount);
+        QVERIFY(!window.find(problem).isVisible());
         window.press(Qt::Key_Return);
         QVERIFY(!window.window->isVisible());
         QCOMPARE(window.accounts.load(), annsAccount);

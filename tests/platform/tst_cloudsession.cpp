@@ -182,9 +182,11 @@ private Q_SLOTS:
     {
         using Act = std::function<void(CloudSession &)>;
         const Table<Act, QString> row;
-        const auto account = [](const CloudAccount &whose, const std::optional<QString> &password,
-                                bool remember) {
-            return [=](CloudSession &session) { QVERIFY(session.setAccount(whose, password, remember)); };
+        const auto account = [](const CloudAccount &whose, const QString &password, bool remember) {
+            return [=](CloudSession &session) {
+                QVERIFY(session.setAccount(whose, password.isEmpty() ? std::nullopt : std::optional(password),
+                                           remember));
+            };
         };
         row(
             "another", [](CloudSession &session) { session.setPassword(u"new"_s, true); }, u"new"_s);
@@ -192,14 +194,14 @@ private Q_SLOTS:
             "no longer", [](CloudSession &session) { session.setPassword(u"new"_s, false); }, u""_s);
         row("another with the account", account(annsAccount, u"new"_s, true), u"new"_s);
         row("no longer with the account", account(annsAccount, u"new"_s, false), u""_s);
-        row("no longer, and asked for", account(annsAccount, std::nullopt, false), u""_s);
-        row("the one it has", account(annsAccount, std::nullopt, true), u"old"_s);
+        row("no longer, and asked for", account(annsAccount, {}, false), u""_s);
+        row("the one it has", account(annsAccount, {}, true), u"old"_s);
         row("while another account is in use", account(bobsAccount, u"new"_s, true), u"old"_s);
-        row("while no account is in use", account({}, std::nullopt, false), u"old"_s);
+        row("while no account is in use", account({}, {}, false), u"old"_s);
         row(
             "an outdated one of an account that comes back",
             [=](CloudSession &session) {
-                account({}, std::nullopt, false)(session);
+                account({}, {}, false)(session);
                 account(annsAccount, u"new"_s, false)(session);
             },
             u""_s);

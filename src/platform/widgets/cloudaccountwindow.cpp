@@ -13,6 +13,7 @@
 #include <array>
 #include <atomic>
 #include <mutex>
+#include <type_traits>
 
 namespace oblino {
 
@@ -45,6 +46,12 @@ void say(QLabel *label, const QString &words)
     label->setPalette(colours);
     label->setText(words);
     label->setVisible(!words.isEmpty());
+}
+
+void complain(QWidget *field, QLabel *label, const QString &words)
+{
+    say(label, words);
+    field->setAccessibleDescription(words);
 }
 
 } // namespace
@@ -90,6 +97,14 @@ void CloudAccountWindow::connectControls()
     for (QLineEdit *field : {m_ui->hostField, m_ui->databaseField, m_ui->userField, m_ui->passwordField})
         connect(field, &QLineEdit::textChanged, this, &CloudAccountWindow::forgetTest);
     connect(m_ui->portField, &QSpinBox::textChanged, this, &CloudAccountWindow::forgetTest);
+    const auto renew = [this](auto *field, QLabel *problem) {
+        using Field = std::remove_pointer_t<decltype(field)>;
+        connect(field, &Field::textChanged, this, [field, problem] { complain(field, problem, {}); });
+    };
+    renew(m_ui->hostField, m_ui->hostProblem);
+    renew(m_ui->portField, m_ui->portProblem);
+    renew(m_ui->databaseField, m_ui->databaseProblem);
+    renew(m_ui->userField, m_ui->userProblem);
     connect(m_ui->securityBox, &QComboBox::currentIndexChanged, this, &CloudAccountWindow::showSecurity);
     connect(m_ui->serverButton, &QRadioButton::toggled, this, &CloudAccountWindow::showChoice);
     connect(m_ui->testButton, &QPushButton::clicked, this, &CloudAccountWindow::startTest);
@@ -199,8 +214,7 @@ bool CloudAccountWindow::inputIsGood()
               unless(!account.user.isEmpty(), tr("Enter the user name on the server."))}};
     QWidget *first = nullptr;
     for (const Check &check : checks) {
-        say(check.label, check.problem);
-        check.field->setAccessibleDescription(check.problem);
+        complain(check.field, check.label, check.problem);
         if (!first && !check.problem.isEmpty())
             first = check.field;
     }
