@@ -1,5 +1,6 @@
 #include <app/application.h>
 
+#include <cloud/taskrecord.h>
 #include <contacts/contactmodel.h>
 #include <contacts/windows/viewcontrollerclientmgmt.h>
 #include <contacts/windows/viewcontrollerteammgmt.h>
@@ -10,6 +11,7 @@
 #include <platform/singleinstance.h>
 #include <platform/trace.h>
 #include <platform/widgets/cloudaccountwindow.h>
+#include <platform/widgets/passwordprompt.h>
 #include <ui/theme.h>
 #include <ui/uiutil.h>
 #include <ui/viewcontroller.h>
@@ -40,12 +42,16 @@ CloudAccounts desktopAccounts()
 Application::Application(SingleInstance &instance)
     : m_portal(Appearance::standard(), QDBusConnection::sessionBus())
     , m_keyring(QStringLiteral("oblino"))
-    , m_cloud(desktopAccounts(), contactsFolder() + QStringLiteral("/Cloud.sqlite"), m_keyring, {})
+    , m_cloud(desktopAccounts(), contactsFolder() + QStringLiteral("/Cloud.sqlite"), m_keyring,
+              {&taskRecordType()})
     , m_instance(instance)
 {
 }
 
-Application::~Application() = default;
+Application::~Application()
+{
+    tskMgr().setCloud(nullptr, nullptr);
+}
 
 void Application::start()
 {
@@ -57,6 +63,7 @@ void Application::start()
     });
 
     tskMgr().setSharingPicker(&m_sharingMenu);
+    tskMgr().setCloud(&m_cloud.container(), &NotificationCenter::standard());
     m_mainWindow = std::make_unique<ViewController>(tskMgr(), Documents::standard(), uiUtil(),
                                                     NotificationCenter::standard(), contactsFolder());
     connect(m_mainWindow.get(), &ViewController::terminationRequested, this, &Application::terminate);
@@ -66,6 +73,7 @@ void Application::start()
             [this] { open<ViewControllerTeamMgmt>(contactsFolder()); });
     connect(m_mainWindow.get(), &ViewController::cloudAccountRequested, this,
             [this] { open<CloudAccountWindow>(m_cloud); });
+    m_mainWindow->setBeforeCloud([this] { return ensurePassword(m_cloud, m_mainWindow.get()); });
     connect(&m_cloud, &CloudSession::rememberingFailed, this, &Application::tellNotRemembered);
     connect(&m_instance, &SingleInstance::raiseRequested, m_mainWindow.get(), &ViewController::comeToFront);
     connect(&m_signals, &UnixSignals::endRequested, this, &Application::terminate);

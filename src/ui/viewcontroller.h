@@ -65,8 +65,9 @@ public:
     void UpdateToCloud(QObject *sender);
     void UpdateFromCoud(QObject *sender);
 
-    /// Sets what is called before a command that uses the cloud; it asks the user for what the cloud lacks.
-    void setBeforeCloud(std::function<void()> beforeCloud) { m_beforeCloud = std::move(beforeCloud); }
+    /// Sets what is called before a command that uses the cloud. It asks the user for what the cloud lacks,
+    /// and answers whether the command may go on.
+    void setBeforeCloud(std::function<bool()> beforeCloud) { m_beforeCloud = std::move(beforeCloud); }
 
     // What others tell the window
 
@@ -157,7 +158,8 @@ private:
     QHash<QAction *, QString> m_toolTips; // of commands while they are enabled
     QString m_selectedKey;                // of the task that the user selected last
     QActionGroup *m_views = nullptr;
-    std::function<void()> m_beforeCloud = [] {};
+    std::function<bool()> m_beforeCloud = [] { return true; };
+    bool m_deletionHasAsked = false;
     QString m_waitingFor;            // what the cloud is waited for, as the start of a message
     QList<QAction *> m_heldCommands; // disabled while the cloud is waited for
 

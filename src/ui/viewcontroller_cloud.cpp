@@ -16,7 +16,8 @@ namespace oblino {
 
 void ViewController::UpdateToCloud(QObject *)
 {
-    m_beforeCloud();
+    if (!m_beforeCloud())
+        return;
     m_waitingFor = tr("Sending to the cloud");
     if (m_store.syncToCloudFromLocal())
         m_utilities.dialogOK(QStringLiteral("Sync to iCloud succesfully!"));
@@ -36,7 +37,8 @@ void ViewController::UpdateFromCoud(QObject *)
     if (!confirmed)
         return;
     trace("Ok Pressed!");
-    m_beforeCloud();
+    if (!m_beforeCloud())
+        return;
     m_waitingFor = tr("Merging from the cloud");
     const bool updated = m_store.syncToLocalFromCloud();
     QThread::sleep(1);

@@ -121,8 +121,9 @@ void ViewController::btnDeleteTask_Click(QObject *)
             "The task will be deleted locally as well as from the iCloud if present. Are you sure you "
             "want to delete ?"),
         selected.name);
-    if (confirmed)
-        m_beforeCloud();
+    // Asked once only: a task can be deleted here without the cloud.
+    if (confirmed && !std::exchange(m_deletionHasAsked, true))
+        (void)m_beforeCloud();
     // The list may have changed under the questions; only the task that was asked about goes.
     if (confirmed && m_store.setSelected(selected.key) >= 0) {
         trace("Ok Pressed!");

@@ -82,12 +82,18 @@ private Q_SLOTS:
         CloudWindow main;
         main.command("updateToCloudAction");
         main.clickRow(QStringLiteral("apple"));
-        int asked = 0;
-        main.window->setBeforeCloud([&asked] { ++asked; });
+        QStringList asked;
+        main.window->setBeforeCloud([&asked] {
+            asked += QStringLiteral("asked");
+            return asked.size() == 3;
+        });
         main.command("deleteAction");
-        QCOMPARE(asked, 1);
+        QCOMPARE(main.saved(), QStringLiteral("pear"));
+        main.questions.asked.clear();
         main.command("updateFromCloudAction");
-        QCOMPARE(asked, 2);
+        QCOMPARE(main.questions.asked.size(), 1); // refused
+        main.command("updateFromCloudAction");
+        QCOMPARE(main.lastAsked(), QStringLiteral("Sync from iCloud succesfully!"));
         QCOMPARE(main.saved(), QStringLiteral("pear"));
     }
 
