@@ -151,7 +151,9 @@ QVariant RecordSql::stored(FieldType type, const QVariant &value)
 QVariant RecordSql::loaded(FieldType type, const QVariant &value)
 {
     const int held = value.typeId();
-    const bool whole = held == QMetaType::LongLong || held == QMetaType::Int;
+    // QPSQL gives whole numbers without a sign as unsigned ones.
+    const bool whole =
+        held == QMetaType::LongLong || held == QMetaType::ULongLong || held == QMetaType::Int;
     const bool fits = type == FieldType::Text     ? held == QMetaType::QString
                       : type == FieldType::Double ? whole || held == QMetaType::Double
                                                   : whole;
