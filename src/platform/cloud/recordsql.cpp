@@ -120,7 +120,7 @@ QStringList RecordSql::rightsCheck() const
 
 void RecordSql::appendRow(QVariantList &values, const CloudRecord &record, qint64 createdAt) const
 {
-    values += record.recordName();
+    values += stored(FieldType::Text, record.recordName());
     for (qsizetype field = 0; field < m_type.fields().size(); ++field)
         values += stored(m_type.fields().at(field).type, record.value(field));
     values += createdAt;
@@ -137,8 +137,10 @@ QVariant RecordSql::stored(FieldType type, const QVariant &value)
             return QStringLiteral("");
         return text.contains(nul) ? QVariant(text.replace(nul, nulStandIn)) : value;
     }
-    case FieldType::DateTime:
-        return value.toDateTime().toMSecsSinceEpoch();
+    case FieldType::DateTime: {
+        const QDateTime time = value.toDateTime();
+        return time.isNull() ? QVariant() : time.toMSecsSinceEpoch();
+    }
     case FieldType::Boolean:
         return value.toBool() ? 1 : 0;
     case FieldType::Integer:
@@ -152,8 +154,7 @@ QVariant RecordSql::loaded(FieldType type, const QVariant &value)
 {
     const int held = value.typeId();
     // QPSQL gives whole numbers without a sign as unsigned ones.
-    const bool whole =
-        held == QMetaType::LongLong || held == QMetaType::ULongLong || held == QMetaType::Int;
+    const bool whole = held == QMetaType::LongLong || held == QMetaType::ULongLong || held == QMetaType::Int;
     const bool fits = type == FieldType::Text     ? held == QMetaType::QString
                       : type == FieldType::Double ? whole || held == QMetaType::Double
                                                   : whole;

@@ -35,7 +35,7 @@ public:
     template<typename Row>
     [[nodiscard]] CloudRecord record(const Row &row) const
     {
-        CloudRecord found(m_type, row.value(0).toString());
+        CloudRecord found(m_type, loaded(FieldType::Text, row.value(0)).toString());
         for (qsizetype field = 0; field < m_type.fields().size(); ++field)
             found.setValue(field,
                            loaded(m_type.fields().at(field).type, row.value(static_cast<int>(field) + 1)));

@@ -209,9 +209,14 @@ RequestBatch::Error RequestBatch::query(std::span<CloudRequest> requests)
     const QString key = keyOf(requests.front());
     QVariantList values;
     QHash<QString, QList<CloudRecord>> found; // by what was sought; all of them where that is no text
+    const qsizetype field = type->indexOf(key);
+    if (field < 0 && !key.isEmpty()) // which SQLite would take for a text
+        return CloudError{
+            CloudError::Code::Other,
+            QCoreApplication::translate("CloudStore", "The cloud's records have no field %1.").arg(key)};
     for (const CloudRequest &request : requests) {
-        if (!key.isEmpty())
-            values += RecordSql::stored(FieldType::Text,
+        if (field >= 0)
+            values += RecordSql::stored(type->fields().at(field).type,
                                         std::get<QueryRequest>(request.what).query.predicate.value);
     }
     const bool byText = !standsAlone(requests.front());
@@ -229,7 +234,8 @@ RequestBatch::Error RequestBatch::remove(std::span<CloudRequest> requests)
     const auto [scope, type] = *tableOf(requests.front());
     QVariantList names;
     for (const CloudRequest &request : requests)
-        names += std::get<DeletionRequest>(request.what).record.recordName;
+        names +=
+            RecordSql::stored(FieldType::Text, std::get<DeletionRequest>(request.what).record.recordName);
     return m_store.run(sql(scope, *type).deletion(names.size()), names);
 }
 
@@ -247,8 +253,8 @@ RequestBatch::Error RequestBatch::discover(DiscoveryRequest &request)
 {
     const RecordSql &table = sql(DatabaseScope::Public, identityType);
     return m_store.select(
-        table.select(QStringLiteral("phoneNumber"), 1), {request.phoneNumber},
-        [&request](const QSqlQuery &row) {
+        table.select(QStringLiteral("phoneNumber"), 1),
+        {RecordSql::stored(FieldType::Text, request.phoneNumber)}, [&request](const QSqlQuery &row) {
             request.identity = UserIdentity{row.value(1).toString(), row.value(2).toString()};
         });
 }
