@@ -219,7 +219,8 @@ QString makePrivateFile(const QString &path)
         return file.isFile() ? QString() : errorWords(OpenFile::notRegular);
     OpenFile made(FileCalls::posix());
     const int error = made.openPrivate(QFile::encodeName(path), O_EXCL);
-    return error == 0 ? QString() : errorWords(error);
+    // Another program may have made it meanwhile.
+    return error == 0 || (error == EEXIST && QFileInfo(path).isFile()) ? QString() : errorWords(error);
 }
 
 QString errorWords(int error)
