@@ -8,6 +8,7 @@
 #include <QSqlDatabase>
 #include <QSqlDriver>
 #include <QSqlError>
+#include <QSqlRecord>
 #include <QStringList>
 #include <QUuid>
 
@@ -125,16 +126,30 @@ int RecordStore::duplicateSocket() const
     return ::dup(PQsocket(*static_cast<PGconn *const *>(handle.constData())));
 }
 
+// Of two programs that make tables at once one fails, and finds them when it looks again.
 RecordStore::Error RecordStore::prepare(const RecordSql &sql)
 {
     if (m_rightsChecks.contains(sql.tableName()))
         return std::nullopt;
-    const QStringList tables = QSqlDatabase::database(m_connection, false).tables();
-    const bool known = tables.contains(sql.tableName());
-    if (Error error = known ? checkVersion(sql) : create(sql, !tables.contains(versions)))
-        return error;
+    const auto look = [&] { return std::pair(hasTable(versions), hasTable(sql.tableName())); };
+    for (auto seen = look();;) {
+        const auto [hasVersions, isKnown] = seen;
+        Error error = isKnown ? checkVersion(sql) : create(sql, !hasVersions);
+        if (!error)
+            break;
+        if (const auto now = look(); !isKnown && now != seen)
+            seen = now;
+        else
+            return error;
+    }
     m_rightsChecks.insert(sql.tableName(), sql.rightsCheck());
     return std::nullopt;
+}
+
+// As statements see it: QSqlDatabase::tables() gives tables of a schema of the user's own another name.
+bool RecordStore::hasTable(const QString &name) const
+{
+    return !QSqlDatabase::database(m_connection, false).record(quotedName(name)).isEmpty();
 }
 
 RecordStore::Error RecordStore::create(const RecordSql &sql, bool withVersions)
@@ -226,7 +241,7 @@ RecordStore::Execution RecordStore::execute(const QString &statement, const QVar
 RecordStore::Error RecordStore::errorOf(const QSqlError &error)
 {
     const QString state = error.nativeErrorCode();
-    // Serialization failure and deadlock; and two programs that make the same table at once.
+    // Serialization failure and deadlock.
     m_shouldTryAgain = state == QLatin1String("40001") || state == QLatin1String("40P01");
     const QString text = error.databaseText().isEmpty() ? error.text() : error.databaseText();
     if (m_place.account.isRemote() && !isOpen())

@@ -82,6 +82,7 @@ private:
 
     [[nodiscard]] Error openFile();
     [[nodiscard]] Error openServer();
+    [[nodiscard]] bool hasTable(const QString &name) const;
     [[nodiscard]] Error create(const RecordSql &sql, bool withVersions);
     [[nodiscard]] Error checkVersion(const RecordSql &sql);
     [[nodiscard]] Execution execute(const QString &statement, const QVariantList &values);
