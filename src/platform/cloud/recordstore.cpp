@@ -17,6 +17,8 @@
 
 #include <algorithm>
 
+Q_DECLARE_OPAQUE_POINTER(PGconn *) // which QPSQL gives as its handle
+
 namespace oblino {
 
 using namespace std::chrono_literals;
@@ -121,9 +123,8 @@ int RecordStore::duplicateSocket() const
     if (!m_place.account.isRemote() || !isOpen())
         return -1;
     const QVariant handle = QSqlDatabase::database(m_connection, false).driver()->handle();
-    if (qstrcmp(handle.typeName(), "PGconn*") != 0)
-        return -1;
-    return ::dup(PQsocket(*static_cast<PGconn *const *>(handle.constData())));
+    const auto *connection = handle.value<PGconn *>();
+    return connection ? ::dup(PQsocket(connection)) : -1;
 }
 
 // Of two programs that make tables at once one fails, and finds them when it looks again.
