@@ -4,6 +4,7 @@
 #include <platform/cloud/recordsql.h>
 
 #include <QHash>
+#include <QSqlError>
 #include <QSqlQuery>
 #include <QString>
 
@@ -60,11 +61,14 @@ public:
     template<typename OnRow>
     [[nodiscard]] Error select(const QString &statement, const QVariantList &values, OnRow onRow)
     {
-        const auto [query, error] = execute(statement, values);
-        while (!error && query->next())
+        auto [query, error] = execute(statement, values);
+        if (error)
+            return error;
+        while (query->next())
             onRow(std::as_const(*query));
-        if (query)
-            query->finish();
+        if (const QSqlError &last = query->lastError(); last.isValid()) // it broke off midway
+            error = errorOf(last);
+        query->finish();
         return error;
     }
 
