@@ -19,6 +19,7 @@ namespace {
 
 constexpr std::size_t largestBatch = 4096; // requests in one transaction
 constexpr auto lastWait = 2s;              // at the end, for what is under way
+constexpr auto goodbye = 500ms;            // to a server, which need not answer
 
 } // namespace
 
@@ -102,6 +103,10 @@ void SqlCloudContainer::Service::run()
         RequestBatch batch(store, types, ends);
         while (waitForWork())
             carryOutWaiting(store, batch);
+        CallDeadline last(goodbye);
+        last.begin(store.duplicateSocket());
+        store.close();
+        last.end();
     }
     const std::lock_guard lock(mutex);
     hasEnded = true;
