@@ -25,8 +25,8 @@ struct CloudAccount
     friend bool operator==(const CloudAccount &, const CloudAccount &) = default;
 };
 
-/// Where the host's own certificate authorities are, or the file that the user keeps for this purpose
-/// (~/.postgresql/root.crt).
-[[nodiscard]] QString rootCertificates();
+/// The file of the certificate authorities that must vouch for a server: the host's own, or the one that the
+/// user keeps for this purpose (~/.postgresql/root.crt). There is no such file where nobody must.
+[[nodiscard]] QString rootCertificates(TlsMode mode);
 
 } // namespace oblino

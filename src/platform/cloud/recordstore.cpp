@@ -41,7 +41,7 @@ QString connectOptions(const CloudAccount &account)
                                                                 : QStringLiteral("disable");
     return QStringLiteral("sslmode=%1;sslrootcert='%2';connect_timeout=10;tcp_user_timeout=15000;"
                           "target_session_attrs=read-write")
-        .arg(mode, rootCertificates());
+        .arg(mode, rootCertificates(account.tlsMode));
 }
 
 } // namespace
