@@ -375,6 +375,7 @@ void tst_cloudcontainer::givesNoValueOfAnotherType()
     for (const auto &[key, value] : values)
         record.setValue(key, value);
     QCOMPARE(wordsOf(save(*m_container, record)), u""_s);
+    QCOMPARE(std::get<0>(find(*m_container)).first().value(u"amount"_s), QVariant(0.5));
     for (const auto &[key, value] : values) {
         if (m_engine != &m_sqlite)
             m_engine->run(m_place, u"ALTER TABLE %1 ALTER COLUMN \"%2\" TYPE TEXT"_s.arg(table, key));
@@ -479,7 +480,9 @@ void tst_cloudcontainer::endsWithRequestsWaiting()
     time.start();
     m_container.reset();
     isGone = true;
-    QVERIFY2(time.elapsed() < 3000, qPrintable(QString::number(time.elapsed())));
+    // Only a lock on a file cannot be let go of at once.
+    const int most = isHeld && m_engine == &m_sqlite ? 3000 : 1500;
+    QVERIFY2(time.elapsed() < most, qPrintable(QString::number(time.elapsed())));
     QVERIFY(answered < 20'000);
     if (isHeld)
         other.run(u"ROLLBACK"_s);
