@@ -27,6 +27,7 @@ namespace {
 
 constexpr int version = 1; // of the form of all tables
 constexpr auto loginPatience = 10s;
+constexpr int sqliteBusy = 5;
 const QString versions = QStringLiteral("cloud_record_types");
 
 QString words(const char *text)
@@ -159,7 +160,7 @@ RecordStore::Error RecordStore::create(const RecordSql &sql, bool withVersions)
     if (withVersions)
         statements.prepend(QStringLiteral("CREATE TABLE %1 (name TEXT PRIMARY KEY, version BIGINT)")
                                .arg(quotedName(versions)));
-    Error error = begin();
+    Error error = begin(Access::Write);
     for (const QString &statement : std::as_const(statements))
         error = error ? error : run(statement);
     error =
@@ -195,9 +196,11 @@ RecordStore::Error RecordStore::checkRights()
     return run(QStringLiteral("SELECT 1"));
 }
 
-RecordStore::Error RecordStore::begin()
+// SQLite does not wait for a lock to write when it already has one to read.
+RecordStore::Error RecordStore::begin(Access access)
 {
-    return run(QStringLiteral("BEGIN"));
+    const bool locks = access == Access::Write && !m_place.account.isRemote();
+    return run(locks ? QStringLiteral("BEGIN IMMEDIATE") : QStringLiteral("BEGIN"));
 }
 
 RecordStore::Error RecordStore::commit()
@@ -241,14 +244,18 @@ RecordStore::Execution RecordStore::execute(const QString &statement, const QVar
 
 RecordStore::Error RecordStore::errorOf(const QSqlError &error)
 {
+    const bool isRemote = m_place.account.isRemote();
     const QString state = error.nativeErrorCode();
+    if (isRemote && !isOpen())
+        return CloudError{CloudError::Code::Unreachable,
+                          words("The connection to the server %1 is lost.").arg(m_place.account.host)};
+    const bool isLocked = !isRemote && (state.toInt() & 0xff) == sqliteBusy;
     // Serialization failure and deadlock.
     m_shouldTryAgain = state == QLatin1String("40001") || state == QLatin1String("40P01");
     const QString text = error.databaseText().isEmpty() ? error.text() : error.databaseText();
-    if (m_place.account.isRemote() && !isOpen())
-        return CloudError{CloudError::Code::Unreachable,
-                          words("The connection to the server %1 is lost.").arg(m_place.account.host)};
-    return CloudError{m_place.account.isRemote() ? codeOfState(state) : CloudError::Code::Other,
+    return CloudError{isLocked   ? CloudError::Code::Unreachable
+                      : isRemote ? codeOfState(state)
+                                 : CloudError::Code::Other,
                       text.simplified()};
 }
 

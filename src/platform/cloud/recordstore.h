@@ -33,6 +33,7 @@ class RecordStore
 {
 public:
     using Error = std::optional<CloudError>;
+    enum class Access { Read, Write };
 
     /// @param cancelled  ends a wait for the server early once it is true
     RecordStore(RecordPlace place, const std::atomic<bool> &cancelled);
@@ -52,7 +53,7 @@ public:
     /// Tries the rights that the tables need which this store has seen.
     [[nodiscard]] Error checkRights();
 
-    [[nodiscard]] Error begin();
+    [[nodiscard]] Error begin(Access access);
     [[nodiscard]] Error commit();
     void rollBack();
     /// Runs a statement that gives no rows, or whose rows do not matter.

@@ -47,6 +47,13 @@ QString soughtText(const CloudRequest &request)
     return query->query.predicate.value.toString();
 }
 
+bool isWriting(const CloudRequest &request)
+{
+    return std::holds_alternative<SaveRequest>(request.what) ||
+           std::holds_alternative<DeletionRequest>(request.what) ||
+           std::holds_alternative<ZoneRequest>(request.what);
+}
+
 bool standsAlone(const CloudRequest &request)
 {
     if (std::holds_alternative<QueryRequest>(request.what))
@@ -98,14 +105,25 @@ RequestBatch::RequestBatch(RecordStore &store, const QList<const RecordType *> &
 void RequestBatch::carryOut(std::span<CloudRequest> requests)
 {
     prepare(requests);
+    carryOutPrepared(requests);
+}
+
+// Halves of a batch that failed are tried until what cannot be done is by itself: few transactions, however
+// large the batch. A place that cannot be reached is the same for all.
+void RequestBatch::carryOutPrepared(std::span<CloudRequest> requests)
+{
     const Error error = inOneTransaction(requests);
     if (!error)
         return;
-    for (std::size_t i = 0; i < requests.size(); ++i) {
-        if (!requests[i].error)
-            requests[i].error =
-                m_store.isOpen() && requests.size() > 1 ? inOneTransaction(requests.subspan(i, 1)) : error;
+    if (requests.size() > 1 && m_store.isOpen() && !m_cancelled &&
+        error->code != CloudError::Code::Unreachable) {
+        const std::size_t half = requests.size() / 2;
+        carryOutPrepared(requests.first(half));
+        carryOutPrepared(requests.subspan(half));
+        return;
     }
+    for (CloudRequest &request : requests)
+        request.error = request.error ? request.error : error;
 }
 
 // Sets the error of every request that cannot be carried out at all.
@@ -139,9 +157,10 @@ RequestBatch::Error RequestBatch::checkAccount()
 
 RequestBatch::Error RequestBatch::inOneTransaction(std::span<CloudRequest> requests)
 {
+    const bool writes = std::ranges::any_of(requests, isWriting);
     Error error;
     for (int attempt = 0; attempt < attempts; ++attempt) {
-        error = m_store.begin();
+        error = m_store.begin(writes ? RecordStore::Access::Write : RecordStore::Access::Read);
         error = error ? error : run(requests);
         error = error ? error : m_store.commit();
         const bool again = error && m_store.shouldTryAgain();

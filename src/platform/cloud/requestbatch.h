@@ -12,7 +12,7 @@
 namespace oblino {
 
 /// Carries out requests that wait together: in one transaction, and neighbours of one kind in one statement.
-/// Where that fails, each request is tried by itself, so that one that cannot be done spoils no other.
+/// A request that cannot be done spoils no other.
 class RequestBatch
 {
 public:
@@ -28,6 +28,7 @@ private:
     using Error = RecordStore::Error;
 
     void prepare(std::span<CloudRequest> requests);
+    void carryOutPrepared(std::span<CloudRequest> requests);
     [[nodiscard]] Error checkAccount();
     [[nodiscard]] Error inOneTransaction(std::span<CloudRequest> requests);
     [[nodiscard]] Error run(std::span<CloudRequest> requests);
