@@ -208,9 +208,12 @@ RecordStore::Error RecordStore::commit()
     return run(QStringLiteral("COMMIT"));
 }
 
+// Statements that were prepared before somebody changed a table have to be prepared again.
 void RecordStore::rollBack()
 {
     (void)run(QStringLiteral("ROLLBACK"));
+    if (std::exchange(m_hasStalePlans, false))
+        m_prepared.clear();
 }
 
 RecordStore::Error RecordStore::run(const QString &statement, const QVariantList &values)
@@ -250,8 +253,9 @@ RecordStore::Error RecordStore::errorOf(const QSqlError &error)
         return CloudError{CloudError::Code::Unreachable,
                           words("The connection to the server %1 is lost.").arg(m_place.account.host)};
     const bool isLocked = !isRemote && (state.toInt() & 0xff) == sqliteBusy;
+    m_hasStalePlans = m_hasStalePlans || state == QLatin1String("0A000");
     // Serialization failure and deadlock.
-    m_shouldTryAgain = state == QLatin1String("40001") || state == QLatin1String("40P01");
+    m_shouldTryAgain = m_hasStalePlans || state == QLatin1String("40001") || state == QLatin1String("40P01");
     const QString text = error.databaseText().isEmpty() ? error.text() : error.databaseText();
     return CloudError{isLocked   ? CloudError::Code::Unreachable
                       : isRemote ? codeOfState(state)

@@ -99,6 +99,7 @@ private:
     std::map<QString, QSqlQuery> m_prepared;
     QHash<QString, QStringList> m_rightsChecks; // by table
     bool m_shouldTryAgain = false;
+    bool m_hasStalePlans = false;
     qint64 m_lastCreated = 0;
 };
 
