@@ -12,6 +12,8 @@
 #include <QProcess>
 #include <QTest>
 
+#include <atomic>
+
 using namespace oblino;
 using namespace Qt::Literals::StringLiterals;
 
@@ -25,6 +27,7 @@ private Q_SLOTS:
     void leavesAloneWhatIsNoFileOfRecords_data();
     void leavesAloneWhatIsNoFileOfRecords();
     void readsWhatCannotBeWritten();
+    void givesUpOnALockedFileOnceForAll();
     void keepsWhatWasSavedWhenKilled();
 
 private:
@@ -87,6 +90,27 @@ void tst_cloudfile::readsWhatCannotBeWritten()
     QCOMPARE(victim.readAll(),
              "attempt to write a readonly database\nattempt to write a readonly database\n");
     QCOMPARE(contentOf(place.file), before);
+}
+
+void tst_cloudfile::givesUpOnALockedFileOnceForAll()
+{
+    const RecordPlace place = m_engine.newPlace();
+    SqlCloudContainer container(place, {&noteType()});
+    QCOMPARE(statusOf(container), AccountStatus::Available);
+    SecondConnection other = m_engine.connectTo(place);
+    std::atomic<int> refused = 0;
+    {
+        const Pause pause(container);
+        other.run(u"BEGIN EXCLUSIVE"_s);
+        for (int i = 0; i < 50; ++i)
+            container.privateCloudDatabase().saveRecord(
+                note(QString::number(i)), [&](const auto &, const CloudFailure &failure) {
+                    refused += failure && failure->code == CloudError::Code::Unreachable;
+                });
+    }
+    QTRY_COMPARE_WITH_TIMEOUT(refused, 50, 9000);
+    other.run(u"ROLLBACK"_s);
+    QCOMPARE(wordsOf(save(container, note(u"one"_s))), u""_s);
 }
 
 void tst_cloudfile::keepsWhatWasSavedWhenKilled()

@@ -45,6 +45,7 @@ private Q_SLOTS:
     void opensADroppedConnectionAgain();
     void goesOnWhenTheServerIsBack();
     void givesUpOnASuspendedServer();
+    void movesAwayFromASuspendedServer();
     void endsWhileTheServerIsSuspended_data();
     void endsWhileTheServerIsSuspended();
 
@@ -240,6 +241,21 @@ void tst_cloudserver::givesUpOnASuspendedServer()
     QCOMPARE(why, u"The connection to the server 127.0.0.1 is lost."_s);
     QVERIFY2(taken >= 300 && taken < 3000, qPrintable(QString::number(taken)));
     QCOMPARE(wordsOf(save(*container, note(u"two"_s))), u""_s);
+}
+
+void tst_cloudserver::movesAwayFromASuspendedServer()
+{
+    const auto container = newContainer();
+    QCOMPARE(statusOf(*container), AccountStatus::Available);
+    m_server->suspend();
+    QElapsedTimer time;
+    time.start();
+    container->setPlace({.file = m_home.filePath(u"cloud.sqlite"_s)});
+    const AccountStatus status = statusOf(*container);
+    const qint64 taken = time.elapsed();
+    m_server->resume();
+    QCOMPARE(status, AccountStatus::Available);
+    QVERIFY2(taken < 3000, qPrintable(QString::number(taken)));
 }
 
 void tst_cloudserver::endsWhileTheServerIsSuspended_data()
