@@ -79,6 +79,7 @@ private Q_SLOTS:
     void savesZones();
     void findsUsersByPhoneNumber();
     void movesToAnotherPlace();
+    void finishesWhatIsQuicklyDone();
     void endsWithRequestsWaiting_data();
     void endsWithRequestsWaiting();
     void makesItsTablesBesideOthers();
@@ -448,6 +449,15 @@ void tst_cloudcontainer::movesToAnotherPlace()
     QCOMPARE(namesIn(*newContainer(elsewhere)), QStringList(u"there"_s));
 }
 
+void tst_cloudcontainer::finishesWhatIsQuicklyDone()
+{
+    for (int i = 0; i < 50; ++i)
+        m_container->privateCloudDatabase().saveRecord(note(QString::number(i)),
+                                                       [](const auto &, const auto &) {});
+    m_container.reset();
+    QCOMPARE(namesIn(*newContainer(m_place)).size(), 50);
+}
+
 void tst_cloudcontainer::endsWithRequestsWaiting_data()
 {
     QTest::addColumn<bool>("isHeld");
@@ -482,9 +492,9 @@ void tst_cloudcontainer::endsWithRequestsWaiting()
     m_container.reset();
     isGone = true;
     // Only a lock on a file cannot be let go of at once.
-    const int most = isHeld && m_engine == &m_sqlite ? 3000 : 1500;
+    const int most = isHeld && m_engine == &m_sqlite ? 3000 : 2200;
     QVERIFY2(time.elapsed() < most, qPrintable(QString::number(time.elapsed())));
-    QVERIFY(answered < 20'000);
+    QCOMPARE(answered > 0, !isHeld);
     if (isHeld)
         other.run(u"ROLLBACK"_s);
     QTRY_VERIFY(kept.expired()); // then nothing is left that could call a handler

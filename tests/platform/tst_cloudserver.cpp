@@ -129,7 +129,8 @@ void tst_cloudserver::tellsWhetherTheAccountCanBeUsed()
     QCOMPARE(statusOf(*container), status);
     const QString why = wordsOf(save(*container, note(u"two"_s)));
     QVERIFY2(why.contains(words) && why.isEmpty() == words.isEmpty(), qPrintable(why));
-    const CloudFailure found = checkPlace(m_place, {&noteType()});
+    const std::atomic<bool> cancelled = false;
+    const CloudFailure found = checkPlace(m_place, {&noteType()}, cancelled);
     QCOMPARE(found.has_value(), status != AccountStatus::Available);
 }
 

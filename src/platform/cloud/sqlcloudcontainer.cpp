@@ -18,7 +18,8 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr std::size_t largestBatch = 4096; // requests in one transaction
-constexpr auto lastWait = 2s;              // at the end, for what is under way
+constexpr auto finishing = 700ms;          // at the end, for what waits
+constexpr auto lastWait = 1500ms;          // and then for what is under way
 constexpr auto goodbye = 500ms;            // to a server, which need not answer
 
 } // namespace
@@ -45,6 +46,7 @@ struct SqlCloudContainer::Service
     std::vector<CloudRequest> waiting;
     RecordPlace place;
     bool isElsewhere = false; // the place has changed since it was opened
+    bool isWorking = false;
     bool hasEnded = false;
     std::atomic<bool> ends = false;
     QList<const RecordType *> types;
@@ -117,7 +119,10 @@ void SqlCloudContainer::Service::run()
 bool SqlCloudContainer::Service::waitForWork()
 {
     std::unique_lock lock(mutex);
+    isWorking = false;
+    changed.notify_all();
     changed.wait(lock, [this] { return ends || isElsewhere || !waiting.empty(); });
+    isWorking = true;
     return !ends && !isElsewhere;
 }
 
@@ -169,6 +174,11 @@ SqlCloudContainer::SqlCloudContainer(const RecordPlace &place, const QList<const
 // The thread may hang in the look-up of a name, which nothing ends; then the program ends without it.
 SqlCloudContainer::~SqlCloudContainer()
 {
+    {
+        std::unique_lock lock(m_service->mutex);
+        m_service->changed.wait_for(lock, finishing,
+                                    [this] { return m_service->waiting.empty() && !m_service->isWorking; });
+    }
     m_service->ends = true;
     m_service->deadline.cutAll();
     std::unique_lock lock(m_service->mutex);

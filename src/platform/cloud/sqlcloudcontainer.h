@@ -17,8 +17,8 @@ struct CloudRequest;
 /// The cloud record service on an SQL database: on a user's server, or in a file of this machine. It has one
 /// thread, on which it works and answers. Requests that wait together go into one transaction.
 ///
-/// When it goes it ends what it is doing within about two seconds: a transaction that is under way is undone,
-/// and what was not answered by then never is.
+/// When it goes it first finishes what waits, if that takes less than a second. It ends the rest within about
+/// two: a transaction that is under way is undone, and what was not answered by then never is.
 class SqlCloudContainer : public CloudContainer
 {
 public:
