@@ -2,6 +2,8 @@
 // same rows by one prepared statement in one transaction.
 #include "generatedlist.h"
 
+#include <support/postgresserver.h>
+
 #include <cloud/taskrecord.h>
 #include <core/taskmanager.h>
 #include <platform/appearance.h>
@@ -116,6 +118,7 @@ void report(const char *engine, const char *what, double took, double plain)
 
 void measure(const char *engine, const RecordPlace &place, const QSqlDatabase &database)
 {
+    require(database.isOpen() || QSqlDatabase(database).open(), "open", database.lastError().text());
     const QTemporaryDir folder;
     Defaults settings(folder.filePath(QStringLiteral("settings.ini")));
     Appearance appearance;
@@ -163,14 +166,32 @@ int main(int argc, char **argv)
     std::printf("%-12s %-28s %9s %9s %7s   (goal %.0f)\n", "", "", "took, ms", "plain, ms", "times", goal);
 
     const QTemporaryDir folder;
-    const RecordPlace file{folder.filePath(QStringLiteral("private/Cloud.sqlite"))};
+    const QString plain = QStringLiteral("plain");
     {
-        QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QStringLiteral("plain"));
+        QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), plain);
         database.setDatabaseName(folder.filePath(QStringLiteral("plain.sqlite")));
-        require(database.open(), "open");
-        measure("SQLite", file, database);
+        measure("SQLite", {folder.filePath(QStringLiteral("private/Cloud.sqlite"))}, database);
     }
-    QSqlDatabase::removeDatabase(QStringLiteral("plain"));
+    QSqlDatabase::removeDatabase(plain);
+    if (!PostgresServer::isInstalled()) {
+        std::printf("PostgreSQL is not installed.\n");
+        return EXIT_SUCCESS;
+    }
+    PostgresServer server;
+    const RecordPlace place = server.newPlace();
+    {
+        QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), plain);
+        database.setHostName(place.account.host);
+        database.setPort(place.account.port);
+        database.setDatabaseName(place.account.database);
+        database.setUserName(place.account.user);
+        database.setPassword(place.password);
+        database.setConnectOptions(place.account.tlsMode == TlsMode::Disable
+                                       ? QStringLiteral("sslmode=disable")
+                                       : QStringLiteral("sslmode=require"));
+        measure("PostgreSQL", place, database);
+    }
+    QSqlDatabase::removeDatabase(plain);
     Trace::setDescriptor(-1);
     return EXIT_SUCCESS;
 }

@@ -42,6 +42,14 @@ QString scopeName(DatabaseScope scope)
 constexpr QChar nul(u'\0');
 constexpr QChar nulStandIn(u'\uFDD0');
 
+QDateTime momentOf(qint64 milliseconds, RecordSql::Moments &moments)
+{
+    const auto known = moments.constFind(milliseconds);
+    return known != moments.cend()
+               ? *known
+               : *moments.insert(milliseconds, QDateTime::fromMSecsSinceEpoch(milliseconds));
+}
+
 } // namespace
 
 QString quotedName(const QString &name)
@@ -150,7 +158,7 @@ QVariant RecordSql::stored(FieldType type, const QVariant &value)
     return value;
 }
 
-QVariant RecordSql::loaded(FieldType type, const QVariant &value)
+QVariant RecordSql::loaded(FieldType type, const QVariant &value, Moments &moments)
 {
     const int held = value.typeId();
     // QPSQL gives whole numbers without a sign as unsigned ones.
@@ -168,7 +176,7 @@ QVariant RecordSql::loaded(FieldType type, const QVariant &value)
     case FieldType::Double:
         return value.toDouble();
     case FieldType::DateTime:
-        return QDateTime::fromMSecsSinceEpoch(value.toLongLong());
+        return momentOf(value.toLongLong(), moments);
     case FieldType::Boolean:
         return value.toLongLong() != 0;
     case FieldType::Integer:

@@ -2,6 +2,8 @@
 
 #include <platform/cloud/cloudcontainer.h>
 
+#include <QDateTime>
+#include <QHash>
 #include <QString>
 #include <QStringList>
 #include <QVariantList>
@@ -31,14 +33,17 @@ public:
 
     /// @param created  where the record comes in the order of records, when it is new
     void appendRow(QVariantList &values, const CloudRecord &record, qint64 created) const;
+    /// Points in time that a select has met already: the system is slow to tell what they are in local time.
+    using Moments = QHash<qint64, QDateTime>;
+
     /// A record of a row of select(), whose first column is the name.
     template<typename Row>
-    [[nodiscard]] CloudRecord record(const Row &row) const
+    [[nodiscard]] CloudRecord record(const Row &row, Moments &moments) const
     {
-        CloudRecord found(m_type, loaded(FieldType::Text, row.value(0)).toString());
+        CloudRecord found(m_type, loaded(FieldType::Text, row.value(0), moments).toString());
         for (qsizetype field = 0; field < m_type.fields().size(); ++field)
-            found.setValue(field,
-                           loaded(m_type.fields().at(field).type, row.value(static_cast<int>(field) + 1)));
+            found.setValue(field, loaded(m_type.fields().at(field).type,
+                                         row.value(static_cast<int>(field) + 1), moments));
         return found;
     }
 
@@ -46,7 +51,7 @@ public:
     /// since 1970 UTC, a boolean as 0 or 1.
     [[nodiscard]] static QVariant stored(FieldType type, const QVariant &value);
     /// The value again; invalid where the store holds something of another type.
-    [[nodiscard]] static QVariant loaded(FieldType type, const QVariant &value);
+    [[nodiscard]] static QVariant loaded(FieldType type, const QVariant &value, Moments &moments);
 
 private:
     const RecordType &m_type;

@@ -238,9 +238,10 @@ RequestBatch::Error RequestBatch::query(std::span<CloudRequest> requests)
             values += RecordSql::stored(type->fields().at(field).type,
                                         std::get<QueryRequest>(request.what).query.predicate.value);
     }
+    RecordSql::Moments moments;
     const bool byText = !standsAlone(requests.front());
     Error error = m_store.select(table.select(key, values.size()), values, [&](const QSqlQuery &row) {
-        CloudRecord record = table.record(row);
+        CloudRecord record = table.record(row, moments);
         found[byText ? record.value(key).toString() : QString()] += std::move(record);
     });
     for (CloudRequest &request : requests)
