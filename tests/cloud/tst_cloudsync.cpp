@@ -396,7 +396,7 @@ private Q_SLOTS:
         cloud.put({named("A")});
         cloud.container.setScript(
             [](Request request, int) { return request == Request::Query ? Fate::Hold : Fate::Pass; });
-        QTimer::singleShot(50, qApp, [] { QCoreApplication::exit(); });
+        QTimer::singleShot(50, QCoreApplication::instance(), [] { QCoreApplication::exit(); });
         QElapsedTimer time;
         time.start();
         QVERIFY(!cloud.store.syncToLocalFromCloud());
@@ -423,7 +423,7 @@ private Q_SLOTS:
         QCOMPARE(controller.scope, DatabaseScope::Public);
         QString got;
         controller.save(CloudRecord(taskRecordType(), QStringLiteral("R")), [&](const auto &result) {
-            QCOMPARE(QThread::currentThread(), qApp->thread());
+            QCOMPARE(QThread::currentThread(), QCoreApplication::instance()->thread());
             got = result.success()
                       ? result.success()->recordName()
                       : QStringLiteral("%1 %2").arg(result.failure()->which()).arg(result.failure()->text());
