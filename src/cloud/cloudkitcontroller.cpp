@@ -2,6 +2,7 @@
 
 #include <platform/dispatch.h>
 
+#include <QCoreApplication>
 #include <QPointer>
 
 namespace oblino {
@@ -39,7 +40,7 @@ void TaskManager::CloudKitController::save(const CloudRecord &record,
     currentDatabase().saveRecord(record, [context = QPointer<QObject>(this), callback = std::move(callback)](
                                              const auto &saved, const auto &error) {
         // Only the main thread can tell whether the controller is still there.
-        Dispatch::main(qApp, [context, callback, result = resultOf(saved, error)] {
+        Dispatch::main(QCoreApplication::instance(), [context, callback, result = resultOf(saved, error)] {
             if (context)
                 callback(result);
         });
