@@ -1,0 +1,134 @@
+#include <messaging/smsgateway.h>
+
+#include <core/taskmanager.h>
+#include <messaging/sendingstate.h>
+#include <messaging/smsmessage.h>
+#include <platform/httpclient.h>
+#include <platform/trace.h>
+
+#include <QCoreApplication>
+#include <QStringDecoder>
+
+#include <atomic>
+#include <memory>
+
+namespace oblino {
+
+namespace {
+
+// Shared by the caller, who waits for `finished`, and the handler, which may outlast that wait by a moment.
+struct Outcome
+{
+    std::atomic<bool> success = true;
+    std::atomic<bool> finished = false;
+};
+
+std::optional<QString> decoded(const QByteArray &body)
+{
+    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
+    const QString text = decoder(body);
+    return decoder.hasError() ? std::nullopt : std::optional(text);
+}
+
+void judge(const QString &response, Outcome &outcome)
+{
+    trace("Response:", response);
+    if (isSmsError(response)) {
+        outcome.success = false;
+        SendingState::setLastResponse(response);
+        trace("---Response Contains Errors---");
+    } else {
+        trace("---Response Does Not Contain Errors---");
+    }
+}
+
+void handle(const HttpAnswer &answer, Outcome &outcome)
+{
+    trace("Finished");
+    const std::optional<QString> response = answer.body ? decoded(*answer.body) : std::nullopt;
+    if (response) {
+        judge(*response, outcome);
+    } else {
+        trace("Error:", answer.body ? QStringLiteral("the answer is not UTF-8 text") : answer.error);
+        outcome.success = false;
+    }
+    outcome.finished = true;
+    outcome.finished.notify_one();
+}
+
+} // namespace
+
+SmsGateway::SmsGateway(const TaskManager &settings, HttpClient &client, const QString &host, quint16 port)
+    : m_settings(settings)
+    , m_client(client)
+    , m_host(host)
+    , m_port(port)
+{
+}
+
+bool SmsGateway::sendSMS(const QString &message, const QString &toNumber)
+{
+    if (hasStopped())
+        return false;
+    const QString sid = m_settings.getTwilioSID();
+    const QString secret = m_settings.getTwilioSecret();
+    const auto outcome = std::make_shared<Outcome>();
+    const QString from = m_settings.getTwilioSendingPhoneNo();
+    const QString to = m_settings.getOverwrite() ? m_settings.getTestPhoneNo() : toNumber;
+    const QString text = smsText(message);
+    trace("Start Message");
+    const std::optional<QUrl> url = smsUrl(m_host, m_port, sid, secret);
+    if (!url) {
+        trace("Error: the account's id or secret has a character that no address can carry");
+        return false;
+    }
+    trace("Start Message");
+    m_client.post({*url, sid, secret, smsForm(from, to, text)},
+                  [outcome](const HttpAnswer &answer) { handle(answer, *outcome); });
+    outcome->finished.wait(false);
+    pause();
+    trace("--- Send SMS Success:", outcome->success.load(), "---");
+    trace("---Send SMS Finished:", outcome->finished.load(), "---");
+    return outcome->success;
+}
+
+void SmsGateway::stop()
+{
+    {
+        const std::lock_guard lock(m_mutex);
+        m_stops = true;
+    }
+    m_changed.notify_all();
+    m_client.stop();
+}
+
+void SmsGateway::pause()
+{
+    std::unique_lock lock(m_mutex);
+    m_changed.wait_for(lock, smsPause(m_settings.getDelay()), [this] { return m_stops; });
+}
+
+bool SmsGateway::hasStopped()
+{
+    const std::lock_guard lock(m_mutex);
+    return m_stops;
+}
+
+SmsGateway &smsGateway()
+{
+    static HttpClient client;
+    static SmsGateway gateway(tskMgr(), client);
+    static const bool stopsWithApplication = [] {
+        qAddPostRoutine([] { smsGateway().stop(); });
+        return true;
+    }();
+    Q_UNUSED(stopsWithApplication)
+    return gateway;
+}
+
+bool sendSMS(const QString &message, const QString &toNumber)
+{
+    return smsGateway().sendSMS(message, toNumber);
+}
+
+} // namespace oblino

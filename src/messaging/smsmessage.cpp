@@ -1,0 +1,68 @@
+#include <messaging/smsmessage.h>
+
+#include <QTextBoundaryFinder>
+
+#include <algorithm>
+
+namespace oblino {
+
+namespace {
+
+constexpr qsizetype longestText = 160;     // characters
+constexpr qint64 longestDelay = 4'294'967; // milliseconds, the most in 32 bits of microseconds
+constexpr quint16 httpsPort = 443;
+
+bool canBeCarried(const QString &text, QLatin1String alsoAllowed)
+{
+    constexpr QLatin1String allowed("-._~!$&'()*+,;=");
+    return std::all_of(text.cbegin(), text.cend(), [=](QChar c) {
+        const bool plain = c < QChar(0x80) && c.isLetterOrNumber();
+        return plain || allowed.contains(c) || alsoAllowed.contains(c);
+    });
+}
+
+} // namespace
+
+QString smsText(const QString &message)
+{
+    if (message.size() <= longestText)
+        return message;
+    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, message);
+    for (qsizetype i = 0; i < longestText; ++i) {
+        if (finder.toNextBoundary() < 0)
+            return message;
+    }
+    return message.left(finder.position());
+}
+
+QByteArray smsForm(const QString &from, const QString &to, const QString &text)
+{
+    return "From=" + QUrl::toPercentEncoding(from) + "&To=" + QUrl::toPercentEncoding(to) +
+           "&Body=" + QUrl::toPercentEncoding(text);
+}
+
+std::optional<QUrl> smsUrl(const QString &host, quint16 port, const QString &sid, const QString &secret)
+{
+    const bool isDots = sid == QLatin1String(".") || sid == QLatin1String("..");
+    if (isDots || !canBeCarried(sid, {}) || !canBeCarried(secret, QLatin1String(":")))
+        return std::nullopt;
+    QUrl url;
+    url.setScheme(QStringLiteral("https"));
+    url.setHost(host);
+    if (port != httpsPort)
+        url.setPort(port);
+    url.setPath(QStringLiteral("/2010-04-01/Accounts/") + sid + QStringLiteral("/SMS/Messages"));
+    return url;
+}
+
+bool isSmsError(const QString &response)
+{
+    return response.contains(QLatin1String("Error")) || response.contains(QLatin1String("error"));
+}
+
+std::chrono::microseconds smsPause(qint64 delay)
+{
+    return std::chrono::milliseconds(std::clamp<qint64>(delay, 0, longestDelay));
+}
+
+} // namespace oblino
