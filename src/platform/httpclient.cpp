@@ -24,7 +24,7 @@ QString tr(const char *text)
 }
 
 // Qt sends a request again by itself when the server closes the connection without an answer, unless it
-// cannot rewind the body: a sequential device cannot.
+// cannot rewind the body.
 class BodyReadOnce : public QIODevice
 {
 public:
@@ -37,6 +37,7 @@ public:
     [[nodiscard]] bool isSequential() const override { return true; }
     [[nodiscard]] qint64 bytesAvailable() const override { return m_body.size() - m_read; }
     [[nodiscard]] bool atEnd() const override { return bytesAvailable() == 0; }
+    bool reset() override { return false; }
 
 protected:
     qint64 readData(char *data, qint64 size) override
@@ -105,6 +106,15 @@ bool isWhole(const QNetworkReply &reply)
     }
 }
 
+QString failure(const QNetworkReply &reply)
+{
+    if (reply.error() == QNetworkReply::OperationCanceledError)
+        return tr("The server did not answer in time.");
+    if (reply.error() == QNetworkReply::ContentReSendError)
+        return tr("The server asked for the message a second time, or closed the connection.");
+    return reply.errorString();
+}
+
 // One request and its answer. It deletes itself once the handler has been told.
 class Exchange : public QObject
 {
@@ -144,7 +154,8 @@ private:
     // Takes what has arrived; false where it is too much.
     bool take()
     {
-        m_answer += m_reply->read(m_limit + 1 - m_answer.size());
+        if (m_reply->isOpen()) // not after a time-out
+            m_answer += m_reply->read(m_limit + 1 - m_answer.size());
         return m_answer.size() <= m_limit;
     }
 
@@ -154,10 +165,8 @@ private:
             return;
         if (m_error.isEmpty() && !take())
             m_error = tr("The answer is too long.");
-        if (m_error.isEmpty() && m_reply->error() == QNetworkReply::OperationCanceledError)
-            m_error = tr("The server did not answer in time.");
         if (m_error.isEmpty() && !isWhole(*m_reply))
-            m_error = m_reply->errorString();
+            m_error = failure(*m_reply);
         HttpAnswer answer;
         answer.status = m_reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
         answer.error = m_error;

@@ -18,10 +18,10 @@ struct HttpForm
     QUrl url; ///< https, and without credentials
     QString user;
     QString password;
-    QByteArray body; ///< encoded, as application/x-www-form-urlencoded
+    QByteArray body; ///< encoded as application/x-www-form-urlencoded
 };
 
-/// What came of a request: a body, or the reason why there is none.
+/// What came of a request: a body, or the reason why there is none. A redirection by 307 or 308 has none.
 struct HttpAnswer
 {
     std::optional<QByteArray> body; ///< the whole body, whatever the status
