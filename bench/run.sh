@@ -13,5 +13,6 @@ bench=build/release/bench
 "$bench/bench_window" 2>/dev/null
 "$bench/bench_forms" 2>/dev/null
 "$bench/bench_cloud"
+"$bench/bench_sms"
 xvfb-run --auto-servernum --server-args="-screen 0 1440x900x24 -nolisten tcp" \
     dbus-run-session -- "$bench/bench_startup" build/release/oblino "$bench/barewindow" 2>/dev/null

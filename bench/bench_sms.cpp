@@ -1,0 +1,103 @@
+// How many messages a second sendSMS sends at delay 0, against the same POSTs by a bare QNetworkAccessManager
+// on one connection that is kept, both to a server on loopback.
+#include <core/taskmanager.h>
+#include <messaging/smsgateway.h>
+#include <messaging/smsmessage.h>
+#include <platform/appearance.h>
+#include <platform/defaults.h>
+#include <platform/httpclient.h>
+#include <platform/trace.h>
+#include <support/httpsserver.h>
+
+#include <QCoreApplication>
+#include <QEventLoop>
+#include <QNetworkAccessManager>
+#include <QNetworkProxy>
+#include <QNetworkReply>
+#include <QTemporaryDir>
+
+#include <fcntl.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <vector>
+
+using namespace oblino;
+
+namespace {
+
+constexpr int messages = 500; // a round
+constexpr int rounds = 7;
+constexpr double goal = 0.5; // of the bare client's rate
+
+const QString message = QString(160, u'm');
+const QString number = QStringLiteral("+15550100");
+
+template<typename Send>
+double rate(const Send &send)
+{
+    const auto begin = std::chrono::steady_clock::now();
+    for (int i = 0; i < messages; ++i) {
+        if (!send())
+            qFatal("a message was not sent");
+    }
+    return messages / std::chrono::duration<double>(std::chrono::steady_clock::now() - begin).count();
+}
+
+double median(std::vector<double> values)
+{
+    std::sort(values.begin(), values.end());
+    return values.at(values.size() / 2);
+}
+
+bool sendBare(QNetworkAccessManager &manager, const QNetworkRequest &request)
+{
+    const std::unique_ptr<QNetworkReply> reply(manager.post(request, smsForm(number, number, message)));
+    QEventLoop loop;
+    QObject::connect(reply.get(), &QNetworkReply::finished, &loop, &QEventLoop::quit);
+    loop.exec();
+    return reply->error() == QNetworkReply::NoError && reply->readAll() == "fine";
+}
+
+} // namespace
+
+int main(int argc, char **argv)
+{
+    const QCoreApplication application(argc, argv);
+    QNetworkProxy::setApplicationProxy(QNetworkProxy::NoProxy);
+    Trace::setDescriptor(::open("/dev/null", O_WRONLY | O_CLOEXEC));
+    const Certificate authority = Certificate::authority();
+    const QString host = QStringLiteral("127.0.0.1");
+    HttpsServer server(authority.issue("IP:127.0.0.1"));
+    server.setReply({Reply::answer("fine")});
+
+    const QTemporaryDir folder;
+    Defaults defaults(folder.filePath(QStringLiteral("settings.ini")));
+    Appearance appearance;
+    TaskManager settings(defaults, appearance);
+    settings.setTwilioSID(QStringLiteral("AC1"));
+    settings.setTwilioSendingPhoneNo(number);
+    HttpClient client(authority.trust());
+    SmsGateway gateway(settings, client, host, server.port());
+
+    QNetworkAccessManager manager;
+    QNetworkRequest request(*smsUrl(host, server.port(), QStringLiteral("AC1"), {}));
+    request.setSslConfiguration(authority.trust());
+    request.setHeader(QNetworkRequest::ContentTypeHeader,
+                      QByteArrayLiteral("application/x-www-form-urlencoded"));
+
+    std::vector<double> sent;
+    std::vector<double> bare;
+    for (int round = 0; round < rounds; ++round) {
+        sent.push_back(rate([&] { return gateway.sendSMS(message, number); }));
+        bare.push_back(rate([&] { return sendBare(manager, request); }));
+    }
+    const double ratio = median(sent) / median(bare);
+    std::printf("sendSMS %.0f a second, bare client %.0f a second: %.2f (goal %.1f)%s, %d connections\n",
+                median(sent), median(bare), ratio, goal, ratio >= goal ? "" : "  missed",
+                server.connections());
+    Trace::setDescriptor(-1);
+    return EXIT_SUCCESS;
+}
