@@ -68,8 +68,6 @@ SmsGateway::SmsGateway(const TaskManager &settings, HttpClient &client, const QS
 
 bool SmsGateway::sendSMS(const QString &message, const QString &toNumber)
 {
-    if (hasStopped())
-        return false;
     const QString sid = m_settings.getTwilioSID();
     const QString secret = m_settings.getTwilioSecret();
     const auto outcome = std::make_shared<Outcome>();
@@ -106,12 +104,6 @@ void SmsGateway::pause()
 {
     std::unique_lock lock(m_mutex);
     m_changed.wait_for(lock, smsPause(m_settings.getDelay()), [this] { return m_stops; });
-}
-
-bool SmsGateway::hasStopped()
-{
-    const std::lock_guard lock(m_mutex);
-    return m_stops;
 }
 
 SmsGateway &smsGateway()

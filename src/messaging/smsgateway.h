@@ -31,7 +31,6 @@ public:
 
 private:
     void pause();
-    [[nodiscard]] bool hasStopped();
 
     const TaskManager &m_settings;
     HttpClient &m_client;

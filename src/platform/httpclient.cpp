@@ -2,7 +2,7 @@
 
 #include <QCoreApplication>
 #include <QElapsedTimer>
-#include <QMutex>
+#include <QEvent>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QNetworkRequest>
@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <mutex>
 #include <utility>
 #include <vector>
 
@@ -201,8 +202,9 @@ public:
     Service(const QSslConfiguration &tls, const HttpLimits &limits)
         : m_tls(tls)
         , m_limits(limits)
+        , m_waker(*this)
     {
-        m_context.moveToThread(this);
+        m_waker.moveToThread(this);
         start();
     }
     Service(const Service &) = delete;
@@ -222,18 +224,36 @@ private:
         Handler handler;
     };
 
+    // An event for it means that there are orders waiting.
+    class Waker : public QObject
+    {
+    public:
+        explicit Waker(Service &service)
+            : m_service(service)
+        {
+        }
+        bool event(QEvent *) override
+        {
+            m_service.carryOutWaiting();
+            return true;
+        }
+
+    private:
+        Service &m_service;
+    };
+
     void carryOutWaiting();
     void carryOut(const Order &order);
     [[nodiscard]] std::vector<Order> takeWaiting();
 
     QSslConfiguration m_tls;
     HttpLimits m_limits;
-    QMutex m_mutex;
+    std::mutex m_mutex;
     std::vector<Order> m_waiting;
     bool m_hasStopped = false;
 
     // Of the thread
-    QObject m_context;
+    Waker m_waker;
     QNetworkAccessManager *m_manager = nullptr;
     QObject *m_exchanges = nullptr; // their parent
     QElapsedTimer m_lastUse;
@@ -242,11 +262,10 @@ private:
 void HttpClient::Service::add(HttpForm form, Handler handler)
 {
     {
-        const QMutexLocker lock(&m_mutex);
+        const std::lock_guard lock(m_mutex);
         if (!m_hasStopped) {
             m_waiting.push_back({std::move(form), std::move(handler)});
-            QMetaObject::invokeMethod(
-                &m_context, [this] { carryOutWaiting(); }, Qt::QueuedConnection);
+            QCoreApplication::postEvent(&m_waker, new QEvent(QEvent::User));
             return;
         }
     }
@@ -256,11 +275,13 @@ void HttpClient::Service::add(HttpForm form, Handler handler)
 void HttpClient::Service::stop()
 {
     {
-        const QMutexLocker lock(&m_mutex);
+        const std::lock_guard lock(m_mutex);
         m_hasStopped = true;
     }
     quit();
     wait();
+    for (const Order &order : takeWaiting())
+        refuse(order.handler, tr("The program is ending."));
 }
 
 void HttpClient::Service::run()
@@ -273,13 +294,11 @@ void HttpClient::Service::run()
     const QObjectList underWay = exchanges.children();
     for (QObject *exchange : underWay)
         static_cast<Exchange *>(exchange)->cut(tr("The program is ending."));
-    for (const Order &order : takeWaiting())
-        refuse(order.handler, tr("The program is ending."));
 }
 
 std::vector<HttpClient::Service::Order> HttpClient::Service::takeWaiting()
 {
-    const QMutexLocker lock(&m_mutex);
+    const std::lock_guard lock(m_mutex);
     return std::exchange(m_waiting, {});
 }
 

@@ -54,9 +54,9 @@ public:
     /// Stops first.
     ~HttpClient();
 
-    /// Sends a form and returns at once. The handler is called exactly once, on the client's own thread; by a
-    /// client that has stopped on the caller's thread, before this returns. An answer whose body is longer
-    /// than the limit is cut off and counts as none.
+    /// Sends a form and returns at once. The handler is called exactly once, on the client's own thread; a
+    /// request that a stop keeps from starting is told of on the thread that stops, and one that comes after
+    /// on this one, at once. An answer whose body is longer than the limit is cut off and counts as none.
     void post(HttpForm form, Handler handler);
 
     /// Ends what is under way, whose handlers are told of an error before this returns, and refuses whatever

@@ -1,6 +1,8 @@
 #include <support/httpsserver.h>
 
+#include <QEventLoop>
 #include <QHostAddress>
+#include <QSslServer>
 #include <QSslSocket>
 #include <QTimer>
 
@@ -134,36 +136,58 @@ QByteArray Request::header(const QByteArray &name) const
     return values;
 }
 
-HttpsServer::HttpsServer(const Certificate &certificate)
-    : m_listener(*this)
+class HttpsServer::Listener : public QSslServer
 {
-    QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
-    configuration.setLocalCertificate(certificate.certificate);
-    configuration.setPrivateKey(certificate.key);
-    m_listener.setSslConfiguration(configuration);
-    QObject::connect(&m_listener, &QTcpServer::pendingConnectionAvailable, &m_listener, [this] {
-        while (auto *socket = qobject_cast<QSslSocket *>(m_listener.nextPendingConnection()))
-            serve(socket);
-    });
-    m_listener.moveToThread(&m_thread);
-    m_thread.start();
-    QMetaObject::invokeMethod(
-        &m_listener, [this] { m_listener.listen(QHostAddress::LocalHost); }, Qt::BlockingQueuedConnection);
-    m_port = m_listener.serverPort();
+public:
+    explicit Listener(HttpsServer &server)
+        : m_server(server)
+    {
+    }
+
+protected:
+    void incomingConnection(qintptr descriptor) override
+    {
+        {
+            const std::lock_guard lock(m_server.m_mutex);
+            ++m_server.m_connections;
+        }
+        QSslServer::incomingConnection(descriptor);
+    }
+
+private:
+    HttpsServer &m_server;
+};
+
+HttpsServer::HttpsServer(const Certificate &certificate)
+{
+    std::promise<quint16> promise;
+    std::future<quint16> port = promise.get_future();
+    m_thread.reset(QThread::create(&HttpsServer::run, this, certificate, std::move(promise)));
+    m_thread->start();
+    m_port = port.get();
 }
 
 HttpsServer::~HttpsServer()
 {
-    dropAll();
-    QMetaObject::invokeMethod(
-        &m_listener,
-        [this] {
-            m_listener.close();
-            qDeleteAll(m_listener.findChildren<QSslSocket *>());
-        },
-        Qt::BlockingQueuedConnection);
-    m_thread.quit();
-    m_thread.wait();
+    m_thread->quit();
+    m_thread->wait();
+    const std::lock_guard lock(m_mutex); // the thread sanitizer does not see what wait() does
+}
+
+void HttpsServer::run(const Certificate &certificate, std::promise<quint16> port)
+{
+    Listener listener(*this);
+    QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
+    configuration.setLocalCertificate(certificate.certificate);
+    configuration.setPrivateKey(certificate.key);
+    listener.setSslConfiguration(configuration);
+    QObject::connect(&listener, &QTcpServer::pendingConnectionAvailable, &listener, [&] {
+        while (auto *socket = qobject_cast<QSslSocket *>(listener.nextPendingConnection()))
+            serve(socket);
+    });
+    listener.listen(QHostAddress::LocalHost);
+    port.set_value(listener.serverPort());
+    QEventLoop().exec();
 }
 
 void HttpsServer::setReply(const Reply &reply)
@@ -194,26 +218,6 @@ qint64 HttpsServer::written() const
 {
     const std::lock_guard lock(m_mutex);
     return m_written;
-}
-
-void HttpsServer::dropAll()
-{
-    QMetaObject::invokeMethod(
-        &m_listener,
-        [this] {
-            for (QSslSocket *socket : m_listener.findChildren<QSslSocket *>())
-                socket->abort();
-        },
-        Qt::BlockingQueuedConnection);
-}
-
-void HttpsServer::Listener::incomingConnection(qintptr descriptor)
-{
-    {
-        const std::lock_guard lock(m_server.m_mutex);
-        ++m_server.m_connections;
-    }
-    QSslServer::incomingConnection(descriptor);
 }
 
 void HttpsServer::serve(QSslSocket *socket)

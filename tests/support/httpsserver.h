@@ -5,9 +5,10 @@
 #include <QSslCertificate>
 #include <QSslConfiguration>
 #include <QSslKey>
-#include <QSslServer>
 #include <QThread>
 
+#include <future>
+#include <memory>
 #include <mutex>
 
 class QSslSocket;
@@ -73,25 +74,11 @@ public:
     [[nodiscard]] int ended() const;
     /// Bytes of the last reply that went into the network.
     [[nodiscard]] qint64 written() const;
-    /// Drops every connection, as a server does that has kept them long enough.
-    void dropAll();
 
 private:
-    class Listener : public QSslServer
-    {
-    public:
-        explicit Listener(HttpsServer &server)
-            : m_server(server)
-        {
-        }
+    class Listener;
 
-    protected:
-        void incomingConnection(qintptr descriptor) override;
-
-    private:
-        HttpsServer &m_server;
-    };
-
+    void run(const Certificate &certificate, std::promise<quint16> port);
     void serve(QSslSocket *socket);
     void read(QSslSocket *socket, QByteArray &received);
     void reply(QSslSocket *socket, const Request &request);
@@ -103,9 +90,8 @@ private:
     int m_ended = 0;
     qint64 m_written = 0;
 
-    QThread m_thread;
-    Listener m_listener;
     quint16 m_port = 0;
+    std::unique_ptr<QThread> m_thread;
 };
 
 } // namespace oblino
