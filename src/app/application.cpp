@@ -5,6 +5,9 @@
 #include <contacts/windows/viewcontrollerclientmgmt.h>
 #include <contacts/windows/viewcontrollerteammgmt.h>
 #include <core/taskmanager.h>
+#include <messaging/smsgateway.h>
+#include <messaging/windows/viewcontrollersending.h>
+#include <messaging/windows/viewcontrollersettings.h>
 #include <platform/appearance.h>
 #include <platform/documents.h>
 #include <platform/notificationcenter.h>
@@ -44,6 +47,7 @@ Application::Application(SingleInstance &instance)
     , m_keyring(QStringLiteral("oblino"))
     , m_cloud(desktopAccounts(), contactsFolder() + QStringLiteral("/Cloud.sqlite"), m_keyring,
               {&taskRecordType()})
+    , m_sendingRun({.isOn = [] { return tskMgr().getNotification(); }, .send = sendSMS})
     , m_instance(instance)
 {
 }
@@ -51,6 +55,8 @@ Application::Application(SingleInstance &instance)
 Application::~Application()
 {
     tskMgr().setCloud(nullptr, nullptr);
+    m_sendingRun.stop();
+    smsGateway().stop();
 }
 
 void Application::start()
@@ -73,6 +79,11 @@ void Application::start()
             [this] { open<ViewControllerTeamMgmt>(contactsFolder()); });
     connect(m_mainWindow.get(), &ViewController::cloudAccountRequested, this,
             [this] { open<CloudAccountWindow>(m_cloud); });
+    connect(m_mainWindow.get(), &ViewController::sendingRequested, this,
+            [this] { open<ViewControllerSending>(tskMgr(), uiUtil(), m_sendingRun, contactsFolder()); });
+    connect(m_mainWindow.get(), &ViewController::messagingSettingsRequested, this,
+            [this] { open<ViewControllerSettings>(tskMgr(), uiUtil(), sendSMS); });
+    m_mainWindow->setBeforeEnd([this] { return mayEnd(); });
     m_mainWindow->setBeforeCloud([this] { return ensurePassword(m_cloud, m_mainWindow.get()); });
     connect(&m_cloud, &CloudSession::rememberingFailed, this, &Application::tellNotRemembered);
     connect(&m_instance, &SingleInstance::raiseRequested, m_mainWindow.get(), &ViewController::comeToFront);
@@ -111,11 +122,19 @@ void Application::followAppearance()
     applyAppearance(tskMgr().inDarkMode());
 }
 
+bool Application::mayEnd()
+{
+    return !m_sendingRun.isRunning() ||
+           uiUtil().dialogYesNo(tr("Messages are still being sent. End all the same?"),
+                                tr("The messages that have not been sent yet will not be sent."));
+}
+
 // Windows save what they save on closing. An open question is not closed, which would answer it: it ends
 // without an answer when the event loops end.
 void Application::terminate()
 {
     disconnect(m_mainWindow.get(), &ViewController::terminationRequested, this, nullptr);
+    m_mainWindow->setBeforeEnd([] { return true; }); // it has asked, or there is no time to
     const QWidgetList windows = QApplication::topLevelWidgets();
     for (QWidget *window : windows) {
         if (window->isVisible() && !qobject_cast<QMessageBox *>(window))

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <messaging/sendingrun.h>
 #include <platform/cloud/cloudsession.h>
 #include <platform/keyring.h>
 #include <platform/portalappearance.h>
@@ -31,6 +32,8 @@ private:
     void open(Arguments &&...arguments);
     void tellNotRemembered();
     void followAppearance();
+    /// Asks where something would be broken off.
+    [[nodiscard]] bool mayEnd();
     void terminate();
 
     UnixSignals m_signals;
@@ -38,6 +41,7 @@ private:
     SharingMenu m_sharingMenu;
     Keyring m_keyring;
     CloudSession m_cloud;
+    SendingRun m_sendingRun;
     std::unique_ptr<ViewController> m_mainWindow;
     SingleInstance &m_instance;
 };

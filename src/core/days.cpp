@@ -44,4 +44,10 @@ QString twelveHourTime(qint64 hour, qint64 minute)
            (morning ? QLatin1String("AM") : QLatin1String("PM"));
 }
 
+QString amPM(qint64 hour, qint64 min)
+{
+    trace("Hour:", hour, " Min:", min);
+    return twelveHourTime(hour, min);
+}
+
 } // namespace oblino

@@ -18,4 +18,7 @@ DayOrder compareDays(QDate first, QDate second);
 /// and 0..59 are formatted by the same rule.
 [[nodiscard]] QString twelveHourTime(qint64 hour, qint64 minute);
 
+/// The same, traced.
+[[nodiscard]] QString amPM(qint64 hour, qint64 min);
+
 } // namespace oblino

@@ -8,7 +8,6 @@ namespace oblino {
 
 namespace {
 
-constexpr qsizetype longestText = 160;     // characters
 constexpr qint64 longestDelay = 4'294'967; // milliseconds, the most in 32 bits of microseconds
 constexpr quint16 httpsPort = 443;
 
@@ -23,12 +22,21 @@ bool canBeCarried(const QString &text, QLatin1String alsoAllowed)
 
 } // namespace
 
+qsizetype characterCount(const QString &text)
+{
+    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
+    qsizetype count = 0;
+    while (finder.toNextBoundary() >= 0)
+        ++count;
+    return count;
+}
+
 QString smsText(const QString &message)
 {
-    if (message.size() <= longestText)
+    if (message.size() <= longestSms)
         return message;
     QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, message);
-    for (qsizetype i = 0; i < longestText; ++i) {
+    for (qsizetype i = 0; i < longestSms; ++i) {
         if (finder.toNextBoundary() < 0)
             return message;
     }

@@ -9,6 +9,11 @@
 
 namespace oblino {
 
+constexpr qsizetype longestSms = 160; ///< characters, as a reader counts them
+
+/// The number of characters in a text, as a reader counts them.
+[[nodiscard]] qsizetype characterCount(const QString &text);
+
 /// The first 160 characters of a message, as a reader counts them: a base with its combining marks, an emoji
 /// sequence or a carriage return with its line feed is one, and is never split.
 [[nodiscard]] QString smsText(const QString &message);

@@ -1,39 +1,22 @@
 #include <ui/taskform.h>
 
+#include <ui/datefield.h>
 #include <ui/uiutil.h>
 #include <ui_taskform.h>
 
 #include <core/fieldtext.h>
 #include <platform/widgets/refusingvalidator.h>
 
-#include <QCalendarWidget>
 #include <QCompleter>
 #include <QLineEdit>
 #include <QLocale>
 #include <QSignalBlocker>
-#include <QTextCharFormat>
-#include <QToolButton>
 
 namespace oblino {
 
 namespace {
 
 constexpr int shownNameLength = 24; // characters
-
-// The calendar's own weekends are red and its arrows green.
-void calm(QCalendarWidget *calendar)
-{
-    for (const Qt::DayOfWeek day : {Qt::Saturday, Qt::Sunday})
-        calendar->setWeekdayTextFormat(day, QTextCharFormat());
-    const auto setArrow = [calendar](const char *name, Qt::ArrowType arrow) {
-        if (auto *button = calendar->findChild<QToolButton *>(QLatin1String(name))) {
-            button->setArrowType(arrow);
-            button->setForegroundRole(QPalette::HighlightedText);
-        }
-    };
-    setArrow("qt_calendar_prevmonth", Qt::LeftArrow);
-    setArrow("qt_calendar_nextmonth", Qt::RightArrow);
-}
 
 void fillNames(QComboBox *box, const QStringList &names)
 {
@@ -101,13 +84,8 @@ void TaskForm::fillLists()
 void TaskForm::prepareFields()
 {
     const QLocale locale;
-    for (QDateEdit *field : {dtTaskDate, dtTaskDueDate}) {
-        QString format = locale.dateFormat(QLocale::ShortFormat);
-        if (!format.contains(QLatin1String("yyyy")))
-            format.replace(QLatin1String("yy"), QLatin1String("yyyy"));
-        field->setDisplayFormat(format);
-        calm(field->calendarWidget());
-    }
+    for (QDateEdit *field : {dtTaskDate, dtTaskDueDate})
+        prepareDateField(field);
     for (QTimeEdit *field : {startTime, endTime})
         field->setDisplayFormat(locale.timeFormat(QLocale::ShortFormat).remove(QLatin1String(":ss")));
     for (QComboBox *box : {client, teamMember}) {

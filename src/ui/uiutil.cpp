@@ -106,8 +106,7 @@ void UIUtil::setTimeDatePicker(QTimeEdit &datePicker, qint64 hour, qint64 min) c
 
 QString UIUtil::amPM(qint64 hour, qint64 min) const
 {
-    trace("Hour:", hour, " Min:", min);
-    return twelveHourTime(hour, min);
+    return oblino::amPM(hour, min);
 }
 
 } // namespace oblino

@@ -69,6 +69,8 @@ void ViewController::viewWillAppear()
 bool ViewController::windowShouldClose()
 {
     trace("Close");
+    if (!m_beforeEnd())
+        return false;
     Q_EMIT terminationRequested();
     return true;
 }

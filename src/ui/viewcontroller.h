@@ -84,11 +84,16 @@ public:
     /// Brings the window in front of the others.
     void comeToFront();
 
+    /// Sets what is called before the window closes. It answers whether the application may end.
+    void setBeforeEnd(std::function<bool()> beforeEnd) { m_beforeEnd = std::move(beforeEnd); }
+
 Q_SIGNALS:
     /// The window was closed, which ends the application.
     void terminationRequested();
     void clientsRequested();
     void teamMembersRequested();
+    void sendingRequested();
+    void messagingSettingsRequested();
     void cloudAccountRequested();
 
 protected:
@@ -158,6 +163,7 @@ private:
     QHash<QAction *, QString> m_toolTips; // of commands while they are enabled
     QString m_selectedKey;                // of the task that the user selected last
     QActionGroup *m_views = nullptr;
+    std::function<bool()> m_beforeEnd = [] { return true; };
     std::function<bool()> m_beforeCloud = [] { return true; };
     bool m_deletionHasAsked = false;
     QString m_waitingFor;            // what the cloud is waited for, as the start of a message

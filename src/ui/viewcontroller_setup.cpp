@@ -138,6 +138,8 @@ void ViewController::connectCommands()
     command(m_ui->clearSearchAction, [this] { searchField->clear(); });
     command(m_ui->clientsAction, &ViewController::clientsRequested);
     command(m_ui->teamMembersAction, &ViewController::teamMembersRequested);
+    command(m_ui->sendAction, &ViewController::sendingRequested);
+    command(m_ui->settingsAction, &ViewController::messagingSettingsRequested);
     command(m_ui->cloudAccountAction, &ViewController::cloudAccountRequested);
     command(m_ui->newTaskAction, [this] { newTask(); });
     command(m_ui->editAction, [this] { editTask(); });

@@ -14,7 +14,7 @@ BELOW = {
     "core": {"platform"},
     "contacts": MODEL,
     "cloud": MODEL,
-    "messaging": MODEL,
+    "messaging": MODEL | {"contacts", "ui"},  # its windows
     "ui": MODEL | {"contacts"},
     "tools": MODEL,
     "app": MODEL | {"contacts", "cloud", "messaging", "ui", "tools"},

@@ -1,0 +1,111 @@
+#pragma once
+
+#include <contacts/contactmodel.h>
+#include <messaging/sendingrun.h>
+#include <messaging/sendingstate.h>
+
+#include <QDialog>
+
+#include <atomic>
+#include <memory>
+
+class QCheckBox;
+class QDateEdit;
+class QLabel;
+class QLineEdit;
+class QProgressBar;
+class QPushButton;
+
+namespace oblino {
+
+namespace Ui {
+class ViewControllerSending;
+}
+
+class ContactList;
+class ContactTable;
+class TaskManager;
+class UIUtil;
+
+/// The window from which messages are sent: schedules to the selected clients or team members, or one text to
+/// all who are selected. A run that it has started goes on when it is closed.
+class ViewControllerSending : public QDialog
+{
+    Q_OBJECT
+
+public:
+    // The state of the run, one for the whole application
+
+    static inline std::atomic<qint64> &progressIndex = SendingState::progressIndex;
+    static inline std::atomic<qint64> &noOfSchedules = SendingState::noOfSchedules;
+    static inline std::atomic<bool> &success = SendingState::success;
+    [[nodiscard]] static QString lastResponse() { return SendingState::lastResponse(); }
+
+    /// @param contacts  the folder of the contact store
+    ViewControllerSending(TaskManager &store, UIUtil &utilities, SendingRun &run,
+                          const QString &contacts = contactsFolder(), QWidget *parent = nullptr);
+    ~ViewControllerSending() override;
+
+    // Life cycle
+
+    void viewDidLoad();
+    void viewWillAppear();
+    void viewDidAppear();
+    void viewWillDisappear();
+
+    // What the controls call
+
+    void selectClients(QObject *sender);
+    void selectTeamMembers(QObject *sender);
+    void SendScheduleToClients(QObject *sender);
+    void SendScheduleToTeamMembers(QObject *sender);
+    void sendSingleSMSToClientTeamMember(QObject *sender);
+    void closeSending(QObject *sender);
+
+protected:
+    void showEvent(QShowEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+
+private:
+    void bindOutlets();
+    void connectControls();
+    void prepare(ContactTable *table, ContactList *list, const FetchRequest &request,
+                 const QString &emptyMessage);
+    template<typename Contact>
+    [[nodiscard]] QList<Contact> selected(const ContactTable *table) const;
+    [[nodiscard]] bool isConfirmed(const QString &question, const QString &text);
+    void sendSchedules(SendingJob job, const QString &nobodySelected);
+    void start(const SendingJob &job);
+    void showProgress();
+    void showEnd();
+    void showSelection();
+    void showLength();
+    void setSendingEnabled(bool schedules, bool text);
+
+    TaskManager &m_store;
+    UIUtil &m_utilities;
+    SendingRun &m_run;
+    QString m_contacts;
+    std::unique_ptr<Ui::ViewControllerSending> m_ui;
+    std::unique_ptr<PersistentContainer> persistentContainer;
+    ManagedObjectContext *managedObjectContext = nullptr; // none without a store
+
+    // Outlets
+
+    ContactTable *clientsTable = nullptr;
+    ContactTable *teamMembers = nullptr;
+    QCheckBox *allClients = nullptr;
+    QCheckBox *allTeamMembers = nullptr;
+    ContactList *clientsArray = nullptr;
+    ContactList *teamMembersArray = nullptr;
+    QDateEdit *startSendDate = nullptr;
+    QDateEdit *endSendDate = nullptr;
+    QPushButton *sendMsgClients = nullptr;
+    QPushButton *sendMsgTeamMembers = nullptr;
+    QPushButton *sendSMSClientsTeamMembers = nullptr;
+    QProgressBar *progressBar = nullptr;
+    QLabel *sendingInfo = nullptr;
+    QLineEdit *smsText = nullptr;
+};
+
+} // namespace oblino

@@ -1,0 +1,11 @@
+#pragma once
+
+class QDateEdit;
+
+namespace oblino {
+
+/// Has a date field show dates in the locale's short form, the year in full, and a calendar in the colours of
+/// the program.
+void prepareDateField(QDateEdit *field);
+
+} // namespace oblino
