@@ -102,8 +102,11 @@ void SmsGateway::stop()
 
 void SmsGateway::pause()
 {
+    const std::chrono::microseconds length = smsPause(m_settings.getDelay());
+    if (length.count() == 0) // a wait for nothing takes the system a while, too
+        return;
     std::unique_lock lock(m_mutex);
-    m_changed.wait_for(lock, smsPause(m_settings.getDelay()), [this] { return m_stops; });
+    m_changed.wait_for(lock, length, [this] { return m_stops; });
 }
 
 SmsGateway &smsGateway()
