@@ -95,7 +95,7 @@ private Q_SLOTS:
         QFETCH(QString, name);
         QFETCH(QString, footer);
         QFETCH(QStringList, messages);
-        const QList<task> tasks = {taskOn(at(3), "first"), taskOn(at(4), "other", ""),
+        const QList<task> tasks = {taskOn(at(3), "first"), taskOn(at(4), "other", "", "Nobody"),
                                    taskOn(at(5), "second", "ACME", "Bo")};
         ScheduleTerms terms = march(3, 5);
         terms.footer = footer;
