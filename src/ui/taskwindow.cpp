@@ -12,6 +12,7 @@
 #include <QDialogButtonBox>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScreen>
 #include <QShowEvent>
 #include <QVBoxLayout>
 
@@ -67,7 +68,7 @@ bool TaskWindow::becomeFirstResponder()
 
 void TaskWindow::viewDidAppear()
 {
-    resize(sizeHint().expandedTo({565, 613}));
+    resize(sizeHint().expandedTo({565, 613}).boundedTo(screen()->availableSize()));
     update();
 }
 

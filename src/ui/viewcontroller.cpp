@@ -10,6 +10,7 @@
 #include <core/taskviews.h>
 #include <platform/notificationcenter.h>
 #include <platform/trace.h>
+#include <platform/widgets/windowsize.h>
 
 #include <QActionGroup>
 #include <QCloseEvent>
@@ -63,7 +64,7 @@ void ViewController::viewWillAppear()
 {
     reload();
     disableSelectionButtons();
-    setMinimumSize(1040, 430);
+    setLeastSize(*this, {1040, 430});
 }
 
 bool ViewController::windowShouldClose()

@@ -9,6 +9,7 @@
 #include <platform/clock.h>
 #include <platform/notificationcenter.h>
 #include <platform/trace.h>
+#include <platform/widgets/windowsize.h>
 
 #include <QComboBox>
 #include <QDateEdit>
@@ -51,7 +52,7 @@ void ViewControllerAdd::viewDidLoad()
 
 void ViewControllerAdd::viewWillAppear()
 {
-    setMinimumSize(565, 452);
+    setLeastSize(*this, {565, 452});
     colorWell = m_store.inDarkMode() ? Color(0, 0, 0, 1) : Color(1, 1, 1, 1);
     const auto traceTime = [this](const QTimeEdit &picker) {
         trace(m_utilities.getHourFromDatePicker(picker), ":", m_utilities.getMinuteFromDatePicker(picker));

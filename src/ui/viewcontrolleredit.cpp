@@ -10,6 +10,7 @@
 #include <platform/notificationcenter.h>
 #include <platform/pasteboard.h>
 #include <platform/trace.h>
+#include <platform/widgets/windowsize.h>
 
 #include <QDateEdit>
 #include <QDialogButtonBox>
@@ -87,7 +88,7 @@ void ViewControllerEdit::showFields(const task &t)
 
 void ViewControllerEdit::viewWillAppear()
 {
-    setMinimumSize(565, 613);
+    setLeastSize(*this, {565, 613});
 }
 
 void ViewControllerEdit::viewDidAppear()

@@ -2,6 +2,7 @@
 
 #include <contacts/windows/contacttable.h>
 #include <platform/trace.h>
+#include <platform/widgets/windowsize.h>
 
 #include <QHideEvent>
 #include <QItemSelectionModel>
@@ -45,7 +46,7 @@ void ContactWindow::openStore(const Outlets &outlets, const FetchRequest &reques
 
 void ContactWindow::viewWillAppear()
 {
-    setMinimumSize(518, 431);
+    setLeastSize(*this, {518, 431});
 }
 
 void ContactWindow::viewWillDisappear()

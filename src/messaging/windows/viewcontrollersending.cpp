@@ -7,6 +7,7 @@
 #include <messaging/smsmessage.h>
 #include <platform/clock.h>
 #include <platform/trace.h>
+#include <platform/widgets/windowsize.h>
 #include <ui/datefield.h>
 #include <ui/uiutil.h>
 #include <ui_viewcontrollersending.h>
@@ -128,7 +129,7 @@ void ViewControllerSending::prepare(ContactTable *table, ContactList *list, cons
 
 void ViewControllerSending::viewWillAppear()
 {
-    setMinimumSize(469, 763);
+    setLeastSize(*this, {469, 763});
 }
 
 void ViewControllerSending::viewDidAppear()

@@ -5,6 +5,7 @@
 #include <messaging/sendingstate.h>
 #include <messaging/smsmessage.h>
 #include <platform/trace.h>
+#include <platform/widgets/windowsize.h>
 #include <ui/uiutil.h>
 #include <ui_viewcontrollersettings.h>
 
@@ -51,7 +52,7 @@ void ViewControllerSettings::connectControls()
 
 void ViewControllerSettings::viewWillAppear()
 {
-    setMinimumSize(478, 408);
+    setLeastSize(*this, {478, 408});
     m_ui->showSecretButton->setChecked(false);
     secureID->setText(m_store.getTwilioSID());
     passPhrase->setText(m_store.getTwilioSecret());
