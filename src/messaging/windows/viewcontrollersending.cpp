@@ -143,7 +143,7 @@ void ViewControllerSending::viewDidAppear()
     for (QPushButton *button : {sendMsgClients, sendMsgTeamMembers})
         button->setToolTip(why);
     if (m_run.isRunning()) {
-        progressBar->setMaximum(static_cast<int>(m_run.job().totalSteps()));
+        showRange(m_run.job());
         showProgress();
     } else if (!why.isEmpty()) {
         sendingInfo->setText(why);
@@ -209,6 +209,7 @@ void ViewControllerSending::sendSchedules(SendingJob job, const QString &nobodyS
                  .shortDate = [locale = QLocale()](const QDateTime &moment) {
                      return locale.toString(moment.date(), QLocale::ShortFormat);
                  }};
+    showRange(job);
     const bool confirmed =
         isConfirmed(QStringLiteral("Are you sure that you want to send Schedules via SMS using Twilio?"),
                     QStringLiteral("Scheduling") + account);
@@ -238,19 +239,25 @@ void ViewControllerSending::start(const SendingJob &job)
 {
     if (m_run.isRunning())
         return;
+    showRange(job);
     setSendingEnabled(false, false);
-    // A bar whose ends are equal would show that something goes on without an end.
-    const qint64 last = std::clamp<qint64>(job.totalSteps(), 1, std::numeric_limits<int>::max());
-    progressBar->setRange(0, static_cast<int>(last));
-    progressBar->setValue(0);
     sendingInfo->setText(QStringLiteral("Sending..."));
     QThread::usleep(100);
     m_run.start(job);
 }
 
+void ViewControllerSending::showRange(const SendingJob &job)
+{
+    // A bar from 0 to 0 would show that something goes on without an end.
+    const qint64 last = std::clamp<qint64>(job.totalSteps(), 1, std::numeric_limits<int>::max());
+    progressBar->setRange(job.kind == SendingJob::Kind::FreeText ? 1 : 0, static_cast<int>(last));
+    progressBar->reset(); // to just below the first step, where no value can be set
+    progressBar->setValue(0);
+}
+
 void ViewControllerSending::showProgress()
 {
-    progressBar->setValue(static_cast<int>(progressIndex));
+    progressBar->setValue(static_cast<int>(std::min<qint64>(progressIndex, progressBar->maximum())));
     sendingInfo->setText(m_run.job().progressText(progressIndex, noOfSchedules));
 }
 

@@ -76,6 +76,7 @@ private:
     [[nodiscard]] bool isConfirmed(const QString &question, const QString &text);
     void sendSchedules(SendingJob job, const QString &nobodySelected);
     void start(const SendingJob &job);
+    void showRange(const SendingJob &job);
     void showProgress();
     void showEnd();
     void showSelection();
