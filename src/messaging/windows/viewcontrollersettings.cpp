@@ -13,6 +13,8 @@
 #include <QPushButton>
 #include <QShowEvent>
 
+#include <limits>
+
 namespace oblino {
 
 ViewControllerSettings::ViewControllerSettings(TaskManager &store, UIUtil &utilities, Send send,
@@ -45,6 +47,8 @@ void ViewControllerSettings::connectControls()
     connect(m_ui->testButton, &QPushButton::clicked, this, [this] { SendTestMessage(m_ui->testButton); });
     connect(m_ui->resetButton, &QPushButton::clicked, this, [this] { resetToOriginal(m_ui->resetButton); });
     connect(m_ui->showSecretButton, &QPushButton::toggled, this, &ViewControllerSettings::showSecret);
+    for (QLineEdit *field : findChildren<QLineEdit *>())
+        field->setMaxLength(std::numeric_limits<int>::max()); // else it would cut what is stored
     for (QLineEdit *field : {secureID, passPhrase, sendingPhoneNo, delayMS})
         connect(field, &QLineEdit::textChanged, this, &ViewControllerSettings::showHints);
     connect(sendSMS, &QCheckBox::toggled, this, &ViewControllerSettings::showHints);
