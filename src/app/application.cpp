@@ -83,6 +83,10 @@ void Application::start()
             [this] { open<ViewControllerSending>(tskMgr(), uiUtil(), m_sendingRun, contactsFolder()); });
     connect(m_mainWindow.get(), &ViewController::messagingSettingsRequested, this,
             [this] { open<ViewControllerSettings>(tskMgr(), uiUtil(), sendSMS); });
+    connect(&m_sendingRun, &SendingRun::finished, m_mainWindow.get(), [this] {
+        if (!m_mainWindow->findChild<ViewControllerSending *>())
+            ViewControllerSending::tellFailure(uiUtil());
+    });
     m_mainWindow->setBeforeEnd([this] { return mayEnd(); });
     m_mainWindow->setBeforeCloud([this] { return ensurePassword(m_cloud, m_mainWindow.get()); });
     connect(&m_cloud, &CloudSession::rememberingFailed, this, &Application::tellNotRemembered);

@@ -265,9 +265,14 @@ void ViewControllerSending::showEnd()
 {
     setSendingEnabled(true, true);
     sendingInfo->setText(m_run.job().doneText(progressIndex, noOfSchedules));
+    tellFailure(m_utilities);
+}
+
+void ViewControllerSending::tellFailure(UIUtil &utilities)
+{
     if (!success)
-        m_utilities.dialogOK(QStringLiteral("Error Sending Messages. Check Twilio Configuration.\n") +
-                             lastResponse());
+        utilities.dialogOK(QStringLiteral("Error Sending Messages. Check Twilio Configuration.\n") +
+                           lastResponse());
 }
 
 void ViewControllerSending::showSelection()

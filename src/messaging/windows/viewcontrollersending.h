@@ -41,6 +41,9 @@ public:
     static inline std::atomic<bool> &success = SendingState::success;
     [[nodiscard]] static QString lastResponse() { return SendingState::lastResponse(); }
 
+    /// Tells of the last message of a run where it failed. For runs that end while there is no window.
+    static void tellFailure(UIUtil &utilities);
+
     /// @param contacts  the folder of the contact store
     ViewControllerSending(TaskManager &store, UIUtil &utilities, SendingRun &run,
                           const QString &contacts = contactsFolder(), QWidget *parent = nullptr);
