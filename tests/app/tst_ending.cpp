@@ -1,49 +1,154 @@
+#include <support/table.h>
 #include <support/temporaryhome.h>
 #include <support/testmain.h>
 
 #include <app/application.h>
+#include <contacts/contactmodel.h>
+#include <core/taskmanager.h>
+#include <messaging/windows/viewcontrollersending.h>
 #include <platform/singleinstance.h>
 
+#include <QAction>
 #include <QApplication>
 #include <QMessageBox>
+#include <QNetworkProxy>
+#include <QPushButton>
 #include <QTableView>
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <QTimer>
-#include <QToolButton>
 
 #include <unistd.h>
 
 #include <csignal>
+#include <functional>
 
 using namespace oblino;
 using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+const QByteArray list = "3/7/24|Paint fence|Two "
+                        "coats|1.0|0.5|0.0|1.0|3/9/24|0|2|Open|High|key-1|false|9|30|17|0|Harbor Cafe|Dana^";
+
+QWidget *mainWindow()
+{
+    QWidgetList windows = QApplication::topLevelWidgets();
+    windows.removeIf([](QWidget *window) { return !window->inherits("QMainWindow"); });
+    return windows.value(0);
+}
+
+void click(const QWidget *window, const QString &button)
+{
+    QTest::mouseClick(window->findChild<QAbstractButton *>(button), Qt::LeftButton, {}, QPoint(8, 8));
+}
+
+void press(const QMessageBox &box, const QString &title)
+{
+    for (QAbstractButton *button : box.buttons()) {
+        if (button->text() == title)
+            button->click();
+    }
+}
+
+} // namespace
 
 class tst_ending : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase()
+    {
+        qputenv("HOME", QFile::encodeName(m_home.path({})));
+        qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
+        TemporaryHome::write(m_home.listPath(), list);
+    }
+
+    void init() { tskMgr().setTasks({}); }
+
+    // The first test, as the gateway stops for good.
+    void aRunOutlivesItsWindowAndEndsOnASignal()
+    {
+        QTcpServer proxy; // in the way of every message
+        QVERIFY(proxy.listen(QHostAddress::LocalHost));
+        QNetworkProxy::setApplicationProxy({QNetworkProxy::HttpProxy, u"127.0.0.1"_s, proxy.serverPort()});
+        const auto container = makeContactContainer(contactsFolder());
+        QCOMPARE(container->loadPersistentStores().error, QString());
+        QVERIFY(container->viewContext()->objects(u"Clients"_s)->insertRow(0));
+        QCOMPARE(container->viewContext()->save(), QString());
+
+        SingleInstance instance(m_home.privateFolder());
+        auto application = std::make_unique<Application>(instance);
+        application->start();
+        QWidget *window = mainWindow();
+        const auto send = [window] {
+            window->findChild<QAction *>(u"sendAction"_s)->trigger();
+            const auto *sending = window->findChild<ViewControllerSending *>();
+            click(sending, u"allClients"_s);
+            click(sending, u"sendSMSClientsTeamMembers"_s);
+        };
+        QStringList asked;
+        QTimer questions;
+        connect(&questions, &QTimer::timeout, window, [&] {
+            const auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+            if (!box)
+                return;
+            asked += box->text();
+            press(*box, asked.size() < 4 ? u"OK"_s : u"No"_s);
+            if (asked.size() == 2)
+                QTimer::singleShot(0, window, send);
+            else if (asked.size() == 4)
+                QCOMPARE(::raise(SIGTERM), 0);
+        });
+        questions.start(10);
+        connect(&proxy, &QTcpServer::newConnection, window, [&] {
+            QTcpSocket *connection = proxy.nextPendingConnection();
+            auto *sending = window->findChild<ViewControllerSending *>();
+            if (asked.size() > 1) {
+                window->close();
+                QVERIFY(window->isVisible());
+                return;
+            }
+            if (sending)
+                sending->close();
+            connection->write("HTTP/1.1 502 Bad Gateway\r\nContent-Length: 0\r\n\r\n");
+            connection->disconnectFromHost();
+        });
+        QTimer::singleShot(0, window, send);
+        QTimer::singleShot(20'000, window, [] { // rather than hang
+            QCoreApplication::exit(1);
+        });
+        QCOMPARE(QApplication::exec(), 0);
+        application.reset(); // within the time after which the signal kills
+        QVERIFY(::alarm(0) > 0);
+        const QString question = u"Are you sure that you want to send SMS messages using Twilio?"_s;
+        QCOMPARE(asked, (QStringList{question, u"Error Sending Messages. Check Twilio Configuration.\n"_s,
+                                     question, u"Messages are still being sent. End all the same?"_s}));
+    }
+
+    void aSignalAnswersNoQuestion_data()
+    {
+        const Table<std::function<void(QWidget *)>> ask;
+        ask("to delete a task", [](QWidget *window) {
+            auto *table = window->findChild<QTableView *>(u"tblView"_s);
+            QCOMPARE(table->model()->rowCount(), 1);
+            table->selectRow(0);
+            click(window, u"deleteButton"_s);
+        });
+        ask("to send messages", [](QWidget *window) {
+            window->findChild<QAction *>(u"sendAction"_s)->trigger();
+            click(window->findChild<ViewControllerSending *>(), u"sendSMSClientsTeamMembers"_s);
+        });
+    }
     void aSignalAnswersNoQuestion()
     {
-        const TemporaryHome home;
-        qputenv("HOME", QFile::encodeName(home.path({})));
-        qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
-        const QByteArray list =
-            "3/7/24|Paint fence|Two coats|1.0|0.5|0.0|1.0|3/9/24|0|2|Open|High|key-1|false|9|30|17|0|Harbor "
-            "Cafe|Dana^";
-        TemporaryHome::write(home.listPath(), list);
-
-        SingleInstance instance(home.privateFolder());
+        const auto [ask] = Table<std::function<void(QWidget *)>>::cells();
+        SingleInstance instance(m_home.privateFolder());
         Application application(instance);
         application.start();
-        QWidgetList windows = QApplication::topLevelWidgets();
-        windows.removeIf([](QWidget *window) { return !window->inherits("QMainWindow"); });
-        QWidget *window = windows.value(0);
-        auto *table = window->findChild<QTableView *>(u"tblView"_s);
-        QCOMPARE(table->model()->rowCount(), 1);
-        table->selectRow(0);
-        QTimer::singleShot(0, window, [window] {
-            QTest::mouseClick(window->findChild<QToolButton *>(u"deleteButton"_s), Qt::LeftButton);
-        });
+        QWidget *window = mainWindow();
+        QTimer::singleShot(0, window, [window, ask = ask] { ask(window); });
         QTimer question;
         connect(&question, &QTimer::timeout, window, [&question] {
             if (qobject_cast<QMessageBox *>(QApplication::activeModalWidget())) {
@@ -55,8 +160,11 @@ private Q_SLOTS:
         QCOMPARE(QApplication::exec(), 0);
         ::alarm(0);
         QVERIFY2(!question.isActive(), "it was asked");
-        QCOMPARE(TemporaryHome::content(home.listPath()), list);
+        QCOMPARE(TemporaryHome::content(m_home.listPath()), list);
     }
+
+private:
+    TemporaryHome m_home; // one for all tests, as the documents folder is found once
 };
 
 OBLINO_TEST(tst_ending, QApplication)
