@@ -92,12 +92,12 @@ bool SmsGateway::sendSMS(const QString &message, const QString &toNumber)
 
 void SmsGateway::stop()
 {
+    m_client.stop(); // before the pause ends, after which the next message may come at once
     {
         const std::lock_guard lock(m_mutex);
         m_stops = true;
     }
     m_changed.notify_all();
-    m_client.stop();
 }
 
 void SmsGateway::pause()
