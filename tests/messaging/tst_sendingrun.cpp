@@ -103,6 +103,12 @@ struct Service
     SmsGateway gateway{settings, client, u"127.0.0.1"_s, server.port()};
 };
 
+#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
+constexpr bool isSanitized = true; // which takes memory of its own
+#else
+constexpr bool isSanitized = false;
+#endif
+
 qint64 processorTime() // in milliseconds
 {
     timespec used = {};
@@ -306,8 +312,8 @@ private Q_SLOTS:
 
     void sendsManyExactlyOnceWhileTheLoopGoesOn()
     {
-        constexpr int recipients = 500;
-        constexpr qint64 mostBytes = 20'000'000;
+        constexpr int recipients = 10'000;
+        constexpr qint64 mostBytes = 50'000'000;
         // Other load on the machine holds this loop up as well.
         constexpr qint64 latest = 250;
         Service service;
@@ -325,12 +331,13 @@ private Q_SLOTS:
         QTRY_VERIFY_WITH_TIMEOUT(!run.isRunning(), 30'000);
         const qint64 worst = lateness.worst();
         const qint64 grown = residentBytes() - bytes;
+        qInfo("at most %lld ms late, %lld bytes more", worst, grown);
         QByteArrayList arrived;
         for (const Request &request : service.server.requests())
             arrived += request.body;
         QVERIFY(arrived == expected);
         QVERIFY2(worst < latest, QByteArray::number(worst).constData());
-        QVERIFY2(grown < mostBytes, QByteArray::number(grown).constData());
+        QVERIFY2(grown < mostBytes || isSanitized, QByteArray::number(grown).constData());
     }
 };
 
