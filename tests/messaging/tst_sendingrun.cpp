@@ -258,13 +258,13 @@ private Q_SLOTS:
     {
         const auto [kind] = Table<Kind>::cells();
         Run r;
-        r.gateway.allow(1);
+        r.gateway.allow(0);
         r.run.start(jobOf(kind));
-        QTRY_COMPARE(r.gateway.sent().size(), 2);
+        QTRY_COMPARE(r.gateway.sent().size(), 1);
         r.run.stop();
         r.gateway.allow(ScriptedGateway::all);
         QTRY_COMPARE(r.done.size(), 1);
-        QCOMPARE(r.gateway.sent().size(), 2);
+        QCOMPARE(r.gateway.sent().size(), 1);
     }
 
     void goesSoonAfterTheGatewayIsStopped_data()
@@ -314,8 +314,8 @@ private Q_SLOTS:
     {
         constexpr int recipients = 10'000;
         constexpr qint64 mostBytes = 50'000'000;
-        // Other load on the machine holds this loop up as well.
-        constexpr qint64 latest = 250;
+        // Other load on the machine holds this loop up as well; by itself it is hardly ever 50 ms late.
+        constexpr qint64 latest = isSanitized ? 1000 : 250;
         Service service;
         service.server.setReply({Reply::answer("fine")});
         SendingJob job = {.text = u"hello"_s};

@@ -232,6 +232,8 @@ private Q_SLOTS:
         QVERIFY(
             traces.contains(answer == 0 ? "---Are You Sure: true ---\n" : "---Are You Sure: false ---\n"));
         QVERIFY(!w.run.isRunning() && SendingState::success);
+        if (selects && !isText)
+            QCOMPARE(w.bar(), (QList<int>{0, 0, 4})); // set before it asks
         QCOMPARE(w.enabled(), everyButton);
     }
 
