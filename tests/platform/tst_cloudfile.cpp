@@ -27,6 +27,7 @@ private Q_SLOTS:
     void leavesAloneWhatIsNoFileOfRecords_data();
     void leavesAloneWhatIsNoFileOfRecords();
     void readsWhatCannotBeWritten();
+    void waitsForALockWhereItReadsFirst();
     void givesUpOnALockedFileOnceForAll();
     void keepsWhatWasSavedWhenKilled();
 
@@ -90,6 +91,30 @@ void tst_cloudfile::readsWhatCannotBeWritten()
     QCOMPARE(victim.readAll(),
              "attempt to write a readonly database\nattempt to write a readonly database\n");
     QCOMPARE(contentOf(place.file), before);
+}
+
+void tst_cloudfile::waitsForALockWhereItReadsFirst()
+{
+    const RecordPlace place = m_engine.newPlace();
+    SqlCloudContainer container(place, {&noteType()});
+    QCOMPARE(statusOf(container), AccountStatus::Available);
+    SecondConnection other = m_engine.connectTo(place);
+    std::atomic<int> answers = 0;
+    std::atomic<int> failures = 0;
+    const auto answer = [&](const auto &, const CloudFailure &failure) {
+        failures += failure ? 1 : 0;
+        ++answers;
+    };
+    {
+        const Pause pause(container);
+        other.run(u"BEGIN IMMEDIATE"_s);
+        container.privateCloudDatabase().performQuery({&noteType(), RecordPredicate::all()}, answer);
+        container.privateCloudDatabase().saveRecord(note(u"one"_s), answer);
+    }
+    QVERIFY(!QTest::qWaitFor([&] { return answers > 0; }, 200));
+    other.run(u"COMMIT"_s);
+    QTRY_COMPARE(answers, 2);
+    QCOMPARE(failures, 0);
 }
 
 void tst_cloudfile::givesUpOnALockedFileOnceForAll()
