@@ -15,6 +15,7 @@
 #include <platform/trace.h>
 #include <platform/widgets/cloudaccountwindow.h>
 #include <platform/widgets/passwordprompt.h>
+#include <tools/windows/viewcontrollernotes.h>
 #include <ui/theme.h>
 #include <ui/uiutil.h>
 #include <ui/viewcontroller.h>
@@ -87,6 +88,8 @@ void Application::start()
         if (!m_mainWindow->findChild<ViewControllerSending *>())
             ViewControllerSending::tellFailure(uiUtil());
     });
+    connect(m_mainWindow.get(), &ViewController::notesRequested, this,
+            [this] { open<ViewControllerNotes>(tskMgr(), Documents::standard()); });
     m_mainWindow->setBeforeEnd([this] { return mayEnd(); });
     m_mainWindow->setBeforeCloud([this] { return ensurePassword(m_cloud, m_mainWindow.get()); });
     connect(&m_cloud, &CloudSession::rememberingFailed, this, &Application::tellNotRemembered);

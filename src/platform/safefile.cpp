@@ -148,6 +148,13 @@ FileReading SafeFile::read()
     return reading;
 }
 
+bool SafeFile::isAsSeen()
+{
+    OpenFile file(m_calls);
+    return m_seen.known && !m_seen.hash.isEmpty() && !m_pending &&
+           file.openRegular(withoutLinks(m_path), O_RDONLY) == 0 && isUntouched(m_seen.status, file.status());
+}
+
 FileWriting SafeFile::write(const QByteArray &bytes)
 {
     FileWriting writing;

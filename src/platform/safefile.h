@@ -58,6 +58,12 @@ public:
     /// lies complete in the journal.
     [[nodiscard]] FileWriting write(const QByteArray &bytes);
 
+    /// Takes what was read as not read: the next write() copies it into the recovery folder first.
+    void forget() { m_seen = {}; }
+
+    /// Whether the file still is, by its status, what was last read or written without a failure. Cheap.
+    [[nodiscard]] bool isAsSeen();
+
     /// Appends `bytes` under a dated heading to a file in the recovery folder and sees them safely on disk.
     /// @return an error in words for the user, empty when it was done
     [[nodiscard]] QString setAside(const QByteArray &bytes);

@@ -95,6 +95,7 @@ Q_SIGNALS:
     void sendingRequested();
     void messagingSettingsRequested();
     void cloudAccountRequested();
+    void notesRequested();
 
 protected:
     void showEvent(QShowEvent *event) override;
