@@ -16,6 +16,7 @@
 #include <platform/widgets/cloudaccountwindow.h>
 #include <platform/widgets/passwordprompt.h>
 #include <tools/windows/viewcontrollernotes.h>
+#include <tools/windows/viewcontrollerwhiteboard.h>
 #include <ui/theme.h>
 #include <ui/uiutil.h>
 #include <ui/viewcontroller.h>
@@ -90,6 +91,8 @@ void Application::start()
     });
     connect(m_mainWindow.get(), &ViewController::notesRequested, this,
             [this] { open<ViewControllerNotes>(tskMgr(), Documents::standard()); });
+    connect(m_mainWindow.get(), &ViewController::whiteboardRequested, this,
+            [this] { open<ViewControllerWhiteboard>(uiUtil(), m_sharingMenu, contactsFolder()); });
     m_mainWindow->setBeforeEnd([this] { return mayEnd(); });
     m_mainWindow->setBeforeCloud([this] { return ensurePassword(m_cloud, m_mainWindow.get()); });
     connect(&m_cloud, &CloudSession::rememberingFailed, this, &Application::tellNotRemembered);

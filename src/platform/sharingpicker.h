@@ -1,12 +1,19 @@
 #pragma once
 
+#include <QImage>
+#include <QList>
 #include <QString>
+
+#include <variant>
 
 class QObject;
 
 namespace oblino {
 
-/// Offers a text to the desktop's ways of passing it on.
+/// One piece of what is shared: a text or a picture.
+using SharingItem = std::variant<QString, QImage>;
+
+/// Offers texts and pictures to the desktop's ways of passing them on.
 class SharingPicker
 {
 public:
@@ -15,9 +22,10 @@ public:
     SharingPicker &operator=(const SharingPicker &) = delete;
     virtual ~SharingPicker() = default;
 
-    /// Shows what can be done with the text, at the left edge of the control. The control may be gone by the
-    /// time; then nothing is shown.
-    virtual void show(const QString &text, QObject *control) = 0;
+    /// Shows what can be done with the items, at the left edge of the control. The control may be gone by the
+    /// time; then nothing is shown. The control's window may close meanwhile.
+    virtual void show(const QList<SharingItem> &items, QObject *control) = 0;
+    void show(const QString &text, QObject *control) { show(QList<SharingItem>{text}, control); }
 };
 
 } // namespace oblino

@@ -96,6 +96,7 @@ Q_SIGNALS:
     void messagingSettingsRequested();
     void cloudAccountRequested();
     void notesRequested();
+    void whiteboardRequested();
 
 protected:
     void showEvent(QShowEvent *event) override;

@@ -142,6 +142,7 @@ void ViewController::connectCommands()
     command(m_ui->settingsAction, &ViewController::messagingSettingsRequested);
     command(m_ui->cloudAccountAction, &ViewController::cloudAccountRequested);
     command(m_ui->notesAction, &ViewController::notesRequested);
+    command(m_ui->whiteboardAction, &ViewController::whiteboardRequested);
     command(m_ui->newTaskAction, [this] { newTask(); });
     command(m_ui->editAction, [this] { editTask(); });
     command(m_ui->shareAction, [this] { sharingTask(shareButton); });

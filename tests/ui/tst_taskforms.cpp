@@ -26,7 +26,10 @@ const QList<Row> oneTask = {
 class RecordingPicker : public SharingPicker
 {
 public:
-    void show(const QString &text, QObject *) override { texts += text; }
+    void show(const QList<SharingItem> &items, QObject *) override
+    {
+        texts += std::get<QString>(items.at(0));
+    }
     QStringList texts;
 };
 

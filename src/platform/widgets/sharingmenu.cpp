@@ -25,28 +25,74 @@ QPoint placeBeside(const QWidget &widget, const QSize &menu)
     return fits ? left : widget.mapToGlobal(widget.rect().bottomLeft());
 }
 
+// The control's own window may close while the menu is open.
+QWidget *outermostWindow(QWidget *widget)
+{
+    QWidget *window = widget->window();
+    while (window->parentWidget())
+        window = window->parentWidget()->window();
+    return window;
+}
+
 } // namespace
 
-void SharingMenu::show(const QString &text, QObject *control)
+struct SharingMenu::Content
+{
+    explicit Content(const QList<SharingItem> &items)
+    {
+        for (const SharingItem &item : items) {
+            if (const auto *part = std::get_if<QString>(&item))
+                text += *part;
+            else
+                image = std::get<QImage>(item);
+        }
+    }
+
+    void copy() const
+    {
+        if (image.isNull())
+            Pasteboard::setText(text);
+        else
+            Pasteboard::setTextAndImage(text, image);
+    }
+
+    bool writeTo(QIODevice &file) const
+    {
+        if (!image.isNull())
+            return image.save(&file, "PNG");
+        const QByteArray bytes = text.toUtf8();
+        return file.write(bytes) == bytes.size();
+    }
+
+    QString text;
+    QImage image; // null without one
+};
+
+void SharingMenu::show(const QList<SharingItem> &items, QObject *control)
 {
     auto *widget = qobject_cast<QWidget *>(control);
     if (!widget)
         return;
-    auto *menu = new QMenu(widget);
+    const Content content(items);
+    QWidget *window = outermostWindow(widget);
+    auto *menu = new QMenu(window);
     menu->setObjectName(QStringLiteral("sharingMenu"));
     menu->setAttribute(Qt::WA_DeleteOnClose);
     menu->setToolTipsVisible(true);
-    menu->addAction(QObject::tr("&Copy"), menu, [text] { Pasteboard::setText(text); });
+    menu->addAction(QObject::tr("&Copy"), menu, [content] { content.copy(); });
 
-    const QUrl draft = draftOf(text);
+    const QUrl draft = draftOf(content.text);
     QAction *mail =
         menu->addAction(QObject::tr("&E-mail Draft"), menu, [draft] { QDesktopServices::openUrl(draft); });
+    if (!content.image.isNull()) {
+        mail->setText(QObject::tr("&E-mail Draft Without the Picture"));
+        mail->setToolTip(QObject::tr("Save the picture as a file and attach that to the draft."));
+    }
     mail->setEnabled(draft.toEncoded().size() <= longestDraft);
     if (!mail->isEnabled())
         mail->setToolTip(QObject::tr("The text is too long for a draft. Save it as a file and attach that."));
 
-    QWidget *window = widget->window();
-    menu->addAction(QObject::tr("&Save as File…"), menu, [text, window] { saveAsFile(text, window); });
+    menu->addAction(QObject::tr("&Save as File…"), menu, [content, window] { saveAsFile(content, window); });
     menu->popup(placeBeside(*widget, menu->sizeHint()));
 }
 
@@ -58,16 +104,17 @@ QUrl SharingMenu::draftOf(const QString &text)
     return QUrl::fromEncoded("mailto:?body=" + QUrl::toPercentEncoding(body), QUrl::StrictMode);
 }
 
-void SharingMenu::saveAsFile(const QString &text, QWidget *window)
+void SharingMenu::saveAsFile(const Content &content, QWidget *window)
 {
-    const QString path =
-        QFileDialog::getSaveFileName(window, QObject::tr("Save as File"), QStringLiteral("task.txt"),
-                                     QObject::tr("Text files (*.txt);;All files (*)"));
+    const bool isImage = !content.image.isNull();
+    const QString path = QFileDialog::getSaveFileName(
+        window, QObject::tr("Save as File"),
+        isImage ? QStringLiteral("whiteboard.png") : QStringLiteral("task.txt"),
+        isImage ? QObject::tr("PNG pictures (*.png)") : QObject::tr("Text files (*.txt);;All files (*)"));
     if (path.isEmpty())
         return;
     QSaveFile file(path);
-    const QByteArray bytes = text.toUtf8();
-    if (!file.open(QIODevice::WriteOnly) || file.write(bytes) != bytes.size() || !file.commit())
+    if (!file.open(QIODevice::WriteOnly) || !content.writeTo(file) || !file.commit())
         QMessageBox::warning(window, QString(),
                              QObject::tr("%1 could not be written: %2").arg(path, file.errorString()));
 }

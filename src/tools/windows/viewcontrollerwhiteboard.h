@@ -1,0 +1,120 @@
+#pragma once
+
+#include <platform/color.h>
+#include <tools/whiteboardfile.h>
+
+#include <QDialog>
+#include <QDir>
+#include <QPainterPath>
+
+#include <memory>
+#include <optional>
+
+class QPushButton;
+
+namespace oblino {
+
+namespace Ui {
+class ViewControllerWhiteboard;
+}
+
+class BoardView;
+class ColorButton;
+class SharingPicker;
+class UIUtil;
+
+/// The whiteboard: freehand sketches in a window of fixed size. The picture lies in one PNG file of the
+/// working folder, into which every stroke goes as it ends. With Qt::WA_DeleteOnClose the window all the same
+/// outlives its closing while its picture is in no file.
+class ViewControllerWhiteboard : public QDialog
+{
+    Q_OBJECT
+
+public:
+    class Line;
+
+    /// The drawing settings. They last as long as the process.
+    struct GlobalVariable
+    {
+        static inline Color colorWell = {0, 0, 0, 1}; ///< of the stroke
+        static inline double lineWidth = 5;           ///< in points
+        static inline bool lineDraw = false;          ///< whether strokes are straight lines
+    };
+
+    /// @param picker         offers the picture to other programs
+    /// @param privateFolder  in whose recovery folder files are kept that a picture replaces
+    ViewControllerWhiteboard(UIUtil &utilities, SharingPicker &picker, const QString &privateFolder,
+                             QWidget *parent = nullptr);
+    ~ViewControllerWhiteboard() override;
+
+    // What the controls call
+
+    void drawLine(QObject *sender);
+    void selectColor(QObject *sender);
+    void eraser(QObject *sender);
+    void revertToImage(QObject *sender);
+    void deleteImage(QObject *sender);
+    void shareImage(QObject *sender);
+
+    // The picture
+
+    void loadImage();
+    void capture();
+    void savePNG(const QImage &image, const QString &path);
+    void eraseDrawing();
+    void eraseAllContent();
+
+protected:
+    void showEvent(QShowEvent *event) override;
+    void hideEvent(QHideEvent *event) override;
+
+private:
+    void viewDidLoad();
+    void viewDidAppear();
+    void viewWillDisappear();
+    void viewDidDisappear();
+    void connectControls();
+    void addLine();
+    void showMode();
+    [[nodiscard]] QRect drawingArea() const;
+
+    UIUtil &m_utilities;
+    SharingPicker &m_picker;
+    std::unique_ptr<Ui::ViewControllerWhiteboard> m_ui;
+    WhiteboardFile m_file;
+    QImage m_unsaved; // the picture that could not be written; null where the file holds it
+    Line *m_line = nullptr;
+    std::optional<QDir> fileManager;
+    std::optional<QString> m_path; // the folder of the file
+
+    // Outlets
+
+    QPushButton *lineButton = nullptr;
+    ColorButton *color = nullptr;
+    BoardView *whiteboard = nullptr;
+};
+
+/// The drawing view: shows the stroke that is being drawn.
+class ViewControllerWhiteboard::Line : public QWidget
+{
+public:
+    Line(ViewControllerWhiteboard &controller, QWidget *parent);
+
+    void mouseDown(const QPointF &point);
+    void mouseDragged(const QPointF &point);
+    void mouseUp(const QPointF &point);
+    void mouseMoved(const QPointF &point);
+    void draw(QPainter &painter);
+
+protected:
+    void mousePressEvent(QMouseEvent *event) override;
+    void mouseMoveEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    void paintEvent(QPaintEvent *event) override;
+
+private:
+    ViewControllerWhiteboard &parentVC;
+    QPainterPath myPath;
+};
+
+} // namespace oblino
