@@ -2,9 +2,7 @@
 
 #include <platform/openfile.h>
 
-#include <QBuffer>
 #include <QFileInfo>
-#include <QImageReader>
 #include <QSaveFile>
 
 #include <cstdlib>
@@ -13,19 +11,8 @@ namespace oblino {
 
 namespace {
 
-// Far above any board, and small enough to be read and decoded at once.
-constexpr qint64 largestFile = 64 << 20;    // bytes
-constexpr qint64 largestPicture = 32 << 20; // pixels
-
-QImage decoded(QByteArray png)
-{
-    QBuffer buffer(&png);
-    QImageReader reader(&buffer, "png");
-    const QSize size = reader.size();
-    if (!size.isValid() || qint64(size.width()) * size.height() > largestPicture)
-        return {};
-    return reader.read();
-}
+// Far above any board, and small enough to be read at once.
+constexpr qint64 largestFile = 64 << 20; // bytes
 
 } // namespace
 
@@ -43,7 +30,8 @@ QImage WhiteboardFile::read(const QString &path)
     // Opening anything but a regular file might wait for ever.
     if (!QFileInfo(path).isFile() || stamp.size > largestFile || !file.open(QIODevice::ReadOnly))
         return {};
-    QImage picture = decoded(file.readAll());
+    // A picture of more than 128 MiB is refused before anything is decoded.
+    QImage picture = QImage::fromData(file.readAll(), "PNG");
     if (!picture.isNull() && isOfBoard(picture.size()))
         m_ours = stamp;
     return picture;
@@ -55,7 +43,7 @@ QString WhiteboardFile::write(const QByteArray &png, const QString &path)
     if (before.exists() && !before.isFile())
         return QStringLiteral("“%1” is not a file.").arg(path);
     if (before.size() > 0 && stampOf(path) != m_ours) {
-        if (const QString error = keepAside(path); !error.isEmpty())
+        if (QString error = keepAside(path); !error.isEmpty())
             return error;
     }
     QSaveFile file(path);

@@ -22,6 +22,7 @@ ViewControllerNotes::ViewControllerNotes(TaskManager &store, Documents &document
 {
     m_ui->setupUi(this);
     textEdit = m_ui->textEdit;
+    textEdit->document()->setDocumentMargin(16);
     textEdit->installEventFilter(this);
     viewDidLoad();
 }
@@ -36,6 +37,7 @@ ViewControllerNotes::~ViewControllerNotes()
 
 void ViewControllerNotes::viewDidLoad()
 {
+    textEdit->document()->setModified(false);
     readFromFile();
     textEdit->moveCursor(QTextCursor::End);
 }
