@@ -57,8 +57,10 @@ Application::Application(SingleInstance &instance)
 Application::~Application()
 {
     tskMgr().setCloud(nullptr, nullptr);
-    m_sendingRun.stop();
-    smsGateway().stop();
+    if (m_sendingRun.isRunning()) { // else the gateway would be made only to be stopped
+        m_sendingRun.stop();
+        smsGateway().stop();
+    }
 }
 
 void Application::start()

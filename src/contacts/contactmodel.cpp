@@ -1,5 +1,7 @@
 #include <contacts/contactmodel.h>
 
+#include <platform/trace.h>
+
 #include <QStandardPaths>
 
 namespace oblino {
@@ -15,6 +17,16 @@ std::unique_ptr<PersistentContainer> makeContactContainer(const QString &folder)
     const QList<Entity> entities = {{Clients::fetchRequest().entityName, attributes},
                                     {TeamMembers::fetchRequest().entityName, attributes}};
     return std::make_unique<PersistentContainer>(QStringLiteral("Model"), entities, folder);
+}
+
+StoreLoading loadTraced(PersistentContainer &container)
+{
+    StoreLoading loading = container.loadPersistentStores();
+    if (loading.error.isEmpty())
+        trace("---Persistent Store---:", loading.location, loading.type);
+    else
+        trace("Unable to Add Persistent Store", loading.error);
+    return loading;
 }
 
 } // namespace oblino

@@ -43,6 +43,9 @@ enum ContactColumn { NameColumn, PhoneNoColumn };
 /// A container "Model" for both entities, not loaded yet.
 [[nodiscard]] std::unique_ptr<PersistentContainer> makeContactContainer(const QString &folder);
 
+/// Loads the container of a window, and traces what came of it in one line.
+[[nodiscard]] StoreLoading loadTraced(PersistentContainer &container);
+
 /// All objects that a request asks for, in the order of the store, edits that are pending included. Nothing
 /// where there is no context.
 template<typename Contact>

@@ -183,6 +183,10 @@ public:
 
     // Colours
 
+    /// The colour of a new task in this appearance: white, or black in the dark.
+    [[nodiscard]] Color neutralColor() const;
+    /// The colour of text in this appearance: black, or white in the dark.
+    [[nodiscard]] Color textColor() const;
     /// Sets a form's colours to the neutral ones of the appearance.
     void changeColor(ColorWell &colorWell, TextView &descriptionColor) const;
     /// Inverts a form's colour and gives its description the text colour of the appearance.

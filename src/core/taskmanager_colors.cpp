@@ -18,16 +18,26 @@ bool TaskManager::inDarkMode() const
     return m_appearance.text(QStringLiteral("AppleInterfaceStyle")) == QStringLiteral("Dark");
 }
 
+Color TaskManager::neutralColor() const
+{
+    return inDarkMode() ? black : white;
+}
+
+Color TaskManager::textColor() const
+{
+    return inDarkMode() ? white : black;
+}
+
 void TaskManager::changeColor(ColorWell &colorWell, TextView &descriptionColor) const
 {
-    colorWell.setColor(inDarkMode() ? black : white);
-    descriptionColor.setTextColor(inDarkMode() ? white : black);
+    colorWell.setColor(neutralColor());
+    descriptionColor.setTextColor(textColor());
 }
 
 void TaskManager::invertColorWheeel(ColorWell &colorWell, TextView &descriptionColor) const
 {
     colorWell.setColor(colorWell.color().inverted());
-    descriptionColor.setTextColor(inDarkMode() ? white : black);
+    descriptionColor.setTextColor(textColor());
 }
 
 void TaskManager::invertColors()

@@ -107,12 +107,12 @@ void SendingRun::Shared::sendSchedules()
                                    .stops = [this] { return stops.load(); }};
     for (const Clients &client : std::as_const(job.clients)) {
         sendingClientTask = client;
-        to = recipient(client);
+        to = recipient(sendingClientTask);
         composeSchedule(RecipientKind::Client, to, job.tasks, job.terms, events);
     }
     for (const TeamMembers &member : std::as_const(job.teamMembers)) {
         sendingTeamMemberTask = member;
-        to = recipient(member);
+        to = recipient(sendingTeamMemberTask);
         composeSchedule(RecipientKind::TeamMember, to, job.tasks, job.terms, events);
     }
 }
@@ -122,11 +122,11 @@ void SendingRun::Shared::sendText()
     qint64 step = 0;
     for (const Clients &client : std::as_const(job.clients)) {
         sendingClientTask = client;
-        sendTextTo(recipient(client), ++step);
+        sendTextTo(recipient(sendingClientTask), ++step);
     }
     for (const TeamMembers &member : std::as_const(job.teamMembers)) {
         sendingTeamMemberTask = member;
-        sendTextTo(recipient(member), ++step);
+        sendTextTo(recipient(sendingTeamMemberTask), ++step);
     }
 }
 
@@ -200,18 +200,13 @@ void SendingRun::start(const SendingJob &job)
                      const qint64 index = SendingState::progressIndex;
                      trace("--------------------ASYNC--------------------------:", index);
                      trace("Progres Index:", index, "Max Count:", total);
-                     Dispatch::main(this, [this] { tellProgress(); });
+                     Dispatch::main(this, [this] { Q_EMIT progressed(); });
                  } while (!isDone);
                  if (isText)
                      trace("---Out of loop!---");
                  Dispatch::main(this, [this] { finish(); });
              });
     onThread(Dispatch::Priority::Low, [shared = m_shared] { shared->work(); });
-}
-
-void SendingRun::tellProgress()
-{
-    Q_EMIT progressed();
 }
 
 void SendingRun::finish()

@@ -69,7 +69,6 @@ Q_SIGNALS:
 private:
     struct Shared;
 
-    void tellProgress();
     void finish();
 
     std::shared_ptr<Shared> m_shared; // the threads' too

@@ -87,7 +87,7 @@ void TaskWindow::acceptPickedColor()
         return;
     }
     colorWell = picked;
-    m_form->txtTaskDescription->setTextColor(m_store.inDarkMode() ? Color(1, 1, 1, 1) : Color(0, 0, 0, 1));
+    m_form->txtTaskDescription->setTextColor(m_store.textColor());
 }
 
 void TaskWindow::showEvent(QShowEvent *event)

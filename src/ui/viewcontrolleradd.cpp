@@ -53,7 +53,7 @@ void ViewControllerAdd::viewDidLoad()
 void ViewControllerAdd::viewWillAppear()
 {
     setLeastSize(*this, {565, 452});
-    colorWell = m_store.inDarkMode() ? Color(0, 0, 0, 1) : Color(1, 1, 1, 1);
+    colorWell = m_store.neutralColor();
     const auto traceTime = [this](const QTimeEdit &picker) {
         trace(m_utilities.getHourFromDatePicker(picker), ":", m_utilities.getMinuteFromDatePicker(picker));
     };

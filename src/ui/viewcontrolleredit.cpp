@@ -93,7 +93,7 @@ void ViewControllerEdit::viewWillAppear()
 
 void ViewControllerEdit::viewDidAppear()
 {
-    m_form->txtTaskDescription->setTextColor(m_store.inDarkMode() ? Color(1, 1, 1, 1) : Color(0, 0, 0, 1));
+    m_form->txtTaskDescription->setTextColor(m_store.textColor());
     if (!std::exchange(m_observesAppearance, true)) {
         m_notifications.observe(QStringLiteral("AppleInterfaceThemeChangedNotification"), this,
                                 [this] { interfaceModeChanged(); });

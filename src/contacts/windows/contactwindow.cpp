@@ -25,11 +25,7 @@ void ContactWindow::openStore(const Outlets &outlets, const FetchRequest &reques
     m_outlets = outlets;
     m_removeToolTip = m_outlets.remove->toolTip();
     m_nothingToolTip = tr("No %1 are selected.").arg(plural);
-    const StoreLoading loading = m_container->loadPersistentStores();
-    if (loading.error.isEmpty())
-        trace("---Persistent Store---:", loading.location, loading.type);
-    else
-        trace("Unable to Add Persistent Store", loading.error);
+    const StoreLoading loading = loadTraced(*m_container);
     managedObjectContext = m_container->viewContext();
 
     m_outlets.table->setModel(m_outlets.list);

@@ -99,11 +99,7 @@ void ViewControllerSending::connectControls()
 void ViewControllerSending::viewDidLoad()
 {
     persistentContainer = makeContactContainer(m_contacts);
-    const StoreLoading loading = persistentContainer->loadPersistentStores();
-    if (loading.error.isEmpty())
-        trace("---Persistent Store---:", loading.location, loading.type);
-    else
-        trace("Unable to Add Persistent Store", loading.error);
+    const StoreLoading loading = loadTraced(*persistentContainer);
     managedObjectContext = persistentContainer->viewContext();
     const auto message = [&loading](const QString &nobody, const QString &unopened) {
         return loading.error.isEmpty() ? nobody : unopened + QLatin1String("\n\n") + loading.error;

@@ -25,6 +25,11 @@ struct CloudAccount
     friend bool operator==(const CloudAccount &, const CloudAccount &) = default;
 };
 
+/// The mode by the word that libpq and the account's file have for it.
+[[nodiscard]] QLatin1String wordOf(TlsMode mode);
+/// The mode of a word; VerifyFull for a word that is none, so that what is misspelt weakens nothing.
+[[nodiscard]] TlsMode tlsModeOf(const QString &word);
+
 /// The file of the certificate authorities that must vouch for a server: the host's own, or the one that the
 /// user keeps for this purpose (~/.postgresql/root.crt). There is no such file where nobody must.
 [[nodiscard]] QString rootCertificates(TlsMode mode);

@@ -5,7 +5,6 @@
 #include <QFile>
 #include <QStringList>
 
-#include <array>
 #include <limits>
 
 namespace oblino {
@@ -17,35 +16,6 @@ const QString portKey = QStringLiteral("port");
 const QString databaseKey = QStringLiteral("database");
 const QString userKey = QStringLiteral("user");
 const QString tlsKey = QStringLiteral("tls");
-
-struct TlsWord
-{
-    TlsMode mode;
-    QLatin1String word;
-};
-
-constexpr std::array tlsWords = {TlsWord{TlsMode::VerifyFull, QLatin1String("verify-full")},
-                                 TlsWord{TlsMode::Require, QLatin1String("require")},
-                                 TlsWord{TlsMode::Disable, QLatin1String("disable")}};
-
-// What is misspelt must not weaken the protection.
-TlsMode tlsModeOf(const QString &text)
-{
-    for (const TlsWord &known : tlsWords) {
-        if (text == known.word)
-            return known.mode;
-    }
-    return TlsMode::VerifyFull;
-}
-
-QString wordOf(TlsMode mode)
-{
-    for (const TlsWord &known : tlsWords) {
-        if (mode == known.mode)
-            return known.word;
-    }
-    return {};
-}
 
 } // namespace
 

@@ -1,7 +1,6 @@
 #include <platform/cloud/postgresprobe.h>
 
 #include <QCoreApplication>
-#include <QDir>
 #include <QFile>
 #include <QRegularExpression>
 
@@ -26,19 +25,6 @@ QString words(const char *text)
     return QCoreApplication::translate("CloudAccount", text);
 }
 
-const char *sslMode(TlsMode mode)
-{
-    switch (mode) {
-    case TlsMode::VerifyFull:
-        return "verify-full";
-    case TlsMode::Require:
-        return "require";
-    case TlsMode::Disable:
-        return "disable";
-    }
-    return "verify-full";
-}
-
 Connection start(const CloudAccount &account, const QString &password)
 {
     const QByteArray host = account.host.toUtf8();
@@ -58,7 +44,7 @@ Connection start(const CloudAccount &account, const QString &password)
                               static_cast<const char *>(nullptr)};
     const std::array values = {
         host.constData(),         port.constData(),   database.constData(),
-        user.constData(),         secret.constData(), sslMode(account.tlsMode),
+        user.constData(),         secret.constData(), wordOf(account.tlsMode).data(),
         certificates.constData(), "read-write",       static_cast<const char *>(nullptr)};
     Connection connection(PQconnectStartParams(names.data(), values.data(), 0), &PQfinish);
     // The words of a server come in its own language; the code before them does not.
@@ -122,16 +108,6 @@ CloudError errorOf(const CloudAccount &account, const QString &message)
 }
 
 } // namespace
-
-QString rootCertificates(TlsMode mode)
-{
-    // libpq checks the certificate whenever it finds a file of authorities, and looks for one unless it is
-    // told another.
-    if (mode != TlsMode::VerifyFull)
-        return QStringLiteral("/dev/null/none");
-    const QString own = QDir::home().filePath(QStringLiteral(".postgresql/root.crt"));
-    return QFile::exists(own) ? own : QStringLiteral("/etc/ssl/certs/ca-certificates.crt");
-}
 
 CloudError::Code codeOfState(const QString &sqlState)
 {

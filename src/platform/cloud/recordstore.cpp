@@ -37,12 +37,9 @@ QString words(const char *text)
 
 QString connectOptions(const CloudAccount &account)
 {
-    const QString mode = account.tlsMode == TlsMode::VerifyFull ? QStringLiteral("verify-full")
-                         : account.tlsMode == TlsMode::Require  ? QStringLiteral("require")
-                                                                : QStringLiteral("disable");
     return QStringLiteral("sslmode=%1;sslrootcert='%2';connect_timeout=10;tcp_user_timeout=15000;"
                           "target_session_attrs=read-write")
-        .arg(mode, rootCertificates(account.tlsMode));
+        .arg(wordOf(account.tlsMode), rootCertificates(account.tlsMode));
 }
 
 } // namespace
