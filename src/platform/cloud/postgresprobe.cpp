@@ -1,10 +1,11 @@
 #include <platform/cloud/postgresprobe.h>
 
+#include <platform/cloud/postgreslibrary.h>
+
 #include <QCoreApplication>
 #include <QFile>
 #include <QRegularExpression>
 
-#include <libpq-fe.h>
 #include <poll.h>
 
 #include <algorithm>
@@ -18,14 +19,14 @@ using namespace std::chrono_literals;
 namespace {
 
 using Clock = std::chrono::steady_clock;
-using Connection = std::unique_ptr<PGconn, decltype(&PQfinish)>;
+using Connection = std::unique_ptr<PGconn, decltype(PostgresLibrary::finish)>;
 
 QString words(const char *text)
 {
     return QCoreApplication::translate("CloudAccount", text);
 }
 
-Connection start(const CloudAccount &account, const QString &password)
+Connection start(const PostgresLibrary &pq, const CloudAccount &account, const QString &password)
 {
     const QByteArray host = account.host.toUtf8();
     const QByteArray port = QByteArray::number(account.port);
@@ -46,15 +47,15 @@ Connection start(const CloudAccount &account, const QString &password)
         host.constData(),         port.constData(),   database.constData(),
         user.constData(),         secret.constData(), wordOf(account.tlsMode).data(),
         certificates.constData(), "read-write",       static_cast<const char *>(nullptr)};
-    Connection connection(PQconnectStartParams(names.data(), values.data(), 0), &PQfinish);
+    Connection connection(pq.connectStartParams(names.data(), values.data(), 0), pq.finish);
     // The words of a server come in its own language; the code before them does not.
     if (connection)
-        PQsetErrorVerbosity(connection.get(), PQERRORS_VERBOSE);
+        pq.setErrorVerbosity(connection.get(), PQERRORS_VERBOSE);
     return connection;
 }
 
 // @return the state in which the attempt ended, PGRES_POLLING_READING where time ran out
-PostgresPollingStatusType settle(PGconn *connection, Clock::time_point end,
+PostgresPollingStatusType settle(const PostgresLibrary &pq, PGconn *connection, Clock::time_point end,
                                  const std::atomic<bool> &cancelled)
 {
     PostgresPollingStatusType state = PGRES_POLLING_WRITING;
@@ -62,10 +63,10 @@ PostgresPollingStatusType settle(PGconn *connection, Clock::time_point end,
         if (cancelled || Clock::now() >= end)
             return PGRES_POLLING_READING;
         const short events = state == PGRES_POLLING_READING ? POLLIN : POLLOUT;
-        pollfd waiting = {.fd = PQsocket(connection), .events = events, .revents = 0};
+        pollfd waiting = {.fd = pq.socket(connection), .events = events, .revents = 0};
         constexpr int glance = 100; // ms, after which `cancelled` is looked at
         if (::poll(&waiting, 1, glance) > 0)
-            state = PQconnectPoll(connection);
+            state = pq.connectPoll(connection);
     }
     return state;
 }
@@ -127,16 +128,21 @@ std::optional<CloudError> probePostgres(const CloudAccount &account, const QStri
                                         const std::atomic<bool> &cancelled)
 {
     const Clock::time_point end = Clock::now() + patience;
-    const Connection connection = start(account, password);
-    if (!connection || PQstatus(connection.get()) == CONNECTION_BAD) {
-        const QString message = connection ? QString::fromUtf8(PQerrorMessage(connection.get())) : QString();
+    const PostgresLibrary *pq = PostgresLibrary::get();
+    if (!pq)
+        return CloudError{CloudError::Code::Other,
+                          words("The PostgreSQL library (libpq5) is not installed.")};
+    const Connection connection = start(*pq, account, password);
+    if (!connection || pq->status(connection.get()) == CONNECTION_BAD) {
+        const QString message =
+            connection ? QString::fromUtf8(pq->errorMessage(connection.get())) : QString();
         return unreachable(account, onOneLine(message));
     }
-    switch (settle(connection.get(), end, cancelled)) {
+    switch (settle(*pq, connection.get(), end, cancelled)) {
     case PGRES_POLLING_OK:
         return std::nullopt;
     case PGRES_POLLING_FAILED:
-        return errorOf(account, QString::fromUtf8(PQerrorMessage(connection.get())));
+        return errorOf(account, QString::fromUtf8(pq->errorMessage(connection.get())));
     default:
         return unreachable(account, words("It does not answer."));
     }

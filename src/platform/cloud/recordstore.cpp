@@ -1,5 +1,6 @@
 #include <platform/cloud/recordstore.h>
 
+#include <platform/cloud/postgreslibrary.h>
 #include <platform/cloud/postgresprobe.h>
 #include <platform/openfile.h>
 
@@ -12,7 +13,6 @@
 #include <QStringList>
 #include <QUuid>
 
-#include <libpq-fe.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -122,7 +122,8 @@ int RecordStore::duplicateSocket() const
         return -1;
     const QVariant handle = QSqlDatabase::database(m_connection, false).driver()->handle();
     const auto *connection = handle.value<PGconn *>();
-    return connection ? ::dup(PQsocket(connection)) : -1;
+    const PostgresLibrary *pq = PostgresLibrary::get();
+    return connection && pq ? ::dup(pq->socket(connection)) : -1;
 }
 
 // Of two programs that make tables at once one fails, and finds them when it looks again.
