@@ -40,11 +40,21 @@ SafeFile *Documents::file(const QString &name)
 {
     if (!m_folder)
         return nullptr;
-    const auto [entry, isNew] =
-        m_files.try_emplace(name, QDir(*m_folder).filePath(name), m_privateFolder, m_calls);
+    const auto [entry, isNew] = m_files.try_emplace(name, path(name), m_privateFolder, m_calls);
     if (isNew)
         m_notices += entry->second.recover();
     return &entry->second;
+}
+
+QString Documents::path(const QString &name) const
+{
+    return m_folder ? QDir(*m_folder).filePath(name) : name;
+}
+
+QString Documents::erase(const QString &name)
+{
+    SafeFile *documentsFile = file(name);
+    return documentsFile ? documentsFile->erase() : QStringLiteral("There is no documents folder.");
 }
 
 QStringList Documents::takeNotices()

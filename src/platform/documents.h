@@ -28,6 +28,13 @@ public:
     /// is brought to its end on the first call; what the user should know of that is in `recoveryNotices`.
     [[nodiscard]] SafeFile *file(const QString &name);
 
+    /// The whole path of the file; the name alone where there is no folder.
+    [[nodiscard]] QString path(const QString &name) const;
+
+    /// Removes the file and every copy that was kept of it, as SafeFile::erase() does.
+    /// @return an error in words for the user, empty when nothing is left; a missing folder is an error
+    [[nodiscard]] QString erase(const QString &name);
+
     /// Takes the sentences that recovering files has gathered for the user.
     [[nodiscard]] QStringList takeNotices();
 

@@ -4,6 +4,8 @@
 
 #include <QFile>
 
+#include <cerrno>
+
 #include <fcntl.h>
 
 namespace oblino {
@@ -63,6 +65,16 @@ int JournalStore::syncNames()
 void JournalStore::remove(const QByteArray &path)
 {
     m_calls.unlink(fileFor(path));
+}
+
+int JournalStore::erase(const QByteArray &path)
+{
+    for (const QByteArray &file : {fileFor(path), unfinishedFor(path)}) {
+        if (m_calls.unlink(file) != 0 && errno != ENOENT)
+            return errno;
+    }
+    const int error = syncNames();
+    return error == ENOENT ? 0 : error; // without the folder there never was a journal
 }
 
 void JournalStore::removeUnfinished(const QByteArray &path)

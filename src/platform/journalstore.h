@@ -33,6 +33,9 @@ public:
     /// Removes the journal for `path`. That is not waited for: a power cut may bring the journal back.
     void remove(const QByteArray &path);
 
+    /// Removes every trace of what was to be written to `path`, and sees that safely on disk.
+    [[nodiscard]] int erase(const QByteArray &path);
+
     /// Removes what a store() that was cut short left behind.
     void removeUnfinished(const QByteArray &path);
 

@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 
 namespace oblino {
 
@@ -24,8 +25,8 @@ public:
     RecoveryFolder(QString path, FileCalls &calls);
 
     [[nodiscard]] QString path() const { return m_path; }
-    /// The file that append() appends to.
-    [[nodiscard]] QString asidePath() const;
+    /// The file to which append() appends what belongs to `name`.
+    [[nodiscard]] QString asidePath(const QString &name) const;
 
     /// Keeps `bytes` as a new file named after `name` and the time.
     [[nodiscard]] Kept keep(const QByteArray &bytes, const QString &name);
@@ -37,7 +38,12 @@ public:
     /// @return 0 or the error
     [[nodiscard]] int append(const QByteArray &bytes, const QString &name);
 
+    /// Removes everything that was kept under `name`.
+    /// @return 0 or the error
+    [[nodiscard]] int erase(const QString &name);
+
 private:
+    [[nodiscard]] QStringList filesOf(const QString &name) const;
     [[nodiscard]] Kept create(OpenFile &file, const QString &name);
 
     QString m_path;

@@ -40,14 +40,13 @@ QString SafeFile::recoveryFolder() const
 
 QString SafeFile::asidePath() const
 {
-    return m_recovery.asidePath();
+    return m_recovery.asidePath(fileName());
 }
 
 QString SafeFile::setAside(const QByteArray &bytes)
 {
     const int error = m_recovery.append(bytes, fileName());
-    return error == 0 ? QString()
-                      : u"“%1” could not be written: %2."_s.arg(m_recovery.asidePath(), errorWords(error));
+    return error == 0 ? QString() : u"“%1” could not be written: %2."_s.arg(asidePath(), errorWords(error));
 }
 
 QStringList SafeFile::recover()
@@ -153,6 +152,33 @@ bool SafeFile::isAsSeen()
     OpenFile file(m_calls);
     return m_seen.known && !m_seen.hash.isEmpty() && !m_pending &&
            file.openRegular(withoutLinks(m_path), O_RDONLY) == 0 && isUntouched(m_seen.status, file.status());
+}
+
+QString SafeFile::erase()
+{
+    const QByteArray path = withoutLinks(m_path);
+    const int error = removeFile(path);
+    const QString words = u"“%1” could not be removed: %2."_s;
+    if (error != 0 && error != ENOENT)
+        return words.arg(fileName(), errorWords(error));
+    m_seen = {};
+    m_pending.reset();
+    if (const int left = m_journals.erase(path); left != 0)
+        return words.arg(journalPath(), errorWords(left));
+    m_strayJournal = false;
+    if (const int left = m_recovery.erase(fileName()); left != 0)
+        return words.arg(m_recovery.path(), errorWords(left));
+    return error == 0 ? QString() : words.arg(fileName(), errorWords(error));
+}
+
+int SafeFile::removeFile(const QByteArray &path)
+{
+    const QFileInfo info(QFile::decodeName(path));
+    if (info.exists() && !info.isFile())
+        return OpenFile::notRegular;
+    if (m_calls.unlink(path) != 0)
+        return errno;
+    return syncFolder(m_calls, parentFolder(path));
 }
 
 FileWriting SafeFile::write(const QByteArray &bytes)

@@ -61,6 +61,11 @@ public:
     /// Takes what was read as not read: the next write() copies it into the recovery folder first.
     void forget() { m_seen = {}; }
 
+    /// Removes the file, and what journal and recovery folder hold of it, old versions too. A link to it
+    /// stays. While the file cannot be removed, nothing is.
+    /// @return an error in words for the user, empty when nothing is left; a file that is missing is an error
+    [[nodiscard]] QString erase();
+
     /// Whether the file still is, by its status, what was last read or written without a failure. Cheap.
     [[nodiscard]] bool isAsSeen();
 
@@ -85,6 +90,7 @@ private:
 
     [[nodiscard]] QString fileName() const;
 
+    [[nodiscard]] int removeFile(const QByteArray &path);
     [[nodiscard]] int save(const QByteArray &bytes, QStringList &notices);
     [[nodiscard]] int openForSaving(OpenFile &file, const QByteArray &path);
     [[nodiscard]] int keepOtherVersion(OpenFile &file, QStringList &notices);
