@@ -10,8 +10,6 @@ namespace oblino {
 
 namespace {
 
-const QString fileName = QStringLiteral("ltodonotes.txt");
-
 QString firstLineEnd(const QString &text)
 {
     const auto end = std::find_if(text.begin(), text.end(),
@@ -37,12 +35,12 @@ bool NotesFile::hasPlace() const
 
 NotesFile::Reading NotesFile::read()
 {
-    SafeFile *file = m_documents.file(fileName);
+    SafeFile *file = m_documents.file(name);
     if (!file)
         return {};
     FileReading reading = file->read();
     if (reading.outcome == FileReading::Outcome::Missing)
-        return {{}, QStringLiteral("There is no file “%1”.").arg(fileName)};
+        return {{}, QStringLiteral("There is no file “%1”.").arg(name)};
     if (reading.outcome == FileReading::Outcome::Failed)
         return {{}, reading.error};
     // A byte order mark is a character like others here, or an edit would lose it.
@@ -51,7 +49,7 @@ NotesFile::Reading NotesFile::read()
     QString text = decoder(reading.bytes);
     if (decoder.hasError()) {
         file->forget();
-        return {{}, QStringLiteral("“%1” is not valid UTF-8.").arg(fileName)};
+        return {{}, QStringLiteral("“%1” is not valid UTF-8.").arg(name)};
     }
     m_bytes = std::move(reading.bytes);
     m_lineEnd = firstLineEnd(text);
@@ -66,13 +64,13 @@ QString NotesFile::write(QString text)
 
 QString NotesFile::writeUnchanged()
 {
-    SafeFile *file = m_documents.file(fileName);
+    SafeFile *file = m_documents.file(name);
     return !file || file->isAsSeen() ? QString() : write(m_bytes);
 }
 
 QString NotesFile::write(const QByteArray &bytes)
 {
-    SafeFile *file = m_documents.file(fileName);
+    SafeFile *file = m_documents.file(name);
     if (!file)
         return {};
     const FileWriting writing = file->write(bytes);

@@ -21,6 +21,8 @@ public:
         QString error;               ///< why, in words
     };
 
+    static inline const QString name = QStringLiteral("ltodonotes.txt");
+
     explicit NotesFile(Documents &documents);
 
     /// Whether there is a documents folder, without which nothing is read or written.

@@ -1,11 +1,13 @@
 #include <tools/whiteboardfile.h>
 
 #include <platform/openfile.h>
+#include <platform/trace.h>
 
+#include <QDir>
 #include <QFileInfo>
-#include <QSaveFile>
 
 #include <cstdlib>
+#include <utility>
 
 namespace oblino {
 
@@ -14,68 +16,70 @@ namespace {
 // Far above any board, and small enough to be read at once.
 constexpr qint64 largestFile = 64 << 20; // bytes
 
+bool isOfBoard(QSize picture, QSize board)
+{
+    const double scale = double(picture.width()) / board.width();
+    return std::abs(picture.height() - board.height() * scale) <= 1;
+}
+
+void traceAll(const QStringList &notices)
+{
+    for (const QString &notice : notices)
+        trace(notice);
+}
+
 } // namespace
 
-WhiteboardFile::WhiteboardFile(const QString &privateFolder, QSize board)
-    : m_recovery(privateFolder + QStringLiteral("/recovery"), FileCalls::posix())
-    , m_board(board)
+WhiteboardFile::WhiteboardFile(QString privateFolder)
+    : m_privateFolder(std::move(privateFolder))
 {
 }
 
-QImage WhiteboardFile::read(const QString &path)
+QImage WhiteboardFile::read(const QString &path, QSize board)
 {
-    m_ours = {};
-    const Stamp stamp = stampOf(path);
-    QFile file(path);
-    // Opening anything but a regular file might wait for ever.
-    if (!QFileInfo(path).isFile() || stamp.size > largestFile || !file.open(QIODevice::ReadOnly))
+    SafeFile &file = fileAt(path);
+    file.forget();
+    if (QFileInfo(path).size() > largestFile)
         return {};
+    const FileReading reading = file.read();
     // A picture of more than 128 MiB is refused before anything is decoded.
-    QImage picture = QImage::fromData(file.readAll(), "PNG");
-    if (!picture.isNull() && isOfBoard(picture.size()))
-        m_ours = stamp;
+    QImage picture = QImage::fromData(reading.bytes, "PNG");
+    if (!reading.bytes.isEmpty() && (picture.isNull() || !isOfBoard(picture.size(), board)))
+        file.forget();
     return picture;
 }
 
 QString WhiteboardFile::write(const QByteArray &png, const QString &path)
 {
-    const QFileInfo before(path);
-    if (before.exists() && !before.isFile())
-        return QStringLiteral("“%1” is not a file.").arg(path);
-    if (before.size() > 0 && stampOf(path) != m_ours) {
-        if (QString error = keepAside(path); !error.isEmpty())
-            return error;
-    }
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly) || file.write(png) != png.size() || !file.commit())
-        return QStringLiteral("“%1” could not be written: %2.").arg(path, file.errorString());
-    m_ours = stampOf(path);
-    return {};
+    SafeFile &file = fileAt(path);
+    if (QString error = moveHuge(path); !error.isEmpty())
+        return error;
+    FileWriting writing = file.write(png);
+    traceAll(writing.notices);
+    return std::move(writing.error);
 }
 
-WhiteboardFile::Stamp WhiteboardFile::stampOf(const QString &path)
+QString WhiteboardFile::erase(const QString &path)
+{
+    return fileAt(path).erase();
+}
+
+SafeFile &WhiteboardFile::fileAt(const QString &path)
+{
+    const QString absolute = QDir::current().absoluteFilePath(path);
+    if (!m_file || m_file->path() != absolute)
+        traceAll(m_file.emplace(absolute, m_privateFolder).recover());
+    return *m_file;
+}
+
+QString WhiteboardFile::moveHuge(const QString &path)
 {
     const QFileInfo info(path);
-    return {info.size(), info.lastModified()};
-}
-
-bool WhiteboardFile::isOfBoard(QSize picture) const
-{
-    const double scale = double(picture.width()) / m_board.width();
-    return std::abs(picture.height() - m_board.height() * scale) <= 1;
-}
-
-QString WhiteboardFile::keepAside(const QString &path)
-{
-    const QFileInfo info(path);
-    QFile file(path);
-    RecoveryFolder::Kept kept;
-    if (info.size() > largestFile)
-        kept = m_recovery.move(QFile::encodeName(info.canonicalFilePath()), info.fileName());
-    else if (file.open(QIODevice::ReadOnly))
-        kept = m_recovery.keep(file.readAll(), info.fileName());
-    else
-        return QStringLiteral("“%1” could not be read: %2.").arg(path, file.errorString());
+    if (!info.isFile() || info.size() <= largestFile)
+        return {};
+    RecoveryFolder recovery(m_file->recoveryFolder(), FileCalls::posix());
+    const RecoveryFolder::Kept kept =
+        recovery.move(QFile::encodeName(info.canonicalFilePath()), info.fileName());
     return kept.error == 0 ? QString()
                            : QStringLiteral("“%1” could not be kept: %2.").arg(path, errorWords(kept.error));
 }

@@ -1,46 +1,43 @@
 #pragma once
 
 #include <platform/recoveryfolder.h>
+#include <platform/safefile.h>
 
-#include <QDateTime>
 #include <QImage>
 #include <QSize>
 #include <QString>
 
+#include <optional>
+
 namespace oblino {
 
-/// The picture file of the whiteboard. A file that is no picture of a board, or that another program has
-/// changed, is kept in the recovery folder before the first picture replaces it.
+/// The picture file of the whiteboard, rewritten in place. A file that is no picture of a board, or that
+/// another program has changed, is kept in the recovery folder before the first picture replaces it.
 class WhiteboardFile
 {
 public:
-    /// @param board  the size of the board, in any unit; pictures of it have its proportions
-    WhiteboardFile(const QString &privateFolder, QSize board);
+    static inline const QString name = QStringLiteral("ltodolistwhiteboard.png");
 
-    /// The picture; null where there is none that can be read. A PNG picture of other proportions is read all
-    /// the same.
-    [[nodiscard]] QImage read(const QString &path);
+    explicit WhiteboardFile(QString privateFolder);
 
-    /// Replaces the file in one step.
+    /// The picture; null where there is none that can be read. A PNG picture of other proportions than the
+    /// board's is read all the same.
+    /// @param board  the size of the board, in any unit
+    [[nodiscard]] QImage read(const QString &path, QSize board);
+
     /// @return an error in words, empty when it was written
     [[nodiscard]] QString write(const QByteArray &png, const QString &path);
 
+    /// Removes the picture, and every copy of one that was kept.
+    /// @return an error in words, empty when nothing is left; a file that is missing is an error
+    [[nodiscard]] QString erase(const QString &path);
+
 private:
-    /// How a file looks from outside.
-    struct Stamp
-    {
-        qint64 size = -1;
-        QDateTime time;
-        friend bool operator==(const Stamp &, const Stamp &) = default;
-    };
+    [[nodiscard]] SafeFile &fileAt(const QString &path);
+    [[nodiscard]] QString moveHuge(const QString &path);
 
-    [[nodiscard]] static Stamp stampOf(const QString &path);
-    [[nodiscard]] bool isOfBoard(QSize picture) const;
-    [[nodiscard]] QString keepAside(const QString &path);
-
-    RecoveryFolder m_recovery;
-    QSize m_board;
-    Stamp m_ours; // of the file while it holds a picture that is safe to replace
+    QString m_privateFolder;
+    std::optional<SafeFile> m_file; // the one used last
 };
 
 } // namespace oblino

@@ -27,8 +27,6 @@ constexpr double eraserWidth = 10;
 constexpr Color white = {1, 1, 1, 1};
 constexpr int quickly = 80; // a PNG quality: half the time of the usual one, for a file of the same size
 
-const QString fileName = QStringLiteral("ltodolistwhiteboard.png");
-
 } // namespace
 
 ViewControllerWhiteboard::ViewControllerWhiteboard(UIUtil &utilities, SharingPicker &picker,
@@ -37,7 +35,7 @@ ViewControllerWhiteboard::ViewControllerWhiteboard(UIUtil &utilities, SharingPic
     , m_utilities(utilities)
     , m_picker(picker)
     , m_ui(std::make_unique<Ui::ViewControllerWhiteboard>())
-    , m_file(privateFolder, board)
+    , m_file(privateFolder)
 {
     m_ui->setupUi(this);
     lineButton = m_ui->lineButton;
@@ -138,8 +136,9 @@ void ViewControllerWhiteboard::shareImage(QObject *sender)
         "Sent with Oblino. Download from the App Store for Mac:\n\n" OBLINO_STORE_ADDRESS "\n");
     if (!m_path)
         return;
-    const QImage picture =
-        m_unsaved.isNull() ? m_file.read(*m_path + QLatin1Char('/') + fileName) : m_unsaved;
+    const QImage picture = m_unsaved.isNull()
+                               ? m_file.read(*m_path + QLatin1Char('/') + WhiteboardFile::name, board)
+                               : m_unsaved;
     m_picker.show({header, picture, footer}, sender);
     close();
 }
@@ -149,7 +148,7 @@ void ViewControllerWhiteboard::loadImage()
     if (!m_unsaved.isNull())
         whiteboard->setImage(m_unsaved);
     else if (m_path)
-        whiteboard->setImage(m_file.read(*m_path + QLatin1Char('/') + fileName));
+        whiteboard->setImage(m_file.read(*m_path + QLatin1Char('/') + WhiteboardFile::name, board));
 }
 
 void ViewControllerWhiteboard::capture()
@@ -161,7 +160,7 @@ void ViewControllerWhiteboard::capture()
     bitmap.setDevicePixelRatio(pixels);
     bitmap.fill(Qt::white);
     render(&bitmap, {}, drawingArea(), QWidget::DrawChildren);
-    savePNG(bitmap, fileName);
+    savePNG(bitmap, WhiteboardFile::name);
 }
 
 void ViewControllerWhiteboard::savePNG(const QImage &image, const QString &path)
