@@ -11,8 +11,6 @@ namespace oblino {
 
 namespace {
 
-const QString fileName = QStringLiteral("ltodolist.txt");
-
 QString rowCount(qsizetype rows)
 {
     return rows == 1 ? QStringLiteral("1 row") : QStringLiteral("%1 rows").arg(rows);
@@ -29,7 +27,7 @@ TaskListFile::TaskListFile(TaskManager &store, Documents &documents)
 bool TaskListFile::saveToFile()
 {
     const QByteArray text = taskListText(m_store.fullList(), m_invertedColors);
-    if (SafeFile *file = m_documents.file(fileName)) {
+    if (SafeFile *file = m_documents.file(name)) {
         if (!keepUnreadableRows(*file))
             return false;
         const FileWriting writing = file->write(text);
@@ -48,7 +46,7 @@ bool TaskListFile::saveToFile()
 QString TaskListFile::readFromFile()
 {
     m_unreadableRows.clear();
-    SafeFile *file = m_documents.file(fileName);
+    SafeFile *file = m_documents.file(name);
     m_notices += m_documents.takeNotices();
     if (!file)
         return {};
@@ -56,7 +54,7 @@ QString TaskListFile::readFromFile()
     if (reading.outcome != FileReading::Outcome::Read) {
         trace("Error");
         if (reading.outcome == FileReading::Outcome::Failed)
-            m_notices += QStringLiteral("%1 could not be read: %2").arg(fileName, reading.error);
+            m_notices += QStringLiteral("%1 could not be read: %2").arg(name, reading.error);
         return {};
     }
     TaskListText list = decodedTaskList(reading.bytes);
@@ -75,7 +73,7 @@ QString TaskListFile::splitStringFile(const QString &joinedStr)
         m_notices +=
             QStringLiteral("%1 of %2 cannot be read. Nothing is lost: the next save keeps what they hold "
                            "in a file of its own.")
-                .arg(rowCount(m_unreadableRows.size()), fileName);
+                .arg(rowCount(m_unreadableRows.size()), name);
     }
     return {};
 }
@@ -86,6 +84,19 @@ void TaskListFile::followAppearance()
         return;
     m_store.invertColors();
     m_invertedColors = m_store.inDarkMode();
+}
+
+QString TaskListFile::path() const
+{
+    return m_documents.path(name);
+}
+
+QString TaskListFile::erase()
+{
+    QString error = m_documents.erase(name);
+    if (error.isEmpty())
+        m_unreadableRows.clear();
+    return error;
 }
 
 QStringList TaskListFile::takeNotices()
@@ -101,7 +112,7 @@ bool TaskListFile::keepUnreadableRows(SafeFile &file)
     if (!error.isEmpty())
         return failed(error);
     m_notices += QStringLiteral("%1 of %2 could not be read and now lie in %3.")
-                     .arg(rowCount(m_unreadableRows.size()), fileName, file.asidePath());
+                     .arg(rowCount(m_unreadableRows.size()), name, file.asidePath());
     m_unreadableRows.clear();
     return true;
 }

@@ -17,6 +17,8 @@ class TaskManager;
 class TaskListFile
 {
 public:
+    static inline const QString name = QStringLiteral("ltodolist.txt");
+
     TaskListFile(TaskManager &store, Documents &documents);
 
     /// Writes the whole list, during a search too.
@@ -39,6 +41,13 @@ public:
 
     /// Inverts the colours in memory in place of reading them anew, where they do not match the appearance.
     void followAppearance();
+
+    /// The whole path; the name alone where there is no documents folder.
+    [[nodiscard]] QString path() const;
+
+    /// Removes the file and every copy of it that was kept. The store stays as it is.
+    /// @return an error in words for the user, empty when nothing is left; a file that is missing is an error
+    [[nodiscard]] QString erase();
 
     /// Takes the sentences that reading and writing have gathered for the user.
     [[nodiscard]] QStringList takeNotices();

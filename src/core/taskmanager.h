@@ -109,6 +109,8 @@ public:
     [[nodiscard]] qint64 getDelay() const;
     void setTestOhoneNo(const QString &testPhoneNo);
     [[nodiscard]] QString getTestPhoneNo() const;
+    /// Sees the settings on disk, where they otherwise come soon. @return whether that worked
+    [[nodiscard]] bool saveSettings();
 
     // Ordering
 

@@ -94,6 +94,11 @@ QString TaskManager::getTestPhoneNo() const
     return text(defaultsKeys::keySeven);
 }
 
+bool TaskManager::saveSettings()
+{
+    return defaults.save();
+}
+
 QString TaskManager::text(const QString &key) const
 {
     return defaults.text(key).value_or(QString());

@@ -16,7 +16,7 @@ BELOW = {
     "cloud": MODEL,
     "messaging": MODEL | {"contacts", "ui"},  # its windows
     "ui": MODEL | {"contacts"},
-    "tools": MODEL | {"ui"},  # its windows
+    "tools": MODEL | {"contacts", "ui"},  # its windows
     "app": MODEL | {"contacts", "cloud", "messaging", "ui", "tools"},
     "support": MODEL,
 }

@@ -54,6 +54,15 @@ void ContactWindow::viewWillDisappear()
         trace("Unable to Save Contacts", error);
 }
 
+void ContactWindow::reload()
+{
+    m_outlets.table->endEditing();
+    if (!managedObjectContext)
+        return;
+    if (const QString error = managedObjectContext->load(); !error.isEmpty())
+        trace("Unable to Read Contacts", error);
+}
+
 void ContactWindow::addContact()
 {
     m_outlets.table->endEditing();

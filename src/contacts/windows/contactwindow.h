@@ -23,6 +23,9 @@ public:
     void viewWillAppear();
     void viewWillDisappear();
 
+    /// Shows what the store holds, in place of what is pending.
+    void reload();
+
 protected:
     struct Outlets
     {

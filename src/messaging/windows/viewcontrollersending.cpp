@@ -112,6 +112,14 @@ void ViewControllerSending::viewDidLoad()
                     tr("The team members could not be opened, so none are shown here.")));
 }
 
+void ViewControllerSending::reload()
+{
+    if (!managedObjectContext)
+        return;
+    if (const QString error = managedObjectContext->load(); !error.isEmpty())
+        trace("Unable to Read Contacts", error);
+}
+
 void ViewControllerSending::prepare(ContactTable *table, ContactList *list, const FetchRequest &request,
                                     const QString &emptyMessage)
 {

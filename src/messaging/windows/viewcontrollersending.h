@@ -52,6 +52,9 @@ public:
     // Life cycle
 
     void viewDidLoad();
+    /// Shows the contacts that the store holds now.
+    void reload();
+
     void viewWillAppear();
     void viewDidAppear();
     void viewWillDisappear();

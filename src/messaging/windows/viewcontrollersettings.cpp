@@ -86,6 +86,8 @@ void ViewControllerSettings::saveSettings()
 void ViewControllerSettings::setSettings(QObject * /*sender*/)
 {
     saveSettings();
+    if (!m_store.saveSettings())
+        m_utilities.dialogOK(tr("The settings could not be written to disk. They hold until Oblino ends."));
     close();
 }
 

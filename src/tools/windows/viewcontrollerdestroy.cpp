@@ -1,0 +1,225 @@
+#include <tools/windows/viewcontrollerdestroy.h>
+
+#include <core/tasklistfile.h>
+#include <core/taskmanager.h>
+#include <platform/notificationcenter.h>
+#include <platform/trace.h>
+#include <ui/uiutil.h>
+#include <ui_viewcontrollerdestroy.h>
+
+#include <QCloseEvent>
+#include <QDir>
+
+#include <utility>
+
+namespace oblino {
+
+namespace {
+
+constexpr qint64 delayAfterErasing = 1000; // ms
+
+} // namespace
+
+ViewControllerDestroy::ViewControllerDestroy(ErasableData erasable, QWidget *parent)
+    : QDialog(parent)
+    , m_data(std::move(erasable))
+    , m_ui(std::make_unique<Ui::ViewControllerDestroy>())
+{
+    m_ui->setupUi(this);
+    deleteTasks = m_ui->deleteTasks;
+    deleteNotes = m_ui->deleteNotes;
+    deleteWhiteboard = m_ui->deleteWhiteboard;
+    deleteClients = m_ui->deleteClients;
+    deleteTeamMembers = m_ui->deleteTeamMembers;
+    deleteSettings = m_ui->deleteSettings;
+    deleteAll = m_ui->deleteAll;
+    deleteICloud = m_ui->deleteICloud;
+    using Self = ViewControllerDestroy;
+    m_categories = {
+        {deleteTasks, &dTask, QStringLiteral("\nTasks"), &Self::eraseTasks},
+        {deleteNotes, &dNotes, QStringLiteral("\nNotes"), &Self::eraseNotes},
+        {deleteWhiteboard, &dWhiteboard, QStringLiteral("\nWhiteboard"), &Self::eraseWhiteboard},
+        {deleteClients, &dClients, QStringLiteral("\nClients"), &Self::eraseClients},
+        {deleteTeamMembers, &dTeamMembers, QStringLiteral("\nTeamMembers"), &Self::eraseTeamMembers},
+        {deleteSettings, &dSettings, QStringLiteral("\nSettings"), &Self::eraseSettings},
+        {deleteICloud, &dICloud, QStringLiteral("\niCloud"), &Self::eraseCloud},
+    };
+    connect(deleteAll, &QCheckBox::clicked, this, [this] { pressAll(deleteAll); });
+    connect(m_ui->eraseButton, &QPushButton::clicked, this, [this] { OKErase(m_ui->eraseButton); });
+    connect(m_ui->closeButton, &QPushButton::clicked, this, &QDialog::close);
+    viewDidLoad();
+}
+
+ViewControllerDestroy::~ViewControllerDestroy() = default;
+
+void ViewControllerDestroy::viewDidLoad()
+{
+    m_storeError = loadTraced(persistentContainer()).error;
+    managedObjectContext = persistentContainer().viewContext();
+}
+
+PersistentContainer &ViewControllerDestroy::persistentContainer()
+{
+    if (!m_container)
+        m_container = makeContactContainer(m_data.privateFolder);
+    return *m_container;
+}
+
+void ViewControllerDestroy::pressAll(QObject * /*sender*/)
+{
+    for (const Category &category : m_categories)
+        category.box->setChecked(deleteAll->isChecked());
+}
+
+void ViewControllerDestroy::OKErase(QObject * /*sender*/)
+{
+    bool isAnyChosen = false;
+    for (const Category &category : m_categories) {
+        *category.flag = category.box->isChecked();
+        isAnyChosen = isAnyChosen || *category.flag;
+    }
+    if (!isAnyChosen) {
+        close();
+        return;
+    }
+    m_ui->resultLabel->clear();
+    if (confirmed()) {
+        trace("Ok Pressed!");
+        eraseChosen();
+    }
+    for (const Category &category : m_categories)
+        category.box->setChecked(false);
+}
+
+bool ViewControllerDestroy::confirmed()
+{
+    QString list;
+    for (const Category &category : m_categories) {
+        if (*category.flag)
+            list += category.listLine;
+    }
+    return m_data.utilities.dialogYesNo(
+        QStringLiteral("The following selected data will be destroyed and will not be able to be recovered. "
+                       "Are you sure you want to delete ?"),
+        list);
+}
+
+void ViewControllerDestroy::eraseChosen()
+{
+    m_isErasing = true;
+    QStringList left;
+    for (const Category &category : m_categories) {
+        if (*category.flag && !(this->*category.erase)())
+            left += category.box->text().remove(QLatin1Char('&'));
+    }
+    m_isErasing = false;
+    m_ui->resultLabel->setText(left.isEmpty() ? tr("Everything that you chose is gone.")
+                                              : tr("Not erased: %1.").arg(left.join(QLatin1String(", "))));
+    if (left.isEmpty())
+        m_data.utilities.dialogOK(QStringLiteral("All Selected Records Deleted Successfully!"));
+    if (dTask)
+        m_data.notifications.post(QStringLiteral("reload"));
+}
+
+bool ViewControllerDestroy::eraseTasks()
+{
+    const QString error = m_data.taskList.erase();
+    if (!error.isEmpty()) {
+        trace(error);
+        return report(QStringLiteral("Error Deleting Tasks File:") + m_data.taskList.path(), error);
+    }
+    m_data.store.removeAll();
+    return true;
+}
+
+bool ViewControllerDestroy::eraseNotes()
+{
+    Documents &documents = m_data.documents;
+    return report(QStringLiteral("Error Deleting Notes File:") + documents.path(NotesFile::name),
+                  documents.erase(NotesFile::name));
+}
+
+bool ViewControllerDestroy::eraseWhiteboard()
+{
+    const QString error = WhiteboardFile(m_data.privateFolder).erase(WhiteboardFile::name);
+    return report(QStringLiteral("Error Deleting Whiteboard File:") + QDir::currentPath() +
+                      WhiteboardFile::name,
+                  error);
+}
+
+bool ViewControllerDestroy::eraseClients()
+{
+    return eraseContacts(Clients::fetchRequest(), QStringLiteral("Error Deleting Clients Records"));
+}
+
+bool ViewControllerDestroy::eraseTeamMembers()
+{
+    return eraseContacts(TeamMembers::fetchRequest(), QStringLiteral("Error Deleting Team Members Records"));
+}
+
+bool ViewControllerDestroy::eraseContacts(const FetchRequest &request, const QString &message)
+{
+    if (!managedObjectContext)
+        return report(message, m_storeError);
+    if (!report(message, managedObjectContext->batchDelete(request.entityName)))
+        return false;
+    m_data.contactsErased();
+    return true;
+}
+
+bool ViewControllerDestroy::eraseSettings()
+{
+    m_data.store.setTwilioSecret({});
+    m_data.store.setTwilioSID({});
+    m_data.store.setTwilioSendingPhoneNo({});
+    m_data.store.setNotification(false);
+    m_data.store.setMessageTitle({});
+    m_data.store.setTestOhoneNo({});
+    m_data.store.setOverwrite(false);
+    m_data.store.setMessageFooter({});
+    m_data.store.setDelay(delayAfterErasing);
+    return m_data.store.saveSettings();
+}
+
+bool ViewControllerDestroy::eraseCloud()
+{
+    if (!m_data.beforeCloud())
+        return false;
+    setEnabled(false); // the event loop runs meanwhile
+    showCloudProgress(0);
+    const QMetaObject::Connection progress = connect(&m_data.store, &TaskManager::cloudProgressed, this,
+                                                     &ViewControllerDestroy::showCloudProgress);
+    const bool erased = m_data.store.deleteAllTasksToCloud();
+    disconnect(progress);
+    setEnabled(true);
+    return erased;
+}
+
+// @return whether there is no error
+bool ViewControllerDestroy::report(const QString &message, const QString &error)
+{
+    if (!error.isEmpty())
+        m_data.utilities.dialogOK(message + QLatin1Char('\n') + error);
+    return error.isEmpty();
+}
+
+void ViewControllerDestroy::showCloudProgress(int percent)
+{
+    m_ui->resultLabel->setText(tr("Erasing the tasks in the cloud: %1 %").arg(percent));
+}
+
+void ViewControllerDestroy::reject()
+{
+    if (!m_isErasing)
+        QDialog::reject();
+}
+
+void ViewControllerDestroy::closeEvent(QCloseEvent *event)
+{
+    if (m_isErasing)
+        event->ignore();
+    else
+        QDialog::closeEvent(event);
+}
+
+} // namespace oblino

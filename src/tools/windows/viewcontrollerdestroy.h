@@ -1,0 +1,118 @@
+#pragma once
+
+#include <tools/notesfile.h>
+#include <tools/whiteboardfile.h>
+
+#include <contacts/contactmodel.h>
+
+#include <QDialog>
+#include <QStringList>
+
+#include <functional>
+#include <memory>
+#include <vector>
+
+class QCheckBox;
+
+namespace oblino {
+
+namespace Ui {
+class ViewControllerDestroy;
+}
+
+class NotificationCenter;
+class TaskListFile;
+class TaskManager;
+class UIUtil;
+
+/// What the data eraser works on.
+struct ErasableData
+{
+    TaskManager &store;
+    TaskListFile &taskList;
+    Documents &documents;
+    NotificationCenter &notifications; ///< told "reload" when the tasks were to go
+    UIUtil &utilities;
+    QString privateFolder; ///< where the contacts and the recovery copies lie
+    /// Asks the user for what the cloud lacks; answers whether it can be used.
+    std::function<bool()> beforeCloud = [] { return true; };
+    /// Called when contacts have gone from the store.
+    std::function<void()> contactsErased = [] {};
+};
+
+/// The data eraser: destroys, after a question, the kinds of data whose boxes are on, with the copies that
+/// the program has kept of them. A kind that fails does not stop the others. What an open window holds is not
+/// touched, and written again when that window next saves.
+class ViewControllerDestroy : public QDialog
+{
+    Q_OBJECT
+
+public:
+    explicit ViewControllerDestroy(ErasableData erasable, QWidget *parent = nullptr);
+    ~ViewControllerDestroy() override;
+
+    // What the controls call
+
+    void pressAll(QObject *sender);
+    void OKErase(QObject *sender);
+
+    void reject() override;
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+
+private:
+    /// One kind of data. Its step returns whether all of it went.
+    struct Category
+    {
+        QCheckBox *box;
+        bool *flag;
+        QString listLine;
+        bool (ViewControllerDestroy::*erase)();
+    };
+
+    void viewDidLoad();
+    [[nodiscard]] PersistentContainer &persistentContainer();
+
+    [[nodiscard]] bool confirmed();
+    void eraseChosen();
+    [[nodiscard]] bool eraseTasks();
+    [[nodiscard]] bool eraseNotes();
+    [[nodiscard]] bool eraseWhiteboard();
+    [[nodiscard]] bool eraseClients();
+    [[nodiscard]] bool eraseTeamMembers();
+    [[nodiscard]] bool eraseContacts(const FetchRequest &request, const QString &message);
+    [[nodiscard]] bool eraseSettings();
+    [[nodiscard]] bool eraseCloud();
+    bool report(const QString &message, const QString &error);
+    void showCloudProgress(int percent);
+
+    ErasableData m_data;
+    std::unique_ptr<Ui::ViewControllerDestroy> m_ui;
+    std::vector<Category> m_categories; // in the order in which they are listed and erased
+    std::unique_ptr<PersistentContainer> m_container;
+    ManagedObjectContext *managedObjectContext = nullptr;
+    QString m_storeError; // why there is no context
+    bool m_isErasing = false;
+
+    bool dTask = false;
+    bool dNotes = false;
+    bool dWhiteboard = false;
+    bool dClients = false;
+    bool dTeamMembers = false;
+    bool dSettings = false;
+    bool dICloud = false;
+
+    // Outlets
+
+    QCheckBox *deleteTasks = nullptr;
+    QCheckBox *deleteNotes = nullptr;
+    QCheckBox *deleteWhiteboard = nullptr;
+    QCheckBox *deleteClients = nullptr;
+    QCheckBox *deleteTeamMembers = nullptr;
+    QCheckBox *deleteSettings = nullptr;
+    QCheckBox *deleteAll = nullptr;
+    QCheckBox *deleteICloud = nullptr;
+};
+
+} // namespace oblino
