@@ -1,5 +1,7 @@
 #include <app/application.h>
 
+#include <app/viewcontrollerenhancement.h>
+
 #include <cloud/taskrecord.h>
 #include <contacts/contactmodel.h>
 #include <contacts/windows/viewcontrollerclientmgmt.h>
@@ -15,6 +17,7 @@
 #include <platform/trace.h>
 #include <platform/widgets/cloudaccountwindow.h>
 #include <platform/widgets/passwordprompt.h>
+#include <tools/windows/viewcontrollerdestroy.h>
 #include <tools/windows/viewcontrollernotes.h>
 #include <tools/windows/viewcontrollerwhiteboard.h>
 #include <ui/theme.h>
@@ -77,24 +80,7 @@ void Application::start()
     m_mainWindow = std::make_unique<ViewController>(tskMgr(), Documents::standard(), uiUtil(),
                                                     NotificationCenter::standard(), contactsFolder());
     connect(m_mainWindow.get(), &ViewController::terminationRequested, this, &Application::terminate);
-    connect(m_mainWindow.get(), &ViewController::clientsRequested, this,
-            [this] { open<ViewControllerClientMgmt>(contactsFolder()); });
-    connect(m_mainWindow.get(), &ViewController::teamMembersRequested, this,
-            [this] { open<ViewControllerTeamMgmt>(contactsFolder()); });
-    connect(m_mainWindow.get(), &ViewController::cloudAccountRequested, this,
-            [this] { open<CloudAccountWindow>(m_cloud); });
-    connect(m_mainWindow.get(), &ViewController::sendingRequested, this,
-            [this] { open<ViewControllerSending>(tskMgr(), uiUtil(), m_sendingRun, contactsFolder()); });
-    connect(m_mainWindow.get(), &ViewController::messagingSettingsRequested, this,
-            [this] { open<ViewControllerSettings>(tskMgr(), uiUtil(), sendSMS); });
-    connect(&m_sendingRun, &SendingRun::finished, m_mainWindow.get(), [this] {
-        if (!m_mainWindow->findChild<ViewControllerSending *>())
-            ViewControllerSending::tellFailure(uiUtil());
-    });
-    connect(m_mainWindow.get(), &ViewController::notesRequested, this,
-            [this] { open<ViewControllerNotes>(tskMgr(), Documents::standard()); });
-    connect(m_mainWindow.get(), &ViewController::whiteboardRequested, this,
-            [this] { open<ViewControllerWhiteboard>(uiUtil(), m_sharingMenu, contactsFolder()); });
+    connectWindows();
     m_mainWindow->setBeforeEnd([this] { return mayEnd(); });
     m_mainWindow->setBeforeCloud([this] { return ensurePassword(m_cloud, m_mainWindow.get()); });
     connect(&m_cloud, &CloudSession::rememberingFailed, this, &Application::tellNotRemembered);
@@ -116,6 +102,52 @@ void Application::open(Arguments &&...arguments)
     window->show();
     window->raise();
     window->activateWindow();
+}
+
+void Application::connectWindows()
+{
+    connect(m_mainWindow.get(), &ViewController::clientsRequested, this,
+            [this] { open<ViewControllerClientMgmt>(contactsFolder()); });
+    connect(m_mainWindow.get(), &ViewController::teamMembersRequested, this,
+            [this] { open<ViewControllerTeamMgmt>(contactsFolder()); });
+    connect(m_mainWindow.get(), &ViewController::cloudAccountRequested, this,
+            [this] { open<CloudAccountWindow>(m_cloud); });
+    connect(m_mainWindow.get(), &ViewController::sendingRequested, this,
+            [this] { open<ViewControllerSending>(tskMgr(), uiUtil(), m_sendingRun, contactsFolder()); });
+    connect(m_mainWindow.get(), &ViewController::messagingSettingsRequested, this,
+            [this] { open<ViewControllerSettings>(tskMgr(), uiUtil(), sendSMS); });
+    connect(m_mainWindow.get(), &ViewController::eraserRequested, this, &Application::openEraser);
+    connect(m_mainWindow.get(), &ViewController::startPageRequested, this,
+            [this] { open<ViewControllerEnhancement>(); });
+    connect(&m_sendingRun, &SendingRun::finished, m_mainWindow.get(), [this] {
+        if (!m_mainWindow->findChild<ViewControllerSending *>())
+            ViewControllerSending::tellFailure(uiUtil());
+    });
+    connect(m_mainWindow.get(), &ViewController::notesRequested, this,
+            [this] { open<ViewControllerNotes>(tskMgr(), Documents::standard()); });
+    connect(m_mainWindow.get(), &ViewController::whiteboardRequested, this,
+            [this] { open<ViewControllerWhiteboard>(uiUtil(), m_sharingMenu, contactsFolder()); });
+}
+
+void Application::openEraser()
+{
+    open<ViewControllerDestroy>(
+        ErasableData{.store = tskMgr(),
+                     .taskList = m_mainWindow->taskListFile(),
+                     .documents = Documents::standard(),
+                     .notifications = NotificationCenter::standard(),
+                     .utilities = uiUtil(),
+                     .privateFolder = contactsFolder(),
+                     .beforeCloud = [this] { return ensurePassword(m_cloud, m_mainWindow.get()); },
+                     .contactsErased = [this] { reloadContacts(); }});
+}
+
+void Application::reloadContacts()
+{
+    for (ContactWindow *window : m_mainWindow->findChildren<ContactWindow *>())
+        window->reload();
+    if (auto *window = m_mainWindow->findChild<ViewControllerSending *>())
+        window->reload();
 }
 
 void Application::tellNotRemembered()

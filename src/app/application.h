@@ -28,8 +28,11 @@ public:
     void start();
 
 private:
+    void connectWindows();
     template<typename Window, typename... Arguments>
     void open(Arguments &&...arguments);
+    void openEraser();
+    void reloadContacts();
     void tellNotRemembered();
     void followAppearance();
     /// Asks where something would be broken off.

@@ -62,6 +62,7 @@ public:
     void editTask();
     void doubleClickTable();
     void doubleClickOnResultRow();
+    void addEnhancement(QObject *sender);
     void UpdateToCloud(QObject *sender);
     void UpdateFromCoud(QObject *sender);
 
@@ -81,6 +82,8 @@ public:
     [[nodiscard]] QString readFromFile();
     QString splitStringFile(const QString &joinedStr);
 
+    [[nodiscard]] TaskListFile &taskListFile() { return m_file; }
+
     /// Brings the window in front of the others.
     void comeToFront();
 
@@ -97,6 +100,8 @@ Q_SIGNALS:
     void cloudAccountRequested();
     void notesRequested();
     void whiteboardRequested();
+    void eraserRequested();
+    void startPageRequested();
 
 protected:
     void showEvent(QShowEvent *event) override;
@@ -168,8 +173,8 @@ private:
     std::function<bool()> m_beforeEnd = [] { return true; };
     std::function<bool()> m_beforeCloud = [] { return true; };
     bool m_deletionHasAsked = false;
-    QString m_waitingFor;            // what the cloud is waited for, as the start of a message
-    QList<QAction *> m_heldCommands; // disabled while the cloud is waited for
+    QString m_waitingFor = tr("Waiting for the cloud"); // the start of a message
+    QList<QAction *> m_heldCommands;                    // disabled while the cloud is waited for
 
     // Outlets
 

@@ -67,6 +67,7 @@ void ViewController::releaseCommands()
         action->setEnabled(true);
     tblView->setEnabled(true);
     tblView->setFocus(Qt::OtherFocusReason);
+    m_waitingFor = tr("Waiting for the cloud"); // until a command of this window says more
     if (!tblView->selectionModel()->hasSelection())
         disableSelectionButtons();
     showCounts();

@@ -153,6 +153,11 @@ void ViewController::closeTask(QObject *sender)
     changeList();
 }
 
+void ViewController::addEnhancement(QObject * /*sender*/)
+{
+    Q_EMIT startPageRequested();
+}
+
 void ViewController::sharingTask(QObject *sender)
 {
     m_store.shareSelected(sender);
