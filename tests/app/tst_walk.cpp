@@ -1,0 +1,329 @@
+#include <support/httpsserver.h>
+#include <support/temporaryhome.h>
+#include <support/testmain.h>
+
+#include <app/application.h>
+#include <contacts/windows/viewcontrollerclientmgmt.h>
+#include <messaging/windows/viewcontrollersending.h>
+#include <messaging/windows/viewcontrollersettings.h>
+#include <platform/singleinstance.h>
+#include <tools/windows/viewcontrollerdestroy.h>
+#include <tools/windows/viewcontrollernotes.h>
+#include <tools/windows/viewcontrollerwhiteboard.h>
+#include <ui/viewcontroller.h>
+#include <ui/viewcontrolleradd.h>
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QDirIterator>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QNetworkProxy>
+#include <QPointer>
+#include <QTableView>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTimer>
+
+#include <functional>
+#include <vector>
+
+using namespace oblino;
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+// Stands in the way of every connection and leads it to a server on this machine, whatever its name.
+class Detour : public QTcpServer
+{
+public:
+    explicit Detour(quint16 port)
+    {
+        connect(this, &QTcpServer::newConnection, this, [this, port] {
+            QTcpSocket *client = nextPendingConnection();
+            auto *server = new QTcpSocket(client);
+            server->connectToHost(QHostAddress::LocalHost, port);
+            connect(client, &QTcpSocket::readyRead, server, [client, server, asked = QByteArray()]() mutable {
+                if (server->property("leads").toBool()) {
+                    server->write(client->readAll());
+                } else if ((asked += client->readAll()).endsWith("\r\n\r\n")) {
+                    server->setProperty("leads", true);
+                    client->write("HTTP/1.1 200 OK\r\n\r\n");
+                }
+            });
+            connect(server, &QTcpSocket::readyRead, client, [=] { client->write(server->readAll()); });
+        });
+        listen(QHostAddress::LocalHost);
+    }
+};
+
+// Does something and presses buttons of the questions that come, in their order. @return the questions
+QStringList answering(const QStringList &buttons, const std::function<void()> &action)
+{
+    QStringList asked;
+    QTimer timer;
+    QObject::connect(&timer, &QTimer::timeout, &timer, [&] {
+        const auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
+        if (!box || asked.size() == buttons.size())
+            return;
+        const QString wanted = buttons.at(asked.size());
+        asked += box->text();
+        for (QAbstractButton *button : box->buttons()) {
+            if (button->text() == wanted)
+                QTest::mouseClick(button, Qt::LeftButton);
+        }
+    });
+    timer.start(5);
+    action();
+    (void)QTest::qWaitFor([&] { return asked.size() == buttons.size(); });
+    return asked;
+}
+
+// The program from an empty home.
+class Walk
+{
+public:
+    Walk()
+    {
+        application.start();
+        for (QWidget *widget : QApplication::topLevelWidgets())
+            window = qobject_cast<ViewController *>(widget) ? qobject_cast<ViewController *>(widget) : window;
+        window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(window));
+    }
+
+    // Opens a menu with Alt, and chooses in it.
+    void choose(Qt::Key menu, Qt::Key item) const
+    {
+        window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(window));
+        QTest::keyClick(window, menu, Qt::AltModifier);
+        QVERIFY(QApplication::activePopupWidget());
+        QTest::keyClick(QApplication::activePopupWidget(), item);
+    }
+    template<typename Window>
+    Window *chosen(Qt::Key item) const
+    {
+        choose(Qt::Key_O, item);
+        return opened<Window>();
+    }
+    template<typename Window>
+    Window *opened() const
+    {
+        auto *found = window->findChild<Window *>();
+        return found && QTest::qWaitForWindowActive(found) ? found : nullptr;
+    }
+
+    static void click(const QWidget *where, const QString &button)
+    {
+        QTest::mouseClick(where->findChild<QAbstractButton *>(button), Qt::LeftButton, {}, QPoint(8, 8));
+    }
+    static void type(const QWidget *where, const QString &field, const QString &text)
+    {
+        QWidget *widget = where->findChild<QWidget *>(field);
+        QTest::mouseClick(widget, Qt::LeftButton, {}, QPoint(8, 8));
+        QTest::keySequence(where->focusWidget(), QKeySequence::SelectAll);
+        QTest::keyClicks(where->focusWidget(), text);
+    }
+    void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::ControlModifier) const
+    {
+        window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(window));
+        QTest::keyClick(window, key, modifiers);
+    }
+
+    void addTask(const QString &name, const QString &client) const
+    {
+        press(Qt::Key_N);
+        const QPointer form = opened<ViewControllerAdd>();
+        QVERIFY(form);
+        type(form, u"txtTaskName"_s, name);
+        type(form, u"client"_s, client);
+        QTest::keyClick(form->findChild<QWidget *>(u"txtTaskName"_s), Qt::Key_Return);
+        QTRY_VERIFY(!form);
+    }
+    void selectTask(const QString &name) const
+    {
+        auto *table = window->findChild<QTableView *>(u"tblView"_s);
+        const qsizetype row = shown().indexOf(name);
+        const QModelIndex cell = table->model()->index(static_cast<int>(row), 3);
+        QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, table->visualRect(cell).center());
+    }
+    [[nodiscard]] QStringList shown() const
+    {
+        const QAbstractItemModel *model = window->findChild<QTableView *>(u"tblView"_s)->model();
+        QStringList names;
+        for (int row = 0; row < model->rowCount(); ++row)
+            names += model->index(row, 3).data().toString();
+        return names;
+    }
+
+    SingleInstance instance{QDir::homePath() + u"/private"_s};
+    Application application{instance};
+    ViewController *window = nullptr;
+};
+
+} // namespace
+
+class tst_walk : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        qputenv("HOME", QFile::encodeName(m_home.path({})));
+        qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
+        QDir::setCurrent(m_home.path({}));
+        QSslConfiguration::setDefaultConfiguration(m_authority.trust());
+        QNetworkProxy::setApplicationProxy({QNetworkProxy::HttpProxy, u"127.0.0.1"_s, m_detour.serverPort()});
+        m_server.setReply({Reply::answer("<TwilioResponse><Status>queued</Status></TwilioResponse>")});
+    }
+
+    void fromAnEmptyHomeToAnEmptyHome()
+    {
+        const Walk walk;
+        QVERIFY(walk.shown().isEmpty());
+        const std::vector<std::function<void()>> steps = {
+            [&] { enterClient(walk); },
+            [&] { walk.addTask(u"Paint fence"_s, u"Ann Berg"_s); },
+            [&] { walk.addTask(u"Order timber"_s, u"Leo Lind"_s); },
+            [&] { walk.addTask(u"Repair gate"_s, u"Ann Berg"_s); },
+            [&] { search(walk); },
+            [&] { orderByHand(walk); },
+            [&] { sendSchedule(walk); },
+            [&] { sendToTheCloudAndBack(walk); },
+            [&] { draw(walk); },
+            [&] { eraseAll(walk); },
+        };
+        for (const auto &step : steps) {
+            if (!QTest::currentTestFailed())
+                step();
+        }
+    }
+
+private:
+    static void enterClient(const Walk &walk)
+    {
+        auto *clients = walk.chosen<ViewControllerClientMgmt>(Qt::Key_C);
+        QVERIFY(clients);
+        Walk::click(clients, u"addButton"_s);
+        QTRY_VERIFY(qobject_cast<QLineEdit *>(clients->focusWidget()));
+        QTest::keyClicks(clients->focusWidget(), u"Ann Berg"_s);
+        QTest::keyClick(clients->focusWidget(), Qt::Key_Tab);
+        QTest::keyClicks(clients->focusWidget(), u"+15550101"_s);
+        Walk::click(clients, u"okButton"_s);
+    }
+
+    static void search(const Walk &walk)
+    {
+        walk.press(Qt::Key_F);
+        QTest::keyClicks(walk.window->focusWidget(), u"BERG"_s);
+        QCOMPARE(walk.shown(), (QStringList{u"Paint fence"_s, u"Repair gate"_s}));
+        QTest::keyClick(walk.window->focusWidget(), Qt::Key_Escape);
+        QCOMPARE(walk.shown().size(), 3);
+    }
+
+    void orderByHand(const Walk &walk) const
+    {
+        walk.press(Qt::Key_7);
+        walk.selectTask(u"Repair gate"_s);
+        walk.press(Qt::Key_Up);
+        const QByteArray file = TemporaryHome::content(m_home.listPath());
+        QVERIFY2(file.indexOf("Repair gate") < file.indexOf("Order timber"), file);
+        QVERIFY2(file.indexOf("Paint fence") < file.indexOf("Repair gate"), file);
+    }
+
+    void sendSchedule(const Walk &walk) const
+    {
+        auto *settings = walk.chosen<ViewControllerSettings>(Qt::Key_M);
+        QVERIFY(settings);
+        for (const auto &[field, text] : {std::pair(u"secureID"_s, u"AC1"_s),
+                                          {u"passPhrase"_s, u"hushhush"_s},
+                                          {u"sendingPhoneNo"_s, u"+15550100"_s},
+                                          {u"messageTitle"_s, u"Week"_s}})
+            Walk::type(settings, field, text);
+        Walk::click(settings, u"sendSMS"_s);
+        Walk::click(settings, u"saveButton"_s);
+
+        auto *sending = walk.chosen<ViewControllerSending>(Qt::Key_S);
+        QVERIFY(sending);
+        Walk::click(sending, u"allClients"_s);
+        const auto *button = sending->findChild<QAbstractButton *>(u"sendMsgClients"_s);
+        answering({u"OK"_s}, [sending] { Walk::click(sending, u"sendMsgClients"_s); });
+        QTRY_VERIFY(button->isEnabled());        // when the run is over
+        QCOMPARE(m_server.requests().size(), 3); // the header and two tasks
+        QCOMPARE(m_server.requests().first().line(), "POST /2010-04-01/Accounts/AC1/SMS/Messages HTTP/1.1");
+        QCOMPARE(m_server.requests().first().header("Host"), "api.twilio.com");
+        QVERIFY(m_server.requests().last().body.startsWith("From=%2B15550100&To=%2B15550101&Body="));
+        sending->close();
+    }
+
+    void sendToTheCloudAndBack(const Walk &walk) const
+    {
+        QStringList asked = answering({u"OK"_s}, [&] { walk.choose(Qt::Key_C, Qt::Key_S); });
+        QCOMPARE(asked.last(), u"Sync to iCloud succesfully!"_s);
+        walk.selectTask(u"Paint fence"_s);
+        walk.press(Qt::Key_K);
+        QCOMPARE(TemporaryHome::content(m_home.listPath()).count("|Closed|"), 1);
+        asked = answering({u"Yes"_s, u"OK"_s}, [&] { walk.choose(Qt::Key_C, Qt::Key_M); });
+        QCOMPARE(asked.last(), u"Sync from iCloud succesfully!"_s);
+        QCOMPARE(TemporaryHome::content(m_home.listPath()).count("|Closed|"), 0);
+    }
+
+    void draw(const Walk &walk) const
+    {
+        auto *board = walk.chosen<ViewControllerWhiteboard>(Qt::Key_W);
+        QVERIFY(board);
+        QWidget *area = board->findChild<QWidget *>(u"line"_s);
+        QTest::mousePress(area, Qt::LeftButton, {}, {100, 100});
+        QTest::mouseMove(area, {300, 100});
+        QTest::mouseRelease(area, Qt::LeftButton, {}, {300, 100});
+        QCOMPARE(QImage(m_home.path(u"ltodolistwhiteboard.png"_s)).pixelColor(200, 100), QColor(Qt::black));
+        board->close();
+        auto *notes = walk.chosen<ViewControllerNotes>(Qt::Key_N);
+        QVERIFY(notes);
+        Walk::type(notes, u"textEdit"_s, u"Ann Berg likes green."_s);
+        notes->close();
+        QCOMPARE(TemporaryHome::content(m_home.documents() + u"/ltodonotes.txt"_s), "Ann Berg likes green.");
+    }
+
+    void eraseAll(const Walk &walk) const
+    {
+        QCOMPARE(filesWithTraces().size(), 5); // list, notes, contacts, cloud copy, settings
+        auto *eraser = walk.chosen<ViewControllerDestroy>(Qt::Key_D);
+        QVERIFY(eraser);
+        Walk::click(eraser, u"deleteAll"_s);
+        const QStringList asked =
+            answering({u"Yes"_s, u"OK"_s}, [eraser] { Walk::click(eraser, u"eraseButton"_s); });
+        QCOMPARE(asked.last(), u"All Selected Records Deleted Successfully!"_s);
+        QVERIFY(walk.shown().isEmpty());
+        QCOMPARE(filesWithTraces(), QStringList());
+        QVERIFY(!QFile::exists(m_home.path(u"ltodolistwhiteboard.png"_s)));
+        QVERIFY(!QFile::exists(m_home.documents() + u"/ltodonotes.txt"_s));
+        QCOMPARE(TemporaryHome::content(m_home.listPath()), QByteArray());
+    }
+
+    // The files in which something stands that was typed above.
+    [[nodiscard]] QStringList filesWithTraces() const
+    {
+        QStringList files;
+        for (QDirIterator all(m_home.path({}), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+             all.hasNext();) {
+            const QString path = all.next();
+            const QByteArray content = TemporaryHome::content(path);
+            if (content.contains("Berg") || content.contains("timber") || content.contains("hushhush"))
+                files += path;
+        }
+        return files;
+    }
+
+    TemporaryHome m_home;
+    Certificate m_authority = Certificate::authority();
+    HttpsServer m_server{m_authority.issue("DNS:api.twilio.com")};
+    Detour m_detour{m_server.port()};
+};
+
+OBLINO_TEST(tst_walk, QApplication)
+
+#include "tst_walk.moc"
