@@ -350,6 +350,25 @@ private Q_SLOTS:
         QCOMPARE(qvariant_cast<QImage>(copied->imageData()), picture);
     }
 
+    void drawsWithAPen()
+    {
+        Board board;
+        board.open();
+        const auto send = [&board](QEvent::Type type, QPointF place, Qt::MouseButton button,
+                                   Qt::MouseButtons held) {
+            QTabletEvent event(type, QPointingDevice::primaryPointingDevice(), place, place, 0.5, 0, 0, 0, 0,
+                               0, {}, button, held);
+            QCoreApplication::sendEvent(board.area(), &event);
+        };
+        send(QEvent::TabletMove, {50, 50}, Qt::NoButton, Qt::NoButton); // above the board
+        send(QEvent::TabletPress, {100, 100.5}, Qt::LeftButton, Qt::LeftButton);
+        send(QEvent::TabletMove, {200, 100.5}, Qt::NoButton, Qt::LeftButton);
+        send(QEvent::TabletRelease, {200, 100.5}, Qt::LeftButton, Qt::NoButton);
+        QCOMPARE(board.at({150, 98}), QColor(Qt::black)); // from 98 to 103
+        QCOMPARE(board.at({150, 97}), QColor(Qt::white));
+        QCOMPARE(board.at({75, 75}), QColor(Qt::white));
+    }
+
     void drawsWithAFinger()
     {
         Board board;

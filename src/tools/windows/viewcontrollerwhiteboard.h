@@ -110,9 +110,14 @@ protected:
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
+    void tabletEvent(QTabletEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 
 private:
+    void pressed(const QSinglePointEvent &event);
+    void moved(const QSinglePointEvent &event);
+    void released(const QSinglePointEvent &event);
+
     ViewControllerWhiteboard &parentVC;
     QPainterPath myPath;
 };

@@ -60,25 +60,52 @@ void ViewControllerWhiteboard::Line::draw(QPainter &painter)
                                     Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
 }
 
-// Pen and touch come as mouse events too, because the view takes no events of their own.
+void ViewControllerWhiteboard::Line::pressed(const QSinglePointEvent &event)
+{
+    if (event.button() == Qt::LeftButton)
+        mouseDown(event.position());
+}
+
+void ViewControllerWhiteboard::Line::moved(const QSinglePointEvent &event)
+{
+    if (!event.buttons().testFlag(Qt::LeftButton))
+        mouseMoved(event.position());
+    else if (myPath.elementCount() > 0)
+        mouseDragged(event.position());
+}
+
+void ViewControllerWhiteboard::Line::released(const QSinglePointEvent &event)
+{
+    if (event.button() == Qt::LeftButton && myPath.elementCount() > 0)
+        mouseUp(event.position());
+}
+
+// Touch comes as mouse events too, because the view takes no events of its own for it.
 void ViewControllerWhiteboard::Line::mousePressEvent(QMouseEvent *event)
 {
-    if (event->button() == Qt::LeftButton)
-        mouseDown(event->position());
+    pressed(*event);
 }
 
 void ViewControllerWhiteboard::Line::mouseMoveEvent(QMouseEvent *event)
 {
-    if (!event->buttons().testFlag(Qt::LeftButton))
-        mouseMoved(event->position());
-    else if (myPath.elementCount() > 0)
-        mouseDragged(event->position());
+    moved(*event);
 }
 
 void ViewControllerWhiteboard::Line::mouseReleaseEvent(QMouseEvent *event)
 {
-    if (event->button() == Qt::LeftButton && myPath.elementCount() > 0)
-        mouseUp(event->position());
+    released(*event);
+}
+
+// As mouse events, the places of a pen would be whole pixels.
+void ViewControllerWhiteboard::Line::tabletEvent(QTabletEvent *event)
+{
+    if (event->type() == QEvent::TabletPress)
+        pressed(*event);
+    else if (event->type() == QEvent::TabletRelease)
+        released(*event);
+    else
+        moved(*event);
+    event->accept();
 }
 
 void ViewControllerWhiteboard::Line::paintEvent(QPaintEvent * /*event*/)
