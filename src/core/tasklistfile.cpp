@@ -108,7 +108,7 @@ bool TaskListFile::keepUnreadableRows(SafeFile &file)
 {
     if (m_unreadableRows.isEmpty())
         return true;
-    const QString error = file.setAside(m_unreadableRows.join(rowSeparator) + rowSeparator);
+    const QString error = file.setAside(m_unreadableRows.join(separatorRowsFile) + separatorRowsFile);
     if (!error.isEmpty())
         return failed(error);
     m_notices += QStringLiteral("%1 of %2 could not be read and now lie in %3.")

@@ -25,7 +25,7 @@ QByteArray listedFields(const QByteArray &row)
 {
     std::string list = "[";
     for (const char c : row) {
-        if (c == fieldSeparator)
+        if (c == separatorFieldsFile)
             list += ", ";
         else
             list += c;
@@ -48,12 +48,12 @@ TaskListText decodedTaskList(const QByteArray &bytes)
         return {QString::fromUtf8(bytes), {}};
     TaskListText result;
     QByteArray valid;
-    const QList<QByteArray> rows = bytes.split(rowSeparator);
+    const QList<QByteArray> rows = bytes.split(separatorRowsFile);
     for (const QByteArray &row : rows) {
         if (!QUtf8StringView(row).isValidUtf8())
             result.unreadableRows.append(row);
         else
-            valid += row + rowSeparator;
+            valid += row + separatorRowsFile;
     }
     if (QUtf8StringView(rows.last()).isValidUtf8())
         valid.chop(1); // what follows the last separator is no row
@@ -66,11 +66,12 @@ TaskListReading addTaskList(const QString &text, TaskManager &store)
     TaskListReading result;
     result.invertedColors = store.inDarkMode();
     TaskRowReader reader(today());
-    trace("No of Rows:", [&text] { return text.count(QLatin1Char(rowSeparator)) + 1; });
+    trace("No of Rows:", [&text] { return text.count(QLatin1Char(separatorRowsFile)) + 1; });
 
     const QStringView whole(text);
     qsizetype begin = 0;
-    for (qsizetype end = 0; (end = whole.indexOf(QLatin1Char(rowSeparator), begin)) >= 0; begin = end + 1) {
+    for (qsizetype end = 0; (end = whole.indexOf(QLatin1Char(separatorRowsFile), begin)) >= 0;
+         begin = end + 1) {
         const QStringView row = whole.sliced(begin, end - begin);
         reader.split(row);
         if (result.invertedColors)

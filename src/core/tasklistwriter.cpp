@@ -66,7 +66,7 @@ private:
 constexpr std::array<bool, 0x80> isPlain = [] {
     std::array<bool, 0x80> plain;
     plain.fill(true);
-    plain[fieldSeparator] = plain[rowSeparator] = false;
+    plain[separatorFieldsFile] = plain[separatorRowsFile] = false;
     return plain;
 }();
 
@@ -132,8 +132,8 @@ public:
 private:
     void anyText(QString value)
     {
-        value.replace(QLatin1Char(fieldSeparator), QChar(u'¦'))
-            .replace(QLatin1Char(rowSeparator), QChar(u'ˆ'));
+        value.replace(QLatin1Char(separatorFieldsFile), QChar(u'¦'))
+            .replace(QLatin1Char(separatorRowsFile), QChar(u'ˆ'));
         m_end = m_encoder.appendToBuffer(m_end, value);
     }
 
@@ -163,30 +163,30 @@ private:
 template<typename... Values>
 void writeNumbers(RowWriter &row, Values... values)
 {
-    (..., (row.number(values), row.separator(fieldSeparator)));
+    (..., (row.number(values), row.separator(separatorFieldsFile)));
 }
 
 template<typename... Texts>
 void writeTexts(RowWriter &row, const Texts &...texts)
 {
-    (..., (row.text(texts), row.separator(fieldSeparator)));
+    (..., (row.text(texts), row.separator(separatorFieldsFile)));
 }
 
 void writeRow(RowWriter &row, const task &t, const Color &color)
 {
     row.day(t.date.date());
-    row.separator(fieldSeparator);
+    row.separator(separatorFieldsFile);
     writeTexts(row, t.name, t.desc);
     writeNumbers(row, color.red(), color.green(), color.blue(), color.alpha());
     row.day(t.due.date());
-    row.separator(fieldSeparator);
+    row.separator(separatorFieldsFile);
     writeNumbers(row, t.status, t.priority);
     writeTexts(row, t.statusName, t.priorityName, t.key);
     writeTexts(row, t.hidden ? QStringLiteral("true") : QStringLiteral("false"));
     writeNumbers(row, t.startHour, t.startMin, t.endHour, t.endMin);
     writeTexts(row, t.client);
     row.text(t.teamMember);
-    row.separator(rowSeparator);
+    row.separator(separatorRowsFile);
 }
 
 } // namespace

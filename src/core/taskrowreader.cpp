@@ -87,7 +87,7 @@ void TaskRowReader::split(QStringView row)
 {
     m_count = 0;
     for (const QChar *begin = row.cbegin();;) {
-        const QChar *const end = std::find(begin, row.cend(), QLatin1Char(fieldSeparator));
+        const QChar *const end = std::find(begin, row.cend(), QLatin1Char(separatorFieldsFile));
         if (m_count < knownFields)
             m_fields[static_cast<size_t>(m_count)] = {begin, end};
         ++m_count;

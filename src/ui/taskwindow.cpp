@@ -37,11 +37,17 @@ TaskWindow::TaskWindow(const TaskWindowContext &context, const QString &mainTitl
     connect(m_buttons->addButton(tr("Cancel"), QDialogButtonBox::RejectRole), &QPushButton::clicked, this,
             &QDialog::reject);
     m_form->txtTaskName->setFocus();
-    connect(m_form->color, &ColorButton::panelColorChanged, this, [] { trace("Change color"); });
+    connect(m_form->color, &ColorButton::panelColorChanged, this, [this] { changeColor(m_form->color); });
     loadView();
 }
 
 TaskWindow::~TaskWindow() = default;
+
+// The colour panel is still open; acceptPickedColor() is called when a colour is chosen.
+void TaskWindow::changeColor(QObject * /*sender*/)
+{
+    trace("Change color");
+}
 
 void TaskWindow::loadView()
 {

@@ -44,6 +44,7 @@ public:
     ~TaskWindow() override;
 
     bool becomeFirstResponder();
+    void changeColor(QObject *sender);
 
 protected:
     virtual void viewWillAppear() = 0;
