@@ -11,6 +11,7 @@
 #include <optional>
 
 class QPushButton;
+class QSinglePointEvent;
 
 namespace oblino {
 
