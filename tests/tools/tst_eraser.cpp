@@ -147,6 +147,7 @@ private Q_SLOTS:
     void nothingErasedIsLeftInAnyFile()
     {
         Eraser eraser;
+        QVERIFY(eraser.documents.file(u"ltodonotes.txt"_s)); // as when a pad has been open
         for (const QString &path : {eraser.home.listPath(), eraser.notes, eraser.board}) {
             SafeFile file(path, eraser.home.privateFolder());
             QVERIFY(file.write("other\n").written); // keeps a copy of what it replaces
@@ -261,6 +262,16 @@ private Q_SLOTS:
         QCOMPARE(eraser.store.getDelay(), 1000);
         QVERIFY(!eraser.store.getNotification());
         QCOMPARE(eraser.defaults.text(u"other"_s), u"kept"_s);
+    }
+
+    void theCopiesOfAMissingFileGo()
+    {
+        Eraser eraser;
+        RecoveryFolder recovery(eraser.home.privateFolder() + u"/recovery"_s, FileCalls::posix());
+        QCOMPARE(recovery.keep(secret, u"ltodonotes.txt"_s).error, 0);
+        QVERIFY(QFile::remove(eraser.notes));
+        eraser.erase({u"deleteNotes"_s});
+        QCOMPARE(eraser.filesWith(secret).size(), 5);
     }
 
     void staysOpenUntilTheCloudHasAnswered()
