@@ -40,7 +40,8 @@ void TableHeader::paintSection(QPainter *painter, const QRect &rect, int section
     painter->fillRect(rect, palette().color(section == m_hovered ? QPalette::Midlight : QPalette::Window));
     painter->setPen(palette().color(QPalette::Mid));
     painter->drawLine(rect.bottomLeft(), rect.bottomRight());
-    painter->drawLine(rect.topRight() + QPoint(0, padding), rect.bottomRight() - QPoint(0, padding));
+    if (rect.right() < viewport()->rect().right())
+        painter->drawLine(rect.topRight() + QPoint(0, padding), rect.bottomRight() - QPoint(0, padding));
 
     const bool sorted = sortIndicatorSection() == section;
     QRect titleRect = rect.adjusted(padding, 0, -padding, 0);
