@@ -42,6 +42,7 @@ ViewControllerEdit::ViewControllerEdit(const TaskWindowContext &context, QWidget
         button->setAutoDefault(false);
 
     auto *keyRow = new QHBoxLayout;
+    keyRow->setSpacing(8);
     keyRow->addWidget(keyLabel, 1);
     keyRow->addWidget(copyKey);
     qobject_cast<QFormLayout *>(m_form->layout())->addRow(tr("Key"), keyRow);
