@@ -49,6 +49,7 @@ CloudAccounts desktopAccounts()
 
 Application::Application(SingleInstance &instance)
     : m_portal(Appearance::standard(), QDBusConnection::sessionBus())
+    , m_sharingMenu(QDBusConnection::sessionBus())
     , m_keyring(QStringLiteral("oblino"))
     , m_cloud(desktopAccounts(), contactsFolder() + QStringLiteral("/Cloud.sqlite"), m_keyring,
               {&taskRecordType()})

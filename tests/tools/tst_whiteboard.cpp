@@ -340,7 +340,8 @@ private Q_SLOTS:
         window->show();
         QImage picture(2, 2, QImage::Format_RGB32);
         picture.fill(Qt::red);
-        SharingMenu().show({u"a"_s, picture, u"b"_s}, window);
+        SharingMenu sharing(QDBusConnection(u"none"_s));
+        sharing.show({u"a"_s, picture, u"b"_s}, window);
         delete window;
         auto *menu = main.findChild<QMenu *>(u"sharingMenu"_s);
         QVERIFY(menu && menu->isVisible());

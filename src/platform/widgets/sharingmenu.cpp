@@ -6,6 +6,7 @@
 #include <QFileDialog>
 #include <QMenu>
 #include <QMessageBox>
+#include <QPointer>
 #include <QSaveFile>
 #include <QScreen>
 #include <QWidget>
@@ -16,6 +17,8 @@ namespace {
 
 // The system passes an address of at most 128 KiB to another program.
 constexpr qsizetype longestDraft = 122'880; // bytes
+
+const QString pictureName = QStringLiteral("whiteboard.png");
 
 // Left of the widget, and below it where the screen ends.
 QPoint placeBeside(const QWidget &widget, const QSize &menu)
@@ -68,6 +71,11 @@ struct SharingMenu::Content
     QImage image; // null without one
 };
 
+SharingMenu::SharingMenu(const QDBusConnection &bus)
+    : m_portal(bus)
+{
+}
+
 void SharingMenu::show(const QList<SharingItem> &items, QObject *control)
 {
     auto *widget = qobject_cast<QWidget *>(control);
@@ -81,19 +89,42 @@ void SharingMenu::show(const QList<SharingItem> &items, QObject *control)
     menu->setToolTipsVisible(true);
     menu->addAction(QObject::tr("&Copy"), menu, [content] { content.copy(); });
 
+    addDrafts(*menu, content, window);
+    menu->addAction(QObject::tr("&Save as File…"), menu, [content, window] { saveAsFile(content, window); });
+    menu->popup(placeBeside(*widget, menu->sizeHint()));
+}
+
+void SharingMenu::addDrafts(QMenu &menu, const Content &content, QWidget *window)
+{
     const QUrl draft = draftOf(content.text);
     QAction *mail =
-        menu->addAction(QObject::tr("&E-mail Draft"), menu, [draft] { QDesktopServices::openUrl(draft); });
+        menu.addAction(QObject::tr("&E-mail Draft"), &menu, [draft] { QDesktopServices::openUrl(draft); });
+    mail->setEnabled(draft.toEncoded().size() <= longestDraft);
     if (!content.image.isNull()) {
         mail->setText(QObject::tr("&E-mail Draft Without the Picture"));
         mail->setToolTip(QObject::tr("Save the picture as a file and attach that to the draft."));
+        QAction *whole = menu.addAction(QObject::tr("&E-mail Draft"), &menu,
+                                        [this, content, window] { openDraft(content, window); });
+        whole->setVisible(false);
+        m_portal.whenPresent(&menu, [mail, whole] {
+            mail->setVisible(false);
+            whole->setVisible(true);
+        });
     }
-    mail->setEnabled(draft.toEncoded().size() <= longestDraft);
     if (!mail->isEnabled())
         mail->setToolTip(QObject::tr("The text is too long for a draft. Save it as a file and attach that."));
+}
 
-    menu->addAction(QObject::tr("&Save as File…"), menu, [content, window] { saveAsFile(content, window); });
-    menu->popup(placeBeside(*widget, menu->sizeHint()));
+void SharingMenu::openDraft(const Content &content, QWidget *window)
+{
+    m_portal.compose(
+        content.text, content.image, pictureName, [window = QPointer(window)](const QString &error) {
+            auto *box = new QMessageBox(QMessageBox::Warning, QString(),
+                                        QObject::tr("The draft could not be opened: %1").arg(error),
+                                        QMessageBox::Ok, window);
+            box->setAttribute(Qt::WA_DeleteOnClose);
+            box->open();
+        });
 }
 
 QUrl SharingMenu::draftOf(const QString &text)
@@ -108,8 +139,7 @@ void SharingMenu::saveAsFile(const Content &content, QWidget *window)
 {
     const bool isImage = !content.image.isNull();
     const QString path = QFileDialog::getSaveFileName(
-        window, QObject::tr("Save as File"),
-        isImage ? QStringLiteral("whiteboard.png") : QStringLiteral("task.txt"),
+        window, QObject::tr("Save as File"), isImage ? pictureName : QStringLiteral("task.txt"),
         isImage ? QObject::tr("PNG pictures (*.png)") : QObject::tr("Text files (*.txt);;All files (*)"));
     if (path.isEmpty())
         return;

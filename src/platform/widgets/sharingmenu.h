@@ -1,18 +1,24 @@
 #pragma once
 
+#include <platform/emailportal.h>
 #include <platform/sharingpicker.h>
 
 #include <QUrl>
 
+class QMenu;
 class QWidget;
 
 namespace oblino {
 
-/// Offers the items in a menu: copy them, open the texts as the draft of an e-mail, save as a file. The texts
-/// are joined; the file is the picture where there is one, else the texts.
+/// Offers the items in a menu: copy them, open them as the draft of an e-mail, save as a file. The texts are
+/// joined; the file is the picture where there is one, else the texts. The draft has the picture where the
+/// desktop has the e-mail portal, else the texts alone.
 class SharingMenu : public SharingPicker
 {
 public:
+    /// @param bus the session's
+    explicit SharingMenu(const QDBusConnection &bus);
+
     using SharingPicker::show;
     void show(const QList<SharingItem> &items, QObject *control) override;
 
@@ -22,7 +28,11 @@ public:
 private:
     struct Content;
 
+    void addDrafts(QMenu &menu, const Content &content, QWidget *window);
+    void openDraft(const Content &content, QWidget *window);
     static void saveAsFile(const Content &content, QWidget *window);
+
+    EmailPortal m_portal;
 };
 
 } // namespace oblino
