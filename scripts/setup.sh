@@ -1,5 +1,6 @@
-# Sourced by the commands at the top of the repository: says what a Debian 12 machine needs and installs what
-# is missing. The including script has set `set -euo pipefail` and stands in the repository's top folder.
+# Sourced by the commands at the top of the repository and the scripts that take pictures: says what a Debian 12
+# machine needs and installs what is missing. The including script has set `set -euo pipefail`; to build, it stands
+# in the repository's top folder.
 
 build_packages=(
     g++ cmake ninja-build
@@ -11,6 +12,8 @@ run_packages=(
 )
 # For a machine without a display.
 display_packages=(xvfb xauth xdotool imagemagick)
+# For pictures of every window, beside those.
+picture_packages=(dbus python3)
 test_packages=(
     libbenchmark-dev libxcb1-dev dbus xvfb xauth xdotool strace util-linux postgresql clang-format clang-tidy python3
 )
