@@ -1,5 +1,7 @@
 #include <ui/theme.h>
 
+#include <ui/calmstyle.h>
+
 #include <QApplication>
 #include <QStyle>
 
@@ -33,11 +35,12 @@ double luminance(const QColor &color)
     return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
 }
 
-bool desktopHasPalette()
+bool desktopHasStyle()
 {
-    const bool ownStyle =
-        QApplication::style()->name().compare(QLatin1String("fusion"), Qt::CaseInsensitive) == 0;
-    return !ownStyle || qEnvironmentVariable("XDG_CURRENT_DESKTOP").contains(QLatin1String("KDE"));
+    const QStyle *style = QApplication::style();
+    const bool isOurs = qobject_cast<const CalmStyle *>(style) ||
+                        style->name().compare(QLatin1String("fusion"), Qt::CaseInsensitive) == 0;
+    return !isOurs || qEnvironmentVariable("XDG_CURRENT_DESKTOP").contains(QLatin1String("KDE"));
 }
 
 } // namespace
@@ -63,8 +66,10 @@ QPalette calmPalette(bool inDark)
 
 void applyAppearance(bool inDark)
 {
-    if (desktopHasPalette())
+    if (desktopHasStyle())
         return;
+    if (!qobject_cast<CalmStyle *>(QApplication::style()))
+        QApplication::setStyle(new CalmStyle);
     QPalette palette = calmPalette(inDark);
     QApplication::setPalette(palette);
     // Icons do not change colour under the highlight of a menu, so that is only a tint.

@@ -10,7 +10,7 @@ namespace oblino {
 /// The program's own palette, light or dark, for desktops without a style of their own.
 [[nodiscard]] QPalette calmPalette(bool dark);
 
-/// Gives the application its own palette where the desktop brings none.
+/// Gives the application its own style and palette where the desktop brings none.
 void applyAppearance(bool dark);
 
 /// The colour for the screen: components outside 0..1 count as the nearest inside.
