@@ -21,6 +21,8 @@
 
 namespace oblino {
 
+using namespace Qt::Literals::StringLiterals;
+
 /// A row of the task list file; fields that do not matter to a test have fixed values.
 struct Row
 {
@@ -55,30 +57,20 @@ public:
         window->show();
         window->activateWindow();
         (void)QTest::qWaitForWindowActive(window.get());
-        QObject::connect(&appearance, &Appearance::changed, window.get(), [this] {
-            notifications.post(QStringLiteral("AppleInterfaceThemeChangedNotification"));
-        });
+        QObject::connect(&appearance, &Appearance::changed, window.get(),
+                         [this] { notifications.post(u"AppleInterfaceThemeChangedNotification"_s); });
     }
 
-    [[nodiscard]] QTableView &table() const
-    {
-        return *window->findChild<QTableView *>(QStringLiteral("tblView"));
-    }
-    [[nodiscard]] QComboBox &views() const
-    {
-        return *window->findChild<QComboBox *>(QStringLiteral("viewSelection"));
-    }
-    [[nodiscard]] QLineEdit &searchField() const
-    {
-        return *window->findChild<QLineEdit *>(QStringLiteral("searchField"));
-    }
+    [[nodiscard]] QTableView &table() const { return *window->findChild<QTableView *>(u"tblView"_s); }
+    [[nodiscard]] QComboBox &views() const { return *window->findChild<QComboBox *>(u"viewSelection"_s); }
+    [[nodiscard]] QLineEdit &searchField() const { return *window->findChild<QLineEdit *>(u"searchField"_s); }
     [[nodiscard]] QToolButton &button(const char *name) const
     {
         return *window->findChild<QToolButton *>(QLatin1String(name));
     }
     [[nodiscard]] QString status() const
     {
-        return window->findChild<QLabel *>(QStringLiteral("statusMessageLabel"))->text();
+        return window->findChild<QLabel *>(u"statusMessageLabel"_s)->text();
     }
 
     [[nodiscard]] QString cell(int row, int column) const
@@ -89,7 +81,7 @@ public:
     /// Has the list read anew, as a change of the appearance and back does.
     void interfaceChange()
     {
-        appearance.setInterfaceStyle(QStringLiteral("Dark"));
+        appearance.setInterfaceStyle(u"Dark"_s);
         appearance.setInterfaceStyle(std::nullopt);
     }
 
@@ -99,7 +91,7 @@ public:
         QStringList names;
         for (int row = 0; row < table().model()->rowCount(); ++row)
             names += cell(row, 3);
-        return names.join(QLatin1Char(' '));
+        return names.join(u' ');
     }
 
     /// The names in the file, in its order, joined by blanks.
@@ -110,7 +102,7 @@ public:
             if (!row.isEmpty())
                 names += QString::fromUtf8(row.split('|').value(1));
         }
-        return names.join(QLatin1Char(' '));
+        return names.join(u' ');
     }
 
     [[nodiscard]] QString selectedName() const
@@ -121,7 +113,7 @@ public:
 
     void clickRow(const QString &name) const
     {
-        const auto row = static_cast<int>(shown().split(QLatin1Char(' ')).indexOf(name));
+        const auto row = static_cast<int>(shown().split(u' ').indexOf(name));
         QVERIFY2(row >= 0, qPrintable(name));
         const QRect cell = table().visualRect(table().model()->index(row, 3));
         QTest::mouseClick(table().viewport(), Qt::LeftButton, {}, cell.center());
@@ -144,7 +136,7 @@ public:
 
     TemporaryHome home;
     QByteArray listAtStart;
-    Defaults defaults{home.path(QStringLiteral("settings.ini"))};
+    Defaults defaults{home.path(u"settings.ini"_s)};
     Appearance appearance;
     TaskManager store{defaults, appearance};
     Documents documents{home.documents(), home.privateFolder()};

@@ -1,4 +1,5 @@
 #include <support/scriptedalert.h>
+#include <support/table.h>
 #include <support/testmain.h>
 
 #include <platform/widgets/messageboxalert.h>
@@ -8,112 +9,61 @@
 #include <QApplication>
 #include <QMessageBox>
 #include <QPushButton>
-#include <QTimeEdit>
 #include <QTimer>
 
+#include <functional>
+
 using namespace oblino;
+using namespace Qt::Literals::StringLiterals;
+using Presses = Table<std::function<void(QMessageBox *)>, std::optional<int>>;
 
 class tst_uiutil : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void comparesDaysNotMoments_data()
-    {
-        QTest::addColumn<QDateTime>("date1");
-        QTest::addColumn<QDateTime>("date2");
-        QTest::addColumn<int>("number");
-        QTest::addColumn<bool>("onOrBefore");
-        const QDate day(2026, 3, 7);
-        const QDateTime morning(day, QTime(0, 0));
-        const QDateTime night(day, QTime(23, 59, 59));
-        QTest::newRow("two times of one day, the later first") << night << morning << 0 << true;
-        QTest::newRow("a second before midnight and the next day")
-            << night << morning.addDays(1) << 1 << true;
-        QTest::newRow("the next day first") << morning.addDays(1) << night << -1 << false;
-    }
-
-    void comparesDaysNotMoments()
-    {
-        QFETCH(QDateTime, date1);
-        QFETCH(QDateTime, date2);
-        QTEST(uiUtil().compareDate<int>(date1, date2), "number");
-        QTEST(uiUtil().compareDate<bool>(date1, date2), "onOrBefore");
-    }
-
-    void setsAndReadsATimePicker_data()
-    {
-        QTest::addColumn<int>("hour");
-        QTest::addColumn<int>("minute");
-        QTest::addColumn<QTime>("shown");
-        QTest::newRow("usual") << 7 << 5 << QTime(7, 5);
-        QTest::newRow("from a file with an hour that is none") << 100 << -1 << QTime(23, 0);
-    }
-
-    void setsAndReadsATimePicker()
-    {
-        QFETCH(int, hour);
-        QFETCH(int, minute);
-        QFETCH(QTime, shown);
-        QTimeEdit picker;
-        uiUtil().setTimeDatePicker(picker, hour, minute);
-        QCOMPARE(uiUtil().getHourFromDatePicker(picker), shown.hour());
-        QCOMPARE(uiUtil().getMinuteFromDatePicker(picker), shown.minute());
-    }
-
-    void asksWithTheFixedTitles_data()
-    {
-        QTest::addColumn<std::optional<int>>("answer");
-        QTest::addColumn<bool>("result");
-        QTest::newRow("first button") << std::optional(0) << true;
-        QTest::newRow("second button") << std::optional(1) << false;
-        QTest::newRow("no answer") << std::optional<int>() << false;
-    }
-
     void asksWithTheFixedTitles()
     {
-        QFETCH(std::optional<int>, answer);
-        QFETCH(bool, result);
-        ScriptedAlert::Script script{.asked = {}, .answer = answer, .whileAsked = {}};
-        UIUtil utilities(std::make_unique<ScriptedAlert>(script));
-        QCOMPARE(utilities.dialogOKCancel(QStringLiteral("q"), QStringLiteral("t")), result);
-        QCOMPARE(utilities.dialogYesNo(QStringLiteral("q"), QStringLiteral("t")), result);
-        QVERIFY(utilities.dialogOK(QStringLiteral("t")));
-        QCOMPARE(script.asked.at(0).buttons, QStringList({QStringLiteral("OK"), QStringLiteral("Cancel")}));
-        QCOMPARE(script.asked.at(1).buttons, QStringList({QStringLiteral("Yes"), QStringLiteral("No")}));
-        QCOMPARE(script.asked.at(2).messageText, QString());
+        for (const std::optional<int> answer : {std::optional(0), std::optional(1), std::optional<int>()}) {
+            ScriptedAlert::Script script{.asked = {}, .answer = answer, .whileAsked = {}};
+            UIUtil utilities(std::make_unique<ScriptedAlert>(script));
+            QCOMPARE(utilities.dialogOKCancel(u"q"_s, u"t"_s), answer == 0);
+            QCOMPARE(utilities.dialogYesNo(u"q"_s, u"t"_s), answer == 0);
+            QVERIFY(utilities.dialogOK(u"t"_s));
+            QCOMPARE(script.asked.at(0).buttons, QStringList({u"OK"_s, u"Cancel"_s}));
+            QCOMPARE(script.asked.at(1).buttons, QStringList({u"Yes"_s, u"No"_s}));
+            QCOMPARE(script.asked.at(2).buttons, QStringList(u"OK"_s));
+        }
     }
 
     void answersOnlyWhatWasPressed_data()
     {
-        using Act = std::function<void(QMessageBox *)>;
-        QTest::addColumn<Act>("act");
-        QTest::addColumn<std::optional<int>>("answer");
-        QTest::newRow("Yes by mouse")
-            << Act([](QMessageBox *box) { QTest::mouseClick(box->buttons().at(0), Qt::LeftButton); })
-            << std::optional(0);
-        QTest::newRow("Return takes the harmless one")
-            << Act([](QMessageBox *box) { QTest::keyClick(box, Qt::Key_Return); }) << std::optional(1);
-        QTest::newRow("Escape too") << Act([](QMessageBox *box) { QTest::keyClick(box, Qt::Key_Escape); })
-                                    << std::optional(1);
-        QTest::newRow("the event loop ends")
-            << Act([](QMessageBox *) { QCoreApplication::exit(0); }) << std::optional<int>();
+        const Presses row;
+        row(
+            "Yes by mouse", [](QMessageBox *box) { QTest::mouseClick(box->buttons().at(0), Qt::LeftButton); },
+            0);
+        row(
+            "Return takes the harmless one", [](QMessageBox *box) { QTest::keyClick(box, Qt::Key_Return); },
+            1);
+        row(
+            "Escape too", [](QMessageBox *box) { QTest::keyClick(box, Qt::Key_Escape); }, 1);
+        row(
+            "the event loop ends", [](QMessageBox *) { QCoreApplication::exit(0); }, std::nullopt);
     }
 
     void answersOnlyWhatWasPressed()
     {
-        QFETCH(std::function<void(QMessageBox *)>, act);
+        const auto [press, expected] = Presses::cells();
         std::optional<int> answer = -2;
         // In an event loop of the application's, as in the program.
-        QTimer::singleShot(0, this, [&] {
+        QTimer::singleShot(0, this, [&, press = press] {
             QTimer::singleShot(
-                0, this, [&act] { act(qobject_cast<QMessageBox *>(QApplication::activeModalWidget())); });
-            answer = MessageBoxAlert().ask(
-                {QStringLiteral("<b>?</b>"), {}, {QStringLiteral("Yes"), QStringLiteral("No")}, 1});
+                0, this, [&press] { press(qobject_cast<QMessageBox *>(QApplication::activeModalWidget())); });
+            answer = MessageBoxAlert().ask({u"<b>?</b>"_s, {}, {u"Yes"_s, u"No"_s}, 1});
             QCoreApplication::exit(0);
         });
         QApplication::exec();
-        QTEST(answer, "answer");
+        QCOMPARE(answer, expected);
     }
 
     void keepsTextReadableOnEveryColour()
@@ -130,12 +80,6 @@ private Q_SLOTS:
             const float b = luminance(readableOn(background)) + 0.05F;
             QVERIFY2(std::max(a, b) / std::min(a, b) >= 4.5F, qPrintable(background.name()));
         }
-    }
-
-    void drawsColoursFromOutsideTheScreensRange()
-    {
-        QCOMPARE(screenColor(Color(1.5, -0.25, 0.5, 1)), QColor::fromRgbF(1, 0, 0.5F, 1));
-        QCOMPARE(laidOver(QColor(0, 0, 0, 0), Qt::white).name(), QStringLiteral("#ffffff"));
     }
 };
 
