@@ -25,29 +25,20 @@ const QByteArray list =
     "3/7/24|Paint fence|Two coats|1.0|0.5|0.0|1.0|3/9/24|0|2|Open|High|key-1|false|9|30|17|0|Harbor "
     "Cafe|Dana^not a row^";
 
-QProcessEnvironment bareEnvironment(const TemporaryHome &home)
-{
-    QProcessEnvironment variables;
-    const QProcessEnvironment ours = QProcessEnvironment::systemEnvironment();
-    for (const char *kept : {"PATH", "ASAN_OPTIONS", "LSAN_OPTIONS", "TSAN_OPTIONS", "UBSAN_OPTIONS"}) {
-        if (const QString name = QLatin1String(kept); ours.contains(name))
-            variables.insert(name, ours.value(name));
-    }
-    variables.insert(u"HOME"_s, home.path({}));
-    variables.insert(u"TMPDIR"_s, home.path({})); // for the sockets that killed programs leave
-    variables.insert(u"XDG_RUNTIME_DIR"_s, home.path(u"run"_s));
-    variables.insert(u"QT_QPA_PLATFORM"_s, u"offscreen"_s);
-    variables.insert(u"LC_ALL"_s, u"C.UTF-8"_s);
-    return variables;
-}
-
-/// The program as a process of its own, killed with the object.
+/// The program as a process of its own, with an environment of its own, killed with the object.
 class Program : public QProcess
 {
 public:
     explicit Program(const TemporaryHome &home)
-        : variables(bareEnvironment(home))
     {
+        const QProcessEnvironment ours = QProcessEnvironment::systemEnvironment();
+        for (const char *kept : {"PATH", "ASAN_OPTIONS", "LSAN_OPTIONS", "TSAN_OPTIONS", "UBSAN_OPTIONS"})
+            variables.insert(QLatin1String(kept), ours.value(QLatin1String(kept)));
+        variables.insert(u"HOME"_s, home.path({}));
+        variables.insert(u"TMPDIR"_s, home.path({})); // for the sockets that killed programs leave
+        variables.insert(u"XDG_RUNTIME_DIR"_s, home.path(u"run"_s));
+        variables.insert(u"QT_QPA_PLATFORM"_s, u"offscreen"_s);
+        variables.insert(u"LC_ALL"_s, u"C.UTF-8"_s);
     }
     ~Program() override
     {

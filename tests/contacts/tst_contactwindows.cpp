@@ -4,15 +4,14 @@
 #include <support/temporaryhome.h>
 #include <support/testmain.h>
 #include <support/traces.h>
+#include <support/widgets.h>
 
 #include <QApplication>
 #include <QClipboard>
-#include <QHeaderView>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QSqlDatabase>
 #include <QSqlQuery>
-#include <QTableView>
 #include <QToolTip>
 
 #include <functional>
@@ -56,25 +55,11 @@ struct Window
         : controller(std::make_unique<Controller>(home.privateFolder()))
         , table(*controller->template findChild<QTableView *>())
     {
-        controller->show();
-        controller->activateWindow();
-        (void)QTest::qWaitForWindowActive(controller.get());
+        showActive(*controller);
     }
 
-    [[nodiscard]] QPushButton &button(const char *name) const
-    {
-        return *controller->template findChild<QPushButton *>(QLatin1String(name));
-    }
-    void click(const char *name) const { QTest::mouseClick(&button(name), Qt::LeftButton); }
-
-    [[nodiscard]] QPoint middleOf(int row, int column) const
-    {
-        return table.visualRect(table.model()->index(row, column)).center();
-    }
-    void clickCell(int row, int column, Qt::KeyboardModifiers keys = {}) const
-    {
-        QTest::mouseClick(table.viewport(), Qt::LeftButton, keys, middleOf(row, column));
-    }
+    void click(const char *name) const { oblino::click(*controller, name); }
+    void clickCell(int row, int column) const { oblino::clickCell(table, row, column); }
 
     /// The line edit in which something is being edited, or null.
     [[nodiscard]] QLineEdit *field() const { return qobject_cast<QLineEdit *>(QApplication::focusWidget()); }
@@ -93,14 +78,7 @@ struct Window
         }
     }
 
-    /// The names in the table, from top to bottom, joined by blanks.
-    [[nodiscard]] QString shown() const
-    {
-        QStringList names;
-        for (int row = 0; row < table.model()->rowCount(); ++row)
-            names += table.model()->index(row, NameColumn).data().toString();
-        return names.join(u' ');
-    }
+    [[nodiscard]] QString shown() const { return columnOf(table, NameColumn); }
 
     std::unique_ptr<Controller> controller;
     QTableView &table;
@@ -160,9 +138,9 @@ private Q_SLOTS:
         row("Tab: phone number, next row's name", u"X:8 Y:2 Bob:3"_s, typed(0, 0, u"X\t8\tY\n"_s));
         row("an editor left open", u"Cid:1 ann:2 Bob:99"_s, typed(2, 1, u"99"_s));
         row("Remove takes all selected rows", u"ann:2"_s, [](Window<> &window) {
-            QVERIFY(!window.button("removeButton").isEnabled());
+            QVERIFY(!find<QPushButton>(*window.controller, "removeButton").isEnabled());
             window.clickCell(0, 0);
-            window.clickCell(2, 1, Qt::ControlModifier);
+            clickCell(window.table, 2, 1, Qt::ControlModifier);
             window.click("removeButton");
         });
         row("Remove while a cell is edited", u"Cid:1 Bob:3"_s, [](Window<> &window) {
@@ -172,8 +150,7 @@ private Q_SLOTS:
             QTRY_COMPARE(window.shown(), u"Cid Bob"_s);
         });
         row("sorted for the eye only", u"Cid:1 Zoe:2 B:"_s, [](Window<> &window) {
-            const QHeaderView &header = *window.table.horizontalHeader();
-            QTest::mouseClick(header.viewport(), Qt::LeftButton, {}, QPoint(60, header.height() / 2));
+            clickHeader(window.table, NameColumn);
             QCOMPARE(window.shown(), u"ann Bob Cid"_s);
             window.clickCell(0, 0);
             window.type(u"Zoe\n"_s);
@@ -248,7 +225,7 @@ private Q_SLOTS:
             const Window window(home);
             const QString words = window.table.accessibleDescription();
             QVERIFY2(words.contains(u"could not be opened"_s), qPrintable(words));
-            QVERIFY(!window.button("addButton").isEnabled() && !window.button("removeButton").isEnabled());
+            QVERIFY(!find<QPushButton>(*window.controller, "addButton").isEnabled());
             window.click("okButton");
         });
         QVERIFY(traces.startsWith("Unable to Add Persistent Store " + file.toUtf8()));

@@ -1,10 +1,7 @@
 #pragma once
 
-#include <core/taskmanager.h>
-#include <platform/appearance.h>
-#include <platform/defaults.h>
+#include <support/store.h>
 #include <support/table.h>
-#include <support/temporaryhome.h>
 #include <support/testmain.h>
 #include <support/traces.h>
 
@@ -13,15 +10,6 @@
 namespace oblino {
 
 using namespace Qt::Literals::StringLiterals;
-
-/// A task store of a test's own, with its settings in a temporary home.
-struct Store
-{
-    TemporaryHome home;
-    Defaults defaults{home.path(u"settings.ini"_s)};
-    Appearance appearance;
-    TaskManager manager{defaults, appearance};
-};
 
 inline QString add(TaskManager &store, const task &t)
 {

@@ -49,7 +49,7 @@ private Q_SLOTS:
     {
         for (const bool searching : {false, true}) {
             Store s;
-            TaskManager &m = s.manager;
+            TaskManager &m = s.store;
             m.setTasks(tasksOf(u"ab"_s));
             m.setIsSearching(searching);
             QCOMPARE(add(m, example("c")), u"c"_s);
@@ -75,12 +75,12 @@ private Q_SLOTS:
     void makesAKeyForATaskWithoutOne()
     {
         Store s;
-        const QString key = add(s.manager, example({}));
+        const QString key = add(s.store, example({}));
         const QRegularExpression uuid(
             u"^[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB][0-9A-F]{3}-[0-9A-F]{12}$"_s);
         QVERIFY2(uuid.match(key).hasMatch(), qPrintable(key));
-        QCOMPARE(s.manager.tasks().last().key, key);
-        QVERIFY(add(s.manager, example({})) != key);
+        QCOMPARE(s.store.tasks().last().key, key);
+        QVERIFY(add(s.store, example({})) != key);
     }
 
     void startsATaskWithItsDefaultsAndTheLastTimes()
@@ -92,23 +92,23 @@ private Q_SLOTS:
         QCOMPARE(rowOf({}), "3/7/24|Unnamed|UnDescribed|1.0|1.0|1.0|1.0|3/7/24|0|0|NoStatus|NoPriority|NoKey|"
                             "false|8|0|17|0|UnAssigned|UnAssigned^"_ba);
         Store s;
-        editAsExample(s.manager);
-        QCOMPARE(rowOf(s.manager.getSelectedTask()),
+        editAsExample(s.store);
+        QCOMPARE(rowOf(s.store.getSelectedTask()),
                  "3/7/24|||1.0|1.0|1.0|1.0|3/7/24|0|0||||false|9|30|11|15|UnAssigned|UnAssigned^"_ba);
     }
 
     void selectsTheLastOfTwoTasksWithOneKey()
     {
         Store s;
-        s.manager.setTasks(tasksOf(u"abbc"_s));
-        QCOMPARE(s.manager.setSelected(u"b"_s), 2);
-        QCOMPARE(s.manager.setSelected(u"B"_s), -1);
+        s.store.setTasks(tasksOf(u"abbc"_s));
+        QCOMPARE(s.store.setSelected(u"b"_s), 2);
+        QCOMPARE(s.store.setSelected(u"B"_s), -1);
     }
 
     void doesNothingOnceTheSelectedTaskIsGone()
     {
         Store s;
-        TaskManager &m = s.manager;
+        TaskManager &m = s.store;
         m.setTasks(tasksOf(u"ab"_s));
         m.setSelected(u"b"_s);
         m.removeSelected();
@@ -125,7 +125,7 @@ private Q_SLOTS:
     void keepsTheFullListAsideDuringASearch()
     {
         Store s;
-        TaskManager &m = s.manager;
+        TaskManager &m = s.store;
         m.setTasks(tasksOf(u"bca"_s));
         m.setIsSearching(true);
         m.setTasks(tasksOf(u"ca"_s));

@@ -1,11 +1,9 @@
 #pragma once
 
 #include <support/scriptedalert.h>
-#include <support/temporaryhome.h>
+#include <support/store.h>
+#include <support/widgets.h>
 
-#include <core/taskmanager.h>
-#include <platform/appearance.h>
-#include <platform/defaults.h>
 #include <platform/documents.h>
 #include <platform/notificationcenter.h>
 #include <ui/uiutil.h>
@@ -13,10 +11,8 @@
 
 #include <QAction>
 #include <QComboBox>
-#include <QHeaderView>
 #include <QLabel>
 #include <QLineEdit>
-#include <QTableView>
 #include <QToolButton>
 
 namespace oblino {
@@ -43,7 +39,7 @@ struct Row
 };
 
 /// The main window on a list of a test's own, with a real file, shown, driven by real events.
-class MainWindow
+class MainWindow : public Store
 {
 public:
     explicit MainWindow(const QList<Row> &rows)
@@ -54,24 +50,16 @@ public:
             TemporaryHome::write(home.listPath(), listAtStart);
         window = std::make_unique<ViewController>(store, documents, utilities, notifications,
                                                   home.privateFolder());
-        window->show();
-        window->activateWindow();
-        (void)QTest::qWaitForWindowActive(window.get());
+        showActive(*window);
         QObject::connect(&appearance, &Appearance::changed, window.get(),
                          [this] { notifications.post(u"AppleInterfaceThemeChangedNotification"_s); });
     }
 
-    [[nodiscard]] QTableView &table() const { return *window->findChild<QTableView *>(u"tblView"_s); }
-    [[nodiscard]] QComboBox &views() const { return *window->findChild<QComboBox *>(u"viewSelection"_s); }
-    [[nodiscard]] QLineEdit &searchField() const { return *window->findChild<QLineEdit *>(u"searchField"_s); }
-    [[nodiscard]] QToolButton &button(const char *name) const
-    {
-        return *window->findChild<QToolButton *>(QLatin1String(name));
-    }
-    [[nodiscard]] QString status() const
-    {
-        return window->findChild<QLabel *>(u"statusMessageLabel"_s)->text();
-    }
+    [[nodiscard]] QTableView &table() const { return find<QTableView>(*window, "tblView"); }
+    [[nodiscard]] QComboBox &views() const { return find<QComboBox>(*window, "viewSelection"); }
+    [[nodiscard]] QLineEdit &searchField() const { return find<QLineEdit>(*window, "searchField"); }
+    [[nodiscard]] QToolButton &button(const char *name) const { return find<QToolButton>(*window, name); }
+    [[nodiscard]] QString status() const { return find<QLabel>(*window, "statusMessageLabel").text(); }
 
     [[nodiscard]] QString cell(int row, int column) const
     {
@@ -86,13 +74,7 @@ public:
     }
 
     /// The names in the table, from top to bottom, joined by blanks.
-    [[nodiscard]] QString shown() const
-    {
-        QStringList names;
-        for (int row = 0; row < table().model()->rowCount(); ++row)
-            names += cell(row, 3);
-        return names.join(u' ');
-    }
+    [[nodiscard]] QString shown() const { return columnOf(table(), 3); }
 
     /// The names in the file, in its order, joined by blanks.
     [[nodiscard]] QString saved() const
@@ -115,30 +97,17 @@ public:
     {
         const auto row = static_cast<int>(shown().split(u' ').indexOf(name));
         QVERIFY2(row >= 0, qPrintable(name));
-        const QRect cell = table().visualRect(table().model()->index(row, 3));
-        QTest::mouseClick(table().viewport(), Qt::LeftButton, {}, cell.center());
+        clickCell(table(), row, 3);
         QCOMPARE(selectedName(), name);
     }
 
     void click(const char *name) const
     {
         QVERIFY2(button(name).isEnabled(), name);
-        QTest::mouseClick(&button(name), Qt::LeftButton);
+        oblino::click(*window, name);
     }
 
-    void clickHeader(int column) const
-    {
-        QHeaderView *header = table().horizontalHeader();
-        const QPoint inside(header->sectionViewportPosition(column) + header->sectionSize(column) / 2,
-                            header->height() / 2);
-        QTest::mouseClick(header->viewport(), Qt::LeftButton, {}, inside);
-    }
-
-    TemporaryHome home;
     QByteArray listAtStart;
-    Defaults defaults{home.path(u"settings.ini"_s)};
-    Appearance appearance;
-    TaskManager store{defaults, appearance};
     Documents documents{home.documents(), home.privateFolder()};
     ScriptedAlert::Script questions;
     UIUtil utilities{std::make_unique<ScriptedAlert>(questions)};

@@ -1,10 +1,8 @@
-#include <support/scriptedalert.h>
 #include <support/table.h>
 #include <support/testmain.h>
 
 #include <platform/widgets/messageboxalert.h>
 #include <ui/theme.h>
-#include <ui/uiutil.h>
 
 #include <QApplication>
 #include <QMessageBox>
@@ -22,20 +20,6 @@ class tst_uiutil : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void asksWithTheFixedTitles()
-    {
-        for (const std::optional<int> answer : {std::optional(0), std::optional(1), std::optional<int>()}) {
-            ScriptedAlert::Script script{.asked = {}, .answer = answer, .whileAsked = {}};
-            UIUtil utilities(std::make_unique<ScriptedAlert>(script));
-            QCOMPARE(utilities.dialogOKCancel(u"q"_s, u"t"_s), answer == 0);
-            QCOMPARE(utilities.dialogYesNo(u"q"_s, u"t"_s), answer == 0);
-            QVERIFY(utilities.dialogOK(u"t"_s));
-            QCOMPARE(script.asked.at(0).buttons, QStringList({u"OK"_s, u"Cancel"_s}));
-            QCOMPARE(script.asked.at(1).buttons, QStringList({u"Yes"_s, u"No"_s}));
-            QCOMPARE(script.asked.at(2).buttons, QStringList(u"OK"_s));
-        }
-    }
-
     void answersOnlyWhatWasPressed_data()
     {
         const Presses row;

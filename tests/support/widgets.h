@@ -1,0 +1,57 @@
+#pragma once
+
+#include <QAbstractButton>
+#include <QHeaderView>
+#include <QTableView>
+#include <QTest>
+
+namespace oblino {
+
+/// Shows a window and waits until the keys go to it.
+inline void showActive(QWidget &window)
+{
+    window.show();
+    window.activateWindow();
+    (void)QTest::qWaitForWindowActive(&window);
+}
+
+/// The widget of that name, which must be there.
+template<typename Widget>
+[[nodiscard]] Widget &find(const QWidget &parent, const char *name)
+{
+    auto *widget = parent.findChild<Widget *>(QLatin1String(name));
+    if (!widget)
+        qFatal("no widget %s", name);
+    return *widget;
+}
+
+/// Clicks a button where a check box has its mark.
+inline void click(const QWidget &parent, const char *name)
+{
+    auto &button = find<QAbstractButton>(parent, name);
+    QTest::mouseClick(&button, Qt::LeftButton, {}, QPoint(8, button.height() / 2));
+}
+
+inline void clickCell(const QTableView &table, int row, int column, Qt::KeyboardModifiers keys = {})
+{
+    QTest::mouseClick(table.viewport(), Qt::LeftButton, keys,
+                      table.visualRect(table.model()->index(row, column)).center());
+}
+
+inline void clickHeader(const QTableView &table, int column)
+{
+    const QHeaderView &header = *table.horizontalHeader();
+    QTest::mouseClick(header.viewport(), Qt::LeftButton, {},
+                      {header.sectionViewportPosition(column) + 60, header.height() / 2});
+}
+
+/// The texts of a column, from top to bottom, joined by blanks.
+[[nodiscard]] inline QString columnOf(const QTableView &table, int column)
+{
+    QStringList texts;
+    for (int row = 0; row < table.model()->rowCount(); ++row)
+        texts += table.model()->index(row, column).data().toString();
+    return texts.join(QLatin1Char(' '));
+}
+
+} // namespace oblino
