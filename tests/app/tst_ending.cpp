@@ -1,23 +1,17 @@
+#include <support/contacts.h>
 #include <support/table.h>
 #include <support/temporaryhome.h>
 #include <support/testmain.h>
 #include <support/widgets.h>
 
 #include <app/application.h>
-#include <contacts/contactmodel.h>
 #include <core/taskmanager.h>
 #include <messaging/windows/viewcontrollersending.h>
 #include <platform/singleinstance.h>
 
-#include <QAction>
-#include <QApplication>
-#include <QLineEdit>
-#include <QMessageBox>
 #include <QNetworkProxy>
-#include <QPushButton>
 #include <QTcpServer>
 #include <QTcpSocket>
-#include <QTimer>
 
 #include <unistd.h>
 
@@ -70,10 +64,7 @@ private Q_SLOTS:
         QTcpServer proxy; // in the way of every message
         QVERIFY(proxy.listen(QHostAddress::LocalHost));
         QNetworkProxy::setApplicationProxy({QNetworkProxy::HttpProxy, u"127.0.0.1"_s, proxy.serverPort()});
-        const auto container = makeContactContainer(contactsFolder());
-        QCOMPARE(container->loadPersistentStores().error, QString());
-        QVERIFY(container->viewContext()->objects(u"Clients"_s)->insertRow(0));
-        QCOMPARE(container->viewContext()->save(), QString());
+        storeContacts<Clients>(contactsFolder(), {{}});
 
         SingleInstance instance(m_home.privateFolder());
         auto application = std::make_unique<Application>(instance);

@@ -1,18 +1,14 @@
 #include <contacts/windows/viewcontrollerclientmgmt.h>
 #include <contacts/windows/viewcontrollerteammgmt.h>
+#include <support/contacts.h>
 #include <support/table.h>
 #include <support/temporaryhome.h>
 #include <support/testmain.h>
 #include <support/traces.h>
 #include <support/widgets.h>
 
-#include <QApplication>
-#include <QClipboard>
-#include <QLineEdit>
-#include <QPushButton>
 #include <QSqlDatabase>
 #include <QSqlQuery>
-#include <QToolTip>
 
 #include <functional>
 
@@ -32,19 +28,6 @@ QString stored(const TemporaryHome &home)
     for (const Contact &contact : fetch<Contact>(container->viewContext()))
         contacts += contact.name + u':' + contact.phoneNo;
     return contacts.join(u' ');
-}
-
-void fill(const TemporaryHome &home, const QList<Clients> &clients)
-{
-    const auto container = makeContactContainer(home.privateFolder());
-    QCOMPARE(container->loadPersistentStores().error, QString());
-    EntityModel &model = *container->viewContext()->objects(u"Clients"_s);
-    for (const Clients &client : clients) {
-        const int row = model.rowCount();
-        QVERIFY(model.insertRow(row) && model.setData(model.index(row, NameColumn), client.name) &&
-                model.setData(model.index(row, PhoneNoColumn), client.phoneNo));
-    }
-    QCOMPARE(container->viewContext()->save(), QString());
 }
 
 /// A management window, shown, driven by real events.
@@ -117,7 +100,7 @@ private Q_SLOTS:
     void keepsTheTeamApart()
     {
         const TemporaryHome home;
-        fill(home, {{u"Ann"_s, u"1"_s}});
+        storeContacts<Clients>(home.privateFolder(), {{u"Ann"_s, u"1"_s}});
         const Window<ViewControllerTeamMgmt> window(home);
         window.click("addButton");
         window.type(u"Dana\t7\n"_s);
@@ -173,7 +156,8 @@ private Q_SLOTS:
         };
         for (const auto &end : endings) {
             const TemporaryHome home;
-            fill(home, {{u"Cid"_s, u"1"_s}, {u"ann"_s, u"2"_s}, {u"Bob"_s, u"3"_s}});
+            storeContacts<Clients>(home.privateFolder(),
+                                   {{u"Cid"_s, u"1"_s}, {u"ann"_s, u"2"_s}, {u"Bob"_s, u"3"_s}});
             Window window(home);
             act(window);
             QCOMPARE(stored(home), u"Cid:1 ann:2 Bob:3"_s);
@@ -199,7 +183,7 @@ private Q_SLOTS:
     {
         const auto [name, typed, pasted, expected] = Texts::cells();
         const TemporaryHome home;
-        fill(home, {{name, u"1"_s}});
+        storeContacts<Clients>(home.privateFolder(), {{name, u"1"_s}});
         {
             const Window window(home);
             window.clickCell(0, 0);
@@ -235,7 +219,7 @@ private Q_SLOTS:
     void closesThoughTheStoreCannotBeWritten()
     {
         const TemporaryHome home;
-        fill(home, {{u"Ann"_s, {}}});
+        storeContacts<Clients>(home.privateFolder(), {{u"Ann"_s, {}}});
         const QByteArray traces = tracesOf([&home] {
             const Window window(home);
             QSqlDatabase other = QSqlDatabase::addDatabase(u"QSQLITE"_s, u"other"_s);

@@ -1,12 +1,46 @@
 #include "store.h"
 
+#include <core/taskordering.h>
 #include <core/tasksearch.h>
 #include <core/taskviews.h>
 
 using namespace oblino;
 
+using Orders = Table<QString, QList<task>, QString, QString>;
+using Texts = QList<QString>;
+using Pairs = QList<std::pair<qint64, qint64>>;
+using Moments = QList<QDateTime>;
 using Times = Table<int, bool, bool, QByteArray>;
 using Searches = Table<QString, QString, bool>;
+
+namespace {
+
+// Tasks that differ in one field, or two, and are told apart by their labels a, b, c...
+template<typename Value, typename Field>
+QList<task> tasksWith(const QList<Value> &values, const Field &field)
+{
+    QList<task> tasks;
+    for (const Value &value : values) {
+        tasks.append({.date = {}, .due = {}, .priorityName = QChar(u'a' + static_cast<int>(tasks.size()))});
+        std::invoke(field, tasks.last()) = value;
+    }
+    return tasks;
+}
+
+QString labels(const QList<task> &tasks)
+{
+    QString text;
+    for (const task &t : tasks)
+        text += t.priorityName;
+    return text;
+}
+
+QDateTime utc(int hour, int minute)
+{
+    return QDateTime(QDate(2024, 11, 3), QTime(hour, minute), Qt::UTC);
+}
+
+} // namespace
 
 class tst_taskviews : public QObject
 {
@@ -100,6 +134,85 @@ private Q_SLOTS:
         for (const task &t : tasksMatching(tasks, u"needle"_s))
             found += QString::number(t.status);
         QCOMPARE(found, u"13467"_s);
+    }
+
+    void ordersTasks_data()
+    {
+        Orders row;
+        addTexts(row);
+        addNumbersAndTimes(row);
+        addMoments(row);
+        row("unknown key", u"namecellid"_s, tasksWith(Texts{u"b"_s, u"c"_s, u"a"_s}, &task::name), u"abc"_s,
+            u"abc"_s);
+    }
+
+    void ordersTasks()
+    {
+        auto [key, tasks, ascending, descending] = Orders::cells();
+        QCOMPARE(labels(orderedTasks(tasks, {key, true})), ascending);
+        tasks.detach(); // a list of its own is moved, not copied
+        QCOMPARE(labels(orderedTasks(std::move(tasks), {key, false})), descending);
+    }
+
+private:
+    static void addTexts(const Orders &row)
+    {
+        const Texts words = {u"beta"_s, u"Alpha"_s, u"alpha"_s};
+        row("name", u"NameCellID"_s, tasksWith(words, &task::name), u"bca"_s, u"acb"_s);
+        row("description", u"DescCellID"_s, tasksWith(words, &task::desc), u"bca"_s, u"acb"_s);
+        row("client", u"ClientCellID"_s, tasksWith(words, &task::client), u"bca"_s, u"acb"_s);
+        row("team member", u"TeamMemberCellID"_s, tasksWith(words, &task::teamMember), u"bca"_s, u"acb"_s);
+        row("key", u"KeyCellID"_s, tasksWith(words, &task::key), u"bca"_s, u"acb"_s);
+        const auto names = [&row](const char *name, const Texts &texts, const QString &up,
+                                  const QString &down) {
+            row(name, u"NameCellID"_s, tasksWith(texts, &task::name), up, down);
+        };
+        const QString many = labels(tasksWith(Texts(40), &task::name));
+        names("equal ones stay in order", Texts(20, u"x"_s) + Texts(20, u"a"_s),
+              many.last(20) + many.first(20), many);
+        names("a text after its start", {u"ab"_s, u"a"_s, u""_s}, u"cba"_s, u"abc"_s);
+        names("the tenth character decides", {u"1234567892"_s, u"1234567891"_s}, u"ba"_s, u"ab"_s);
+        names("digits are characters", {u"Task 9"_s, u"Task 10"_s}, u"ba"_s, u"ab"_s);
+        names("no locale", {u"ä"_s, u"z"_s, u"ÿ"_s}, u"bac"_s, u"cab"_s);
+        names("precomposed equals decomposed", {u"\u00e9"_s, u"z"_s, u"e\u0301"_s}, u"bac"_s, u"acb"_s);
+        names("surrogates stand for the highest",
+              {u"\uff5e"_s, u"\U0001f600"_s, u"z"_s, u"\ue000"_s, u"\ud7ff"_s}, u"cedab"_s, u"badec"_s);
+    }
+
+    static void addNumbersAndTimes(const Orders &row)
+    {
+        const QList<qint64> numbers = {2, -1, 10, 2, std::numeric_limits<qint64>::min()};
+        row("status, by index", u"StatusCellID"_s, tasksWith(numbers, &task::status), u"ebadc"_s, u"cadbe"_s);
+        row("priority, by index", u"PriorityCellID"_s, tasksWith(numbers, &task::priority), u"ebadc"_s,
+            u"cadbe"_s);
+        const auto times = [&row](const char *name, const Pairs &values, const QString &up,
+                                  const QString &down) {
+            const auto start = [](task &t) { return std::tie(t.startHour, t.startMin); };
+            const auto end = [](task &t) { return std::tie(t.endHour, t.endMin); };
+            row(name, u"StartTimeID"_s, tasksWith(values, start), up, down);
+            row(("end: "_ba + name).constData(), u"EndTimeID"_s, tasksWith(values, end), up, down);
+        };
+        times("as texts", {{8, 5}, {8, 30}, {9, 5}, {10, 30}}, u"dbac"_s, u"cabd"_s);
+        times("ten before one, both ways", {{1, 0}, {10, 0}}, u"ba"_s, u"ba"_s);
+        times("different but equal when descending", {{1, 30}, {13, 0}}, u"ba"_s, u"ab"_s);
+    }
+
+    static void addMoments(const Orders &row)
+    {
+        const auto moments = [&row](const char *name, const Moments &values, const QString &up,
+                                    const QString &down) {
+            row(name, u"DateCellID"_s, tasksWith(values, &task::date), up, down);
+            row(("due: "_ba + name).constData(), u"DueCellID"_s, tasksWith(values, &task::due), up, down);
+        };
+        const QDate day(2024, 3, 10);
+        const QDateTime start = day.startOfDay();
+        moments("to the millisecond", {start.addMSecs(1), start, start.addMSecs(1)}, u"bac"_s, u"acb"_s);
+        moments("a day without midnight", {day.addDays(1).startOfDay(), start, day.addDays(-1).startOfDay()},
+                u"cba"_s, u"abc"_s);
+        // 5:10 UTC is the second 0:10 of the day whose clock is put back, 4:30 UTC its first 0:30.
+        moments("an hour that comes twice", {utc(5, 10).toLocalTime(), utc(4, 30).toLocalTime()}, u"ba"_s,
+                u"ab"_s);
+        moments("one clock time, in two zones", {utc(5, 10).toLocalTime(), utc(0, 10)}, u"ba"_s, u"ab"_s);
     }
 };
 

@@ -1,23 +1,13 @@
-#include <contacts/contactmodel.h>
 #include <messaging/sendingrun.h>
 #include <messaging/sendingstate.h>
 #include <messaging/windows/viewcontrollersending.h>
+#include <support/contacts.h>
 #include <support/scriptedalert.h>
 #include <support/store.h>
 #include <support/table.h>
 #include <support/testmain.h>
 #include <support/widgets.h>
 #include <ui/uiutil.h>
-
-#include <QCheckBox>
-#include <QDateEdit>
-#include <QElapsedTimer>
-#include <QLabel>
-#include <QLineEdit>
-#include <QProgressBar>
-#include <QPushButton>
-#include <QSemaphore>
-#include <QSignalSpy>
 
 #include <atomic>
 #include <functional>
@@ -39,18 +29,6 @@ const QString accountWords = u" data vill be sent using your Twilio Account info
                              "is configured properly in Settings and you tested it by Sending a Test message "
                              "from the Settings window. "
                              "Please refer to your Twilio license for privacy info."_s;
-
-template<typename Contact>
-void fill(PersistentContainer &container, const QList<Contact> &contacts)
-{
-    EntityModel &model = *container.viewContext()->objects(Contact::fetchRequest().entityName);
-    for (const Contact &contact : contacts) {
-        const int row = model.rowCount();
-        QVERIFY(model.insertRow(row) && model.setData(model.index(row, NameColumn), contact.name) &&
-                model.setData(model.index(row, PhoneNoColumn), contact.phoneNo));
-    }
-    QCOMPARE(container.viewContext()->save(), QString());
-}
 
 task taskOn(const QDateTime &start, const QString &name, const QString &client, const QString &member)
 {
@@ -95,10 +73,9 @@ struct Window : Store
 {
     Window()
     {
-        const auto container = makeContactContainer(home.privateFolder());
-        QCOMPARE(container->loadPersistentStores().error, QString());
-        fill<Clients>(*container, {{u"Zoe"_s, u"1"_s}, {u"acme"_s, u"2"_s}, {u"Bob"_s, {}}});
-        fill<TeamMembers>(*container, {{u"Dana"_s, u"7"_s}, {u"Bo"_s, u"8"_s}});
+        storeContacts<Clients>(home.privateFolder(),
+                               {{u"Zoe"_s, u"1"_s}, {u"acme"_s, u"2"_s}, {u"Bob"_s, {}}});
+        storeContacts<TeamMembers>(home.privateFolder(), {{u"Dana"_s, u"7"_s}, {u"Bo"_s, u"8"_s}});
         store.setTwilioSID(u"AC1"_s);
         store.setTwilioSecret(u"s"_s);
         store.setTwilioSendingPhoneNo(u"1"_s);

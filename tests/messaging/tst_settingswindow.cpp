@@ -8,9 +8,6 @@
 #include <support/widgets.h>
 #include <ui/uiutil.h>
 
-#include <QLabel>
-#include <QLineEdit>
-
 #include <functional>
 
 using namespace oblino;

@@ -1,9 +1,7 @@
 #pragma once
 
-#include <QAbstractButton>
-#include <QHeaderView>
-#include <QTableView>
 #include <QTest>
+#include <QtWidgets>
 
 namespace oblino {
 

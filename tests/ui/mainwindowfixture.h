@@ -9,12 +9,6 @@
 #include <ui/uiutil.h>
 #include <ui/viewcontroller.h>
 
-#include <QAction>
-#include <QComboBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QToolButton>
-
 namespace oblino {
 
 using namespace Qt::Literals::StringLiterals;

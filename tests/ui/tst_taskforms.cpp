@@ -1,21 +1,15 @@
 #include "mainwindowfixture.h"
 
+#include <support/contacts.h>
 #include <support/table.h>
 #include <support/testmain.h>
 
-#include <contacts/contactmodel.h>
 #include <platform/sharingpicker.h>
 #include <platform/widgets/sharingmenu.h>
 #include <ui/colorbutton.h>
 #include <ui/descriptionview.h>
 #include <ui/viewcontrolleradd.h>
 #include <ui/viewcontrolleredit.h>
-
-#include <QColorDialog>
-#include <QDateEdit>
-#include <QPushButton>
-#include <QTimeEdit>
-#include <QUrlQuery>
 
 using namespace oblino;
 using Bytes = Table<QByteArray>;
@@ -196,11 +190,7 @@ private Q_SLOTS:
     void offersTheNamesOfTheContacts()
     {
         MainWindow main({});
-        const auto contacts = makeContactContainer(main.home.privateFolder());
-        QVERIFY(contacts->loadPersistentStores().error.isEmpty());
-        EntityModel *clients = contacts->viewContext()->objects(Clients::fetchRequest().entityName);
-        QVERIFY(clients->insertRows(0, 1) && clients->setData(clients->index(0, NameColumn), u"Acme Ltd"_s));
-        QVERIFY(contacts->viewContext()->save().isEmpty());
+        storeContacts<Clients>(main.home.privateFolder(), {{u"Acme Ltd"_s, {}}});
         const auto &client = find<QComboBox>(openAdd(main), "client");
         QCOMPARE(client.currentText(), QString());
         QCOMPARE(client.itemText(0), u"Acme Ltd"_s);

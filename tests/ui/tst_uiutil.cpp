@@ -1,13 +1,9 @@
 #include <support/table.h>
 #include <support/testmain.h>
+#include <support/widgets.h>
 
 #include <platform/widgets/messageboxalert.h>
 #include <ui/theme.h>
-
-#include <QApplication>
-#include <QMessageBox>
-#include <QPushButton>
-#include <QTimer>
 
 #include <functional>
 
