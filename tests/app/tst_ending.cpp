@@ -5,6 +5,7 @@
 #include <support/widgets.h>
 
 #include <app/application.h>
+#include <contacts/windows/viewcontrollerclientmgmt.h>
 #include <core/taskmanager.h>
 #include <messaging/windows/viewcontrollersending.h>
 #include <platform/singleinstance.h>
@@ -20,7 +21,7 @@
 
 using namespace oblino;
 using namespace Qt::Literals::StringLiterals;
-using Acts = Table<std::function<void(QWidget *)>>;
+using Acts = Table<QString, std::function<void(QWidget *)>>;
 
 namespace {
 
@@ -115,18 +116,34 @@ private Q_SLOTS:
                                      question, u"Messages are still being sent. End all the same?"_s}));
     }
 
-    void aSignalAnswersNothing_data()
+    void comesToTheFrontWhenItIsStartedAgain()
+    {
+        SingleInstance instance(m_home.privateFolder());
+        Application application(instance);
+        application.start();
+        mainWindow()->showMinimized();
+        Q_EMIT instance.raiseRequested();
+        QVERIFY(!mainWindow()->isMinimized());
+    }
+
+    void aSignalSavesAndAnswersNothing_data()
     {
         const Acts row;
-        row("the question whether to delete", [](QWidget *window) { click(*window, "deleteButton"); });
-        row("a form", [](QWidget *window) {
+        row("the question whether to delete", {}, [](QWidget *window) { click(*window, "deleteButton"); });
+        row("a form", {}, [](QWidget *window) {
             click(*window, "editButton");
             find<QLineEdit>(*window, "txtTaskName").setText(u"typed"_s);
         });
+        row("a contact that is being typed", u"Ann"_s, [](QWidget *window) {
+            window->findChild<QAction *>(u"clientsAction"_s)->trigger();
+            const auto *clients = window->findChild<ViewControllerClientMgmt *>();
+            click(*clients, "addButton");
+            QTest::keyClicks(clients->findChild<QTableView *>()->findChild<QLineEdit *>(), u"Ann"_s);
+        });
     }
-    void aSignalAnswersNothing()
+    void aSignalSavesAndAnswersNothing()
     {
-        const auto [act] = Acts::cells();
+        const auto [contact, act] = Acts::cells();
         SingleInstance instance(m_home.privateFolder());
         Application application(instance);
         application.start();
@@ -145,6 +162,9 @@ private Q_SLOTS:
         ::alarm(0);
         QVERIFY(!opened.isActive());
         QCOMPARE(TemporaryHome::content(m_home.listPath()), list);
+        const auto container = makeContactContainer(contactsFolder());
+        QCOMPARE(container->loadPersistentStores().error, QString());
+        QVERIFY(contact.isNull() || fetch<Clients>(container->viewContext()).last().name == contact);
     }
 
 private:

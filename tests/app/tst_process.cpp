@@ -187,6 +187,16 @@ private Q_SLOTS:
         QCOMPARE(TemporaryHome::content(m_home->listPath()), list);
     }
 
+    void aClosedOutputTakesNoTraces()
+    {
+        Program first(*m_home);
+        first.setProcessEnvironment(first.variables);
+        first.start(u"sh"_s, {u"-c"_s, u"exec \"$0\" <&- >&- 2>&-"_s, oblinoProgram});
+        QVERIFY(first.waitForStarted());
+        const QString output = u"/proc/%1/fd/1"_s.arg(first.processId());
+        QTRY_COMPARE(QFile::symLinkTarget(output), u"/dev/null"_s); // and nothing that the program opened
+    }
+
     void saysThatThereIsNoDisplay()
     {
         Program first(*m_home);

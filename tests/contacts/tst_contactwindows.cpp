@@ -152,6 +152,7 @@ private Q_SLOTS:
         const Act endings[] = {
             [](Window<> &window) { window.click("okButton"); },
             [](Window<> &window) { window.controller->close(); },
+            [](Window<> &window) { window.controller->viewWillDisappear(); },
             [](Window<> &window) { window.controller.reset(); },
         };
         for (const auto &end : endings) {

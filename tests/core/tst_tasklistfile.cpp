@@ -155,18 +155,32 @@ private Q_SLOTS:
         QCOMPARE(dayOf(QDate(2050, 1, 1), "1/1/00"), QDate(2000, 1, 1));
     }
 
-    void writesLookAlikesOfWhatWouldBreakARow()
+    void writesLookAlikesOfWhatWouldBreakARowOrTheText()
     {
         TemporaryHome home;
         Run run(home);
-        const QString bars = u"|a||"_s, caret = u"^"_s + QChar(0xd83c); // and half an emoji
+        const QString bars = u"|a||"_s, caret = u"^"_s;
         const QDateTime late(QDate(2024, 3, 7), QTime(23, 59));
-        add(run.store,
-            {bars, late, caret, bars, caret, bars, {}, late, 0, 0, caret, bars, false, 9, 5, 17, 0});
+        add(run.store, {bars,
+                        late,
+                        caret + QChar(0xd83c),
+                        bars,
+                        caret,
+                        bars,
+                        {},
+                        late,
+                        0,
+                        0,
+                        caret,
+                        bars,
+                        false,
+                        9,
+                        5,
+                        17,
+                        0});
         QVERIFY(run.file.saveToFile());
-        QCOMPARE(
-            TemporaryHome::content(home.listPath()),
-            "3/7/24|ˆ\ufffd|¦a¦¦|1.0|1.0|1.0|1.0|3/7/24|0|0|ˆ\ufffd|¦a¦¦|¦a¦¦|false|9|5|17|0|ˆ\ufffd|¦a¦¦^"_ba);
+        QCOMPARE(TemporaryHome::content(home.listPath()),
+                 "3/7/24|ˆ\ufffd|¦a¦¦|1.0|1.0|1.0|1.0|3/7/24|0|0|ˆ|¦a¦¦|¦a¦¦|false|9|5|17|0|ˆ|¦a¦¦^"_ba);
     }
 
     void keepsTheColoursOfTheLightAppearance_data()

@@ -3,10 +3,13 @@
 #include <support/table.h>
 #include <support/testmain.h>
 
+#include <platform/widgets/messageboxalert.h>
+
 #include <functional>
 
 using namespace oblino;
 using Changes = Table<const char *, int, const char *, const char *, QString, QString>;
+using Presses = Table<std::function<void(QMessageBox *)>, std::optional<int>>;
 using Refusals = Table<int, bool, const char *, QString>;
 
 namespace {
@@ -104,8 +107,8 @@ private Q_SLOTS:
 
     void changesTheListAndTheFile_data()
     {
-        const Changes
-            row; // the search term, the view, whom to select, what to press, what is shown and saved
+        // the search term, the view, whom to select, what to press, what is shown, what is saved
+        const Changes row;
         const QString all = u"apple banana cherry date"_s;
         row("delete", "", 0, "banana", "deleteButton", u"apple cherry"_s, u"apple cherry date"_s);
         row("delete in a search", "banan", 0, "banana", "deleteButton", {}, u"apple cherry date"_s);
@@ -198,6 +201,36 @@ private Q_SLOTS:
             QCOMPARE(asked.buttons, QStringList({u"Yes"_s, u"No"_s}));
             QCOMPARE(main.saved(), u"apple banana cherry date"_s);
         }
+    }
+
+    void answersOnlyWhatWasPressed_data()
+    {
+        const Presses row;
+        row(
+            "Yes by mouse", [](QMessageBox *box) { QTest::mouseClick(box->buttons().at(0), Qt::LeftButton); },
+            0);
+        row(
+            "Return takes the harmless one", [](QMessageBox *box) { QTest::keyClick(box, Qt::Key_Return); },
+            1);
+        row(
+            "Escape too", [](QMessageBox *box) { QTest::keyClick(box, Qt::Key_Escape); }, 1);
+        row(
+            "the event loop ends", [](QMessageBox *) { QCoreApplication::exit(0); }, std::nullopt);
+    }
+
+    void answersOnlyWhatWasPressed()
+    {
+        const auto [press, expected] = Presses::cells();
+        std::optional<int> answer = -2;
+        // In an event loop of the application's, as in the program.
+        QTimer::singleShot(0, this, [&, press = press] {
+            QTimer::singleShot(
+                0, this, [&press] { press(qobject_cast<QMessageBox *>(QApplication::activeModalWidget())); });
+            answer = MessageBoxAlert().ask({u"<b>?</b>"_s, {}, {u"Yes"_s, u"No"_s}, 1});
+            QCoreApplication::exit(0);
+        });
+        QApplication::exec();
+        QCOMPARE(answer, expected);
     }
 
     void deletesTheTaskItAskedAboutThoughTheListChangedMeanwhile()
