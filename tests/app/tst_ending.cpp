@@ -1,4 +1,5 @@
-#include <support/contacts.h>
+#include "../contacts/storecontacts.h"
+
 #include <support/table.h>
 #include <support/temporaryhome.h>
 #include <support/testmain.h>

@@ -1,6 +1,7 @@
+#include "storecontacts.h"
+
 #include <contacts/windows/viewcontrollerclientmgmt.h>
 #include <contacts/windows/viewcontrollerteammgmt.h>
-#include <support/contacts.h>
 #include <support/table.h>
 #include <support/temporaryhome.h>
 #include <support/testmain.h>

@@ -1,7 +1,8 @@
+#include "../contacts/storecontacts.h"
+
 #include <messaging/sendingrun.h>
 #include <messaging/sendingstate.h>
 #include <messaging/windows/viewcontrollersending.h>
-#include <support/contacts.h>
 #include <support/scriptedalert.h>
 #include <support/store.h>
 #include <support/table.h>

@@ -1,6 +1,6 @@
+#include "../contacts/storecontacts.h"
 #include "mainwindowfixture.h"
 
-#include <support/contacts.h>
 #include <support/table.h>
 #include <support/testmain.h>
 
