@@ -1,6 +1,7 @@
 #include <support/httpsserver.h>
 #include <support/temporaryhome.h>
 #include <support/testmain.h>
+#include <support/widgets.h>
 
 #include <app/application.h>
 #include <contacts/windows/viewcontrollerclientmgmt.h>
@@ -13,17 +14,9 @@
 #include <ui/viewcontroller.h>
 #include <ui/viewcontrolleradd.h>
 
-#include <QAbstractButton>
-#include <QApplication>
-#include <QDirIterator>
-#include <QLineEdit>
-#include <QMessageBox>
 #include <QNetworkProxy>
-#include <QPointer>
-#include <QTableView>
 #include <QTcpServer>
 #include <QTcpSocket>
-#include <QTimer>
 
 #include <functional>
 #include <vector>
@@ -114,10 +107,6 @@ public:
         return found && QTest::qWaitForWindowActive(found) ? found : nullptr;
     }
 
-    static void click(const QWidget *where, const QString &button)
-    {
-        QTest::mouseClick(where->findChild<QAbstractButton *>(button), Qt::LeftButton, {}, QPoint(8, 8));
-    }
     static void type(const QWidget *where, const QString &field, const QString &text)
     {
         QWidget *widget = where->findChild<QWidget *>(field);
@@ -144,10 +133,7 @@ public:
     }
     void selectTask(const QString &name) const
     {
-        auto *table = window->findChild<QTableView *>(u"tblView"_s);
-        const qsizetype row = shown().indexOf(name);
-        const QModelIndex cell = table->model()->index(static_cast<int>(row), 3);
-        QTest::mouseClick(table->viewport(), Qt::LeftButton, {}, table->visualRect(cell).center());
+        clickCell(find<QTableView>(*window, "tblView"), static_cast<int>(shown().indexOf(name)), 3);
     }
     [[nodiscard]] QStringList shown() const
     {
@@ -207,12 +193,12 @@ private:
     {
         auto *clients = walk.chosen<ViewControllerClientMgmt>(Qt::Key_C);
         QVERIFY(clients);
-        Walk::click(clients, u"addButton"_s);
+        click(*clients, "addButton");
         QTRY_VERIFY(qobject_cast<QLineEdit *>(clients->focusWidget()));
         QTest::keyClicks(clients->focusWidget(), u"Ann Berg"_s);
         QTest::keyClick(clients->focusWidget(), Qt::Key_Tab);
         QTest::keyClicks(clients->focusWidget(), u"+15550101"_s);
-        Walk::click(clients, u"okButton"_s);
+        click(*clients, "okButton");
     }
 
     static void search(const Walk &walk)
@@ -243,14 +229,14 @@ private:
                                           {u"sendingPhoneNo"_s, u"+15550100"_s},
                                           {u"messageTitle"_s, u"Week"_s}})
             Walk::type(settings, field, text);
-        Walk::click(settings, u"sendSMS"_s);
-        Walk::click(settings, u"saveButton"_s);
+        click(*settings, "sendSMS");
+        click(*settings, "saveButton");
 
         auto *sending = walk.chosen<ViewControllerSending>(Qt::Key_S);
         QVERIFY(sending);
-        Walk::click(sending, u"allClients"_s);
+        click(*sending, "allClients");
         const auto *button = sending->findChild<QAbstractButton *>(u"sendMsgClients"_s);
-        answering({u"OK"_s}, [sending] { Walk::click(sending, u"sendMsgClients"_s); });
+        answering({u"OK"_s}, [sending] { click(*sending, "sendMsgClients"); });
         QTRY_VERIFY(button->isEnabled());        // when the run is over
         QCOMPARE(m_server.requests().size(), 3); // the header and two tasks
         QCOMPARE(m_server.requests().first().line(), "POST /2010-04-01/Accounts/AC1/SMS/Messages HTTP/1.1");
@@ -293,27 +279,23 @@ private:
         QCOMPARE(filesWithTraces().size(), 5); // list, notes, contacts, cloud copy, settings
         auto *eraser = walk.chosen<ViewControllerDestroy>(Qt::Key_D);
         QVERIFY(eraser);
-        Walk::click(eraser, u"deleteAll"_s);
-        const QStringList asked =
-            answering({u"Yes"_s, u"OK"_s}, [eraser] { Walk::click(eraser, u"eraseButton"_s); });
+        click(*eraser, "deleteAll");
+        const QStringList asked = answering({u"Yes"_s, u"OK"_s}, [eraser] { click(*eraser, "eraseButton"); });
         QCOMPARE(asked.last(), u"All Selected Records Deleted Successfully!"_s);
         QVERIFY(walk.shown().isEmpty());
-        QCOMPARE(filesWithTraces(), QStringList());
+        QCOMPARE(filesWithTraces(), QSet<QString>());
         QVERIFY(!QFile::exists(m_home.path(u"ltodolistwhiteboard.png"_s)));
         QVERIFY(!QFile::exists(m_home.documents() + u"/ltodonotes.txt"_s));
         QCOMPARE(TemporaryHome::content(m_home.listPath()), QByteArray());
     }
 
     // The files in which something stands that was typed above.
-    [[nodiscard]] QStringList filesWithTraces() const
+    [[nodiscard]] QSet<QString> filesWithTraces() const
     {
-        QStringList files;
-        for (QDirIterator all(m_home.path({}), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
-             all.hasNext();) {
-            const QString path = all.next();
-            const QByteArray content = TemporaryHome::content(path);
-            if (content.contains("Berg") || content.contains("timber") || content.contains("hushhush"))
-                files += path;
+        QSet<QString> files;
+        for (const char *typed : {"Berg", "timber", "hushhush"}) {
+            const QStringList found = m_home.filesWith(typed);
+            files += QSet(found.begin(), found.end());
         }
         return files;
     }

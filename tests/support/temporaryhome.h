@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QTemporaryDir>
 #include <QTest>
@@ -17,6 +18,19 @@ public:
     [[nodiscard]] QString privateFolder() const { return m_folder.filePath(QStringLiteral("private")); }
     [[nodiscard]] QString path(const QString &name) const { return m_folder.filePath(name); }
     [[nodiscard]] QString listPath() const { return documents() + QStringLiteral("/ltodolist.txt"); }
+
+    /// The files, in all folders, in which a text stands.
+    [[nodiscard]] QStringList filesWith(const QByteArray &text) const
+    {
+        QStringList files;
+        for (QDirIterator all(m_folder.path(), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+             all.hasNext();) {
+            const QString path = all.next();
+            if (content(path).contains(text))
+                files += path;
+        }
+        return files;
+    }
 
     static QByteArray content(const QString &path)
     {

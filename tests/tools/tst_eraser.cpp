@@ -3,6 +3,7 @@
 #include <support/table.h>
 #include <support/temporaryhome.h>
 #include <support/testmain.h>
+#include <support/widgets.h>
 
 #include <core/tasklistfile.h>
 #include <core/taskmanager.h>
@@ -13,10 +14,6 @@
 #include <tools/windows/viewcontrollerdestroy.h>
 #include <ui/uiutil.h>
 
-#include <QApplication>
-#include <QCheckBox>
-#include <QDirIterator>
-#include <QPushButton>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 
@@ -79,7 +76,7 @@ struct Eraser
     {
         for (const QString &name : boxes)
             box(name)->click();
-        window->findChild<QPushButton *>(u"eraseButton"_s)->click();
+        click(*window, "eraseButton");
     }
     [[nodiscard]] QCheckBox *box(const QString &name) const { return window->findChild<QCheckBox *>(name); }
     [[nodiscard]] QStringList chosen() const
@@ -106,19 +103,6 @@ struct Eraser
         const EntityModel *objects = container->viewContext()->objects(entity);
         return objects->rowCount() == 0 ? QStringList() : objects->object(0);
     }
-    // The files in which a text stands.
-    [[nodiscard]] QStringList filesWith(const QByteArray &text) const
-    {
-        QStringList files;
-        for (QDirIterator all(home.path({}), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
-             all.hasNext();) {
-            const QString path = all.next();
-            if (TemporaryHome::content(path).contains(text))
-                files += path;
-        }
-        return files;
-    }
-
     TemporaryHome home;
     QString notes = home.documents() + u"/ltodonotes.txt"_s;
     QString board = home.path(u"ltodolistwhiteboard.png"_s);
@@ -157,11 +141,11 @@ private Q_SLOTS:
         }
         TemporaryHome::write(eraser.home.listPath(), row + secret + '^'); // with a row that cannot be read
         (void)eraser.list.splitStringFile(eraser.list.readFromFile());
-        QCOMPARE(eraser.filesWith(secret).size(), 3 * 4 + 3); // and contacts, cloud, settings
+        QCOMPARE(eraser.home.filesWith(secret).size(), 3 * 4 + 3); // and contacts, cloud, settings
 
         eraser.erase(allBoxes);
         QCOMPARE(eraser.told(), u"All Selected Records Deleted Successfully!"_s);
-        QCOMPARE(eraser.filesWith(secret), QStringList());
+        QCOMPARE(eraser.home.filesWith(secret), QStringList());
         QCOMPARE(eraser.reloads, 1);
         QCOMPARE(eraser.contactErasures, 2);
         QVERIFY(eraser.store.tasks().isEmpty());
@@ -186,7 +170,7 @@ private Q_SLOTS:
         eraser.questions.answer = std::nullopt; // closed by Esc
         eraser.erase({u"deleteNotes"_s});
         QCOMPARE(eraser.questions.asked.last().informativeText, u"\nNotes"_s);
-        QCOMPARE(eraser.filesWith(secret).size(), 6);
+        QCOMPARE(eraser.home.filesWith(secret).size(), 6);
         QCOMPARE(eraser.reloads, 0);
 
         eraser.box(u"deleteAll"_s)->click();
@@ -258,7 +242,7 @@ private Q_SLOTS:
         eraser.erase({u"deleteNotes"_s, u"deleteClients"_s, u"deleteSettings"_s});
         QCOMPARE(eraser.contacts(u"Clients"_s), QStringList());
         QCOMPARE(eraser.contacts(u"TeamMembers"_s).value(0).toLatin1(), secret);
-        QCOMPARE(eraser.filesWith(secret).size(), 5); // list and its copy, whiteboard, contacts, cloud
+        QCOMPARE(eraser.home.filesWith(secret).size(), 5); // list and its copy, whiteboard, contacts, cloud
         QCOMPARE(eraser.store.getDelay(), 1000);
         QVERIFY(!eraser.store.getNotification());
         QCOMPARE(eraser.defaults.text(u"other"_s), u"kept"_s);
@@ -271,7 +255,7 @@ private Q_SLOTS:
         QCOMPARE(recovery.keep(secret, u"ltodonotes.txt"_s).error, 0);
         QVERIFY(QFile::remove(eraser.notes));
         eraser.erase({u"deleteNotes"_s});
-        QCOMPARE(eraser.filesWith(secret).size(), 5);
+        QCOMPARE(eraser.home.filesWith(secret).size(), 5);
     }
 
     void staysOpenUntilTheCloudHasAnswered()
