@@ -1,5 +1,6 @@
 #pragma once
 
+#include <support/cloudrequests.h>
 #include <support/scriptedcontainer.h>
 #include <support/temporaryhome.h>
 
@@ -9,8 +10,6 @@
 #include <platform/cloud/sqlcloudcontainer.h>
 #include <platform/defaults.h>
 #include <platform/notificationcenter.h>
-
-#include <future>
 
 namespace oblino {
 
@@ -28,25 +27,13 @@ public:
     /// All records, in the order of the service.
     [[nodiscard]] QList<CloudRecord> records()
     {
-        std::promise<QList<CloudRecord>> answer;
-        service.privateCloudDatabase().performQuery(
-            {&taskRecordType(), RecordPredicate::all()},
-            [&answer](const auto &found, const auto &) { answer.set_value(found); });
-        return answer.get_future().get();
+        return std::get<0>(find(service, RecordPredicate::all(), taskRecordType()));
     }
 
-    void put(const CloudRecord &record)
-    {
-        std::promise<bool> answer;
-        service.privateCloudDatabase().saveRecord(
-            record, [&answer](const auto &, const auto &error) { answer.set_value(!error); });
-        QVERIFY(answer.get_future().get());
-    }
-
-    void put(const QList<task> &tasks, bool inDark = false)
+    void put(const QList<task> &tasks)
     {
         for (const task &t : tasks)
-            put(newTaskRecord(t, inDark));
+            QCOMPARE(save(service, newTaskRecord(t, false)), QString());
     }
 
     /// The values of one field of all records, joined by blanks.
@@ -65,7 +52,8 @@ public:
     QByteArrayList told;
     TaskManager store{settings, appearance};
     ScriptedContainer container{service}; // goes after the thread of the service
-    SqlCloudContainer service{{home.path(QStringLiteral("private/Cloud.sqlite"))}, {&taskRecordType()}};
+    const RecordPlace place{home.path(QStringLiteral("Cloud.sqlite"))};
+    SqlCloudContainer service{place, {&taskRecordType()}};
 };
 
 } // namespace oblino

@@ -1,5 +1,5 @@
 #include <support/fakepasswordstore.h>
-#include <support/loginserver.h>
+#include <support/postgresserver.h>
 #include <support/table.h>
 #include <support/temporaryhome.h>
 #include <support/testmain.h>
@@ -8,19 +8,14 @@
 #include <platform/widgets/cloudaccountwindow.h>
 #include <platform/widgets/passwordprompt.h>
 
-#include <QAccessible>
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
-#include <QProgressBar>
-#include <QPushButton>
-#include <QRadioButton>
-#include <QSpinBox>
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <QTimer>
-
-#include <functional>
 
 using namespace oblino;
 using namespace Qt::Literals::StringLiterals;
@@ -28,41 +23,30 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 
 const CloudAccount annsAccount = {.host = u"db.invalid"_s, .database = u"tasks"_s, .user = u"ann"_s};
-const QString annsKey = u"ann@db.invalid:5432/tasks"_s;
-const QStringList fieldNames = {u"hostField"_s,     u"portField"_s,   u"databaseField"_s, u"userField"_s,
-                                u"passwordField"_s, u"securityBox"_s, u"rememberBox"_s,   u"testButton"_s};
 
-/// The account window of a session, shown, driven by real events.
+/// The account window of a session, shown, driven by real events. The keyring has Ann's password.
 struct Window
 {
-    explicit Window(const CloudAccount &account = {}, const QString &password = {})
+    explicit Window(const CloudAccount &account = {})
     {
-        if (!password.isEmpty())
-            keyring.passwords.insert(annsKey, password);
-        if (!accounts.save(account))
-            return;
+        keyring.passwords.insert(u"ann@db.invalid:5432/tasks"_s, u"stored"_s);
+        QVERIFY(accounts.save(account));
         session = std::make_unique<CloudSession>(accounts, home.path(u"c.db"_s), keyring,
                                                  QList<const RecordType *>());
         window = std::make_unique<CloudAccountWindow>(*session);
         window->show();
         window->activateWindow();
-        (void)QTest::qWaitForWindowActive(window.get());
+        QVERIFY(QTest::qWaitForWindowActive(window.get()));
     }
 
     template<typename Widget = QWidget>
-    [[nodiscard]] Widget &find(const QString &name) const
+    [[nodiscard]] Widget &find(const char *name) const
     {
-        return *window->findChild<Widget *>(name);
-    }
-    void click(const QString &name) const { QTest::mouseClick(&find(name), Qt::LeftButton); }
-    void choose(const char *radio) const
-    {
-        auto &button = find<QRadioButton>(QLatin1String(radio));
-        QTest::mouseClick(&button, Qt::LeftButton, {}, QPoint(8, button.height() / 2));
+        return *window->findChild<Widget *>(QLatin1String(name));
     }
     void press(Qt::Key key) const { QTest::keyClick(QApplication::focusWidget(), key); }
-    /// Types over what a field has, or takes it away.
-    void enter(const QString &field, const QString &text) const
+    /// Types over what a field has.
+    void enter(const char *field, const QString &text) const
     {
         QWidget &widget = find(field);
         widget.setFocus();
@@ -72,19 +56,15 @@ struct Window
     }
     void enter(const CloudAccount &account) const
     {
-        choose("serverButton");
-        enter(u"hostField"_s, account.host);
-        enter(u"portField"_s, QString::number(account.port));
-        enter(u"databaseField"_s, account.database);
-        enter(u"userField"_s, account.user);
-        find<QComboBox>(u"securityBox"_s).setCurrentIndex(static_cast<int>(account.tlsMode));
+        QTest::keyClick(&find("serverButton"), Qt::Key_Space);
+        enter("hostField", account.host);
+        enter("portField", QString::number(account.port));
+        enter("databaseField", account.database);
+        enter("userField", account.user);
+        find<QComboBox>("securityBox").setCurrentIndex(static_cast<int>(account.tlsMode));
     }
-    [[nodiscard]] QString result() const
-    {
-        const auto &label = find<QLabel>(u"testResult"_s);
-        return label.isVisible() ? label.text() : QString();
-    }
-    [[nodiscard]] bool isTesting() const { return find(u"testProgress"_s).isVisible(); }
+    void startTest() const { QTest::mouseClick(&find("testButton"), Qt::LeftButton); }
+    [[nodiscard]] bool isTesting() const { return find("testProgress").isVisible(); }
 
     TemporaryHome home;
     CloudAccounts accounts = CloudAccounts(home.path(u"cloud.ini"_s));
@@ -100,273 +80,167 @@ class tst_cloudaccountwindow : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void opensItsFieldsForAServerAlone()
-    {
-        const Window window;
-        const auto enabled = [&window] {
-            QStringList names = fieldNames;
-            names.removeIf([&](const QString &name) { return !window.find(name).isEnabled(); });
-            return names;
-        };
-        QVERIFY(window.find<QRadioButton>(u"localButton"_s).isChecked());
-        QCOMPARE(enabled(), QStringList());
-        window.choose("serverButton");
-        QCOMPARE(enabled(), fieldNames);
-        window.choose("localButton");
-        QCOMPARE(enabled(), QStringList());
-    }
-
     void refusesWhatCannotBeAnAccount_data()
     {
-        const Table<QString, QString, QString> row;
-        row("no host", u"hostField"_s, u" , "_s, u"hostProblem"_s);
-        row("a host of two words", u"hostField"_s, u"db example"_s, u"hostProblem"_s);
-        row("an address with a path", u"hostField"_s, u"a.example,db.example/tasks"_s, u"hostProblem"_s);
-        row("port 0", u"portField"_s, u"0"_s, u"portProblem"_s);
-        row("no database", u"databaseField"_s, u""_s, u"databaseProblem"_s);
-        row("no user", u"userField"_s, u" "_s, u"userProblem"_s);
+        const Table<const char *, QString, const char *> row;
+        row("no host", "hostField", u" , "_s, "hostProblem");
+        row("a host of two words", "hostField", u"db example"_s, "hostProblem");
+        row("an address with a path", "hostField", u"a.example,db.example/tasks"_s, "hostProblem");
+        row("port 0", "portField", u"0"_s, "portProblem");
+        row("no database", "databaseField", u""_s, "databaseProblem");
+        row("no user", "userField", u" "_s, "userProblem");
     }
     void refusesWhatCannotBeAnAccount()
     {
-        const auto [field, text, problem] = Table<QString, QString, QString>::cells();
+        const auto [field, text, problem] = Table<const char *, QString, const char *>::cells();
         const Window window;
         window.enter(annsAccount);
         window.enter(field, text);
-        window.find(u"passwordField"_s).setFocus();
+        window.find("passwordField").setFocus();
         window.press(Qt::Key_Return);
         QVERIFY(window.window->isVisible());
         QVERIFY(window.find(problem).isVisible());
         QVERIFY(window.find(field).hasFocus());
-        QVERIFY(!window.find(field).accessibleDescription().isEmpty());
-        QCOMPARE(window.accounts.load(), CloudAccount{});
-        window.click(u"testButton"_s);
+        window.startTest();
         QVERIFY(!window.isTesting());
-
-        window.enter(annsAccount);
-        QVERIFY(!window.find(problem).isVisible());
-        window.press(Qt::Key_Return);
-        QVERIFY(!window.window->isVisible());
-        QCOMPARE(window.accounts.load(), annsAccount);
-    }
-
-    void takesAFolderOfASocketForAHost()
-    {
-        const Window window;
-        CloudAccount account = annsAccount;
-        account.host = u"/run/postgresql"_s;
-        window.enter(account);
-        window.press(Qt::Key_Return);
-        QCOMPARE(window.accounts.load(), account);
+        QCOMPARE(window.accounts.load(), CloudAccount{});
     }
 
     void keepsAccountAndPasswordOnOkAlone_data()
     {
-        const Table<bool, Qt::Key> row;
-        row("OK", false, Qt::Key_Return);
-        row("OK, remembered", true, Qt::Key_Return);
-        row("Esc", true, Qt::Key_Escape);
+        const Table<QString, bool, Qt::Key> row;
+        row("OK", u"a.example, b.example"_s, false, Qt::Key_Return);
+        row("OK, remembered, by the folder of a socket", u"/run/postgresql"_s, true, Qt::Key_Return);
+        row("Esc", u"a.example"_s, true, Qt::Key_Escape);
     }
     void keepsAccountAndPasswordOnOkAlone()
     {
-        const auto [remember, key] = Table<bool, Qt::Key>::cells();
+        const auto [host, remember, key] = Table<QString, bool, Qt::Key>::cells();
         Window window;
+        window.keyring.passwords.clear();
         CloudAccount account = annsAccount;
-        account.host = u"a.example, b.example"_s;
+        account.host = host;
         window.enter(account);
-        window.enter(u"passwordField"_s, u"secret"_s);
+        window.enter("passwordField", u"secret"_s);
         if (remember)
-            QTest::keyClick(&window.find(u"rememberBox"_s), Qt::Key_Space);
+            QTest::keyClick(&window.find("rememberBox"), Qt::Key_Space);
         window.press(key);
         QVERIFY(!window.window->isVisible());
         window.keyring.answer();
-        account.host = u"a.example,b.example"_s;
         const bool kept = key == Qt::Key_Return;
+        account.host = tidyHosts(host);
         QCOMPARE(window.accounts.load(), kept ? account : CloudAccount{});
         QCOMPARE(window.session->account(), kept ? account : CloudAccount{});
         QCOMPARE(window.session->password().value_or(u"none"_s), kept ? u"secret"_s : u"none"_s);
-        QCOMPARE(window.keyring.passwords.values(),
-                 kept && remember ? QStringList{u"secret"_s} : QStringList());
+        QCOMPARE(window.keyring.passwords.values(), QStringList(kept && remember ? 1 : 0, u"secret"_s));
     }
 
     void showsWhatTheKeyringHas_data()
     {
-        const Table<QString, QString> row;
-        row("nothing was typed", u""_s, u"stored"_s);
-        row("something was typed by then", u"typed"_s, u"typed"_s);
+        const Table<bool, QString, QString, bool> row;
+        row("nothing was typed", true, u""_s, u"stored"_s, true);
+        row("something was typed by then", true, u"typed"_s, u"typed"_s, false);
+        row("there is none", false, u""_s, u""_s, false);
     }
     void showsWhatTheKeyringHas()
     {
-        const auto [typed, shown] = Table<QString, QString>::cells();
-        Window window(annsAccount, u"stored"_s);
-        QTest::keyClicks(&window.find(u"passwordField"_s), typed);
+        const auto [exists, typed, shown, isRemembered] = Table<bool, QString, QString, bool>::cells();
+        Window window(annsAccount);
+        window.keyring.exists = exists;
+        QTest::keyClicks(&window.find("passwordField"), typed);
         window.keyring.answer();
-        const auto &field = window.find<QLineEdit>(u"passwordField"_s);
+        const auto &field = window.find<QLineEdit>("passwordField");
         QCOMPARE(field.text(), shown);
-        QVERIFY(!field.displayText().contains(shown));
-        QCOMPARE(window.find<QCheckBox>(u"rememberBox"_s).isChecked(), typed.isEmpty());
-    }
-
-    void offersNoKeyringWhereThereIsNone()
-    {
-        Window window(annsAccount, u"stored"_s);
-        window.keyring.exists = false;
-        window.keyring.answer();
-        QVERIFY(!window.find(u"rememberBox"_s).isEnabled());
-        QVERIFY(!window.find(u"rememberBox"_s).toolTip().isEmpty());
-        bool wasOffered = true;
-        QTimer::singleShot(0, window.window.get(), [&wasOffered] {
-            QWidget *prompt = QApplication::activeModalWidget();
-            wasOffered = prompt->findChild<QCheckBox *>(u"rememberBox"_s)->isEnabled();
-            QTest::keyClick(prompt, Qt::Key_Escape);
-        });
-        QVERIFY(!ensurePassword(*window.session, window.window.get()));
-        QVERIFY(!wasOffered);
+        QVERIFY(shown.isEmpty() || !field.displayText().contains(shown));
+        QCOMPARE(window.find<QCheckBox>("rememberBox").isChecked(), isRemembered);
+        QCOMPARE(window.find("rememberBox").isEnabled(), exists);
     }
 
     void warnsOfWeakConnections()
     {
         const Window window(annsAccount);
-        const auto &warning = window.find<QLabel>(u"securityWarning"_s);
-        QVERIFY(!warning.isVisible());
-        QSet<QString> warnings;
+        QVERIFY(!window.find("securityWarning").isVisible());
         for (int weaker = 0; weaker < 2; ++weaker) {
-            QTest::keyClick(&window.find(u"securityBox"_s), Qt::Key_Down);
-            QVERIFY(warning.isVisible());
-            warnings += warning.text();
+            QTest::keyClick(&window.find("securityBox"), Qt::Key_Down);
+            QVERIFY(window.find("securityWarning").isVisible());
         }
-        QCOMPARE(warnings.size(), 2);
     }
 
-    void saysInWordsWhatTheTestHasShown_data()
-    {
-        const Table<bool, QString> row;
-        row("a server that refuses", true, u"The server refused the user name or the password."_s);
-        row("a closed port", false, u"The server 127.0.0.1 cannot be reached on port"_s);
-    }
     void saysInWordsWhatTheTestHasShown()
     {
-        const auto [isThere, words] = Table<bool, QString>::cells();
-        LoginServer server;
-        const CloudAccount account = server.account();
-        if (!isThere)
-            server.close();
+        if (!PostgresServer::isInstalled())
+            QSKIP("PostgreSQL is not installed.");
+        PostgresServer server;
+        const RecordPlace place = server.newPlace();
         const Window window;
-        window.enter(account);
-        window.enter(u"passwordField"_s, u"s3cret"_s);
-        window.click(u"testButton"_s);
-        QVERIFY(window.isTesting());
-        QVERIFY(!window.find(u"testButton"_s).isEnabled());
-        QTRY_VERIFY_WITH_TIMEOUT(!window.isTesting(), 20'000);
-        QVERIFY2(window.result().startsWith(words), qPrintable(window.result()));
-        QVERIFY(!window.result().contains(u"s3cret"_s));
-        QVERIFY(window.find(u"testButton"_s).isEnabled());
-        QCOMPARE(server.passwords, isThere ? QStringList{u"s3cret"_s} : QStringList());
+        window.enter(place.account);
+        const auto &result = window.find<QLabel>("testResult");
+        const auto outcome = [&](const QString &password) {
+            window.enter("passwordField", password);
+            const bool isForgotten = !result.isVisible();
+            window.startTest();
+            const bool isDone = QTest::qWaitFor([&] { return !window.isTesting(); }, 20'000);
+            return isForgotten && isDone && result.isVisible() ? result.text() : QString();
+        };
+        QCOMPARE(outcome(u"wrong"_s), u"The server refused the user name or the password."_s);
+        QCOMPARE(outcome(place.password), u"The server can be used: sign-in and rights are in order."_s);
+        server.stop();
+        QVERIFY(outcome(place.password).startsWith(u"The server 127.0.0.1 cannot be reached on port"_s));
         QCOMPARE(window.accounts.load(), CloudAccount{});
-        window.enter(u"userField"_s, u"bob"_s);
-        QCOMPARE(window.result(), QString());
     }
 
     void endsATestWithWhatItWasFor_data()
     {
-        using Act = std::function<void(Window &)>;
-        const Table<Act> row;
+        const Table<std::function<void(Window &)>> row;
         row("closed", [](Window &window) { window.press(Qt::Key_Escape); });
         row("gone", [](Window &window) { window.window.reset(); });
-        row("other input", [](Window &window) { window.enter(u"userField"_s, u"bob"_s); });
-        row("no server any more", [](Window &window) { window.choose("localButton"); });
+        row("other input", [](Window &window) { window.enter("userField", u"bob"_s); });
     }
     void endsATestWithWhatItWasFor()
     {
-        using Act = std::function<void(Window &)>;
-        const auto [act] = Table<Act>::cells();
-        LoginServer server;
-        server.isSilent = true;
+        const auto [act] = Table<std::function<void(Window &)>>::cells();
+        QTcpServer silent;
+        QVERIFY(silent.listen(QHostAddress::LocalHost));
+        CloudAccount account = annsAccount;
+        account.host = u"127.0.0.1"_s;
+        account.port = silent.serverPort();
         Window window;
-        window.enter(server.account());
-        window.click(u"testButton"_s);
-        QTRY_COMPARE(server.guests, 1);
+        window.enter(account);
+        window.startTest();
+        QTRY_VERIFY(silent.hasPendingConnections());
+        const QTcpSocket *guest = silent.nextPendingConnection();
         QVERIFY(window.isTesting());
         act(window);
-        QTRY_COMPARE_WITH_TIMEOUT(server.guests, 0, 3'000);
-        QVERIFY(!window.window || (!window.isTesting() && window.result().isEmpty()));
-    }
-
-    void cutsNoWordsAndNamesEveryControl_data()
-    {
-        const Table<double> row;
-        row("usual fonts", 1.0);
-        row("fonts of 150 %", 1.5);
-    }
-    void cutsNoWordsAndNamesEveryControl()
-    {
-        const auto [scale] = Table<double>::cells();
-        const QFont usual = QApplication::font();
-        QFont font = usual;
-        font.setPointSizeF(usual.pointSizeF() * scale);
-        QApplication::setFont(font);
-        const Window window;
-        window.choose("serverButton");
-        window.find<QComboBox>(u"securityBox"_s).setCurrentIndex(2);
-        QTest::keyClick(window.window.get(), Qt::Key_Return);
-        QVERIFY(window.find(u"hostProblem"_s).isVisible());
-        window.window->resize(window.window->minimumSizeHint());
-        QCoreApplication::processEvents();
-        for (const QWidget *widget : window.window->findChildren<QWidget *>()) {
-            if (!widget->isVisible() || widget->parentWidget() != window.window.get())
-                continue;
-            const int needed = widget->hasHeightForWidth() ? widget->heightForWidth(widget->width())
-                                                           : widget->minimumSizeHint().height();
-            QVERIFY2(widget->height() >= needed, qPrintable(widget->objectName()));
-            QVERIFY2(widget->width() >= widget->minimumSizeHint().width(), qPrintable(widget->objectName()));
-            const bool isControl = widget->focusPolicy() != Qt::NoFocus && widget->focusProxy() == nullptr;
-            QAccessibleInterface *access =
-                QAccessible::queryAccessibleInterface(const_cast<QWidget *>(widget));
-            if (isControl)
-                QVERIFY2(!access->text(QAccessible::Name).isEmpty(), qPrintable(widget->objectName()));
-        }
-        QApplication::setFont(usual);
+        QTRY_COMPARE_WITH_TIMEOUT(guest->state(), QAbstractSocket::UnconnectedState, 3'000);
+        QVERIFY(!window.window || (!window.isTesting() && !window.find("testResult").isVisible()));
     }
 
     void asksForThePasswordOnceARun_data()
     {
-        using Act = std::function<void(QWidget * prompt, Window & window)>;
-        const Table<Act, bool, QString> row;
-        row(
-            "typed",
-            [](QWidget *prompt, Window &) {
-                auto *field = prompt->findChild<QLineEdit *>();
-                QTRY_VERIFY(field->hasFocus());
-                QTest::keyClicks(field, u"secret"_s);
-                QTest::keyClick(prompt, Qt::Key_Return);
-            },
-            true, u"secret"_s);
-        row(
-            "a server that asks for none",
-            [](QWidget *prompt, Window &) { QTest::keyClick(prompt, Qt::Key_Return); }, true, u""_s);
-        row(
-            "cancelled", [](QWidget *prompt, Window &) { QTest::keyClick(prompt, Qt::Key_Escape); }, false,
-            u"none"_s);
-        row(
-            "the keyring answers after all", [](QWidget *, Window &window) { window.keyring.answer(); }, true,
-            u"stored"_s);
-        row(
-            "its window goes", [](QWidget *, Window &window) { window.window.reset(); }, false, u"none"_s);
+        const auto typed = [](QWidget *prompt, Window &) {
+            auto *field = prompt->findChild<QLineEdit *>();
+            QTRY_VERIFY(field->hasFocus());
+            QTest::keyClicks(field, u"secret"_s);
+            QTest::keyClick(prompt, Qt::Key_Return);
+        };
+        const auto cancelled = [](QWidget *prompt, Window &) { QTest::keyClick(prompt, Qt::Key_Escape); };
+        const auto answered = [](QWidget *, Window &window) { window.keyring.answer(); };
+        const auto gone = [](QWidget *, Window &window) { window.window.reset(); };
+        const Table<std::function<void(QWidget *, Window &)>, QString> row;
+        row("typed", typed, u"secret"_s);
+        row("cancelled", cancelled, u"none"_s);
+        row("the keyring answers after all", answered, u"stored"_s);
+        row("its window goes", gone, u"none"_s);
     }
     void asksForThePasswordOnceARun()
     {
-        using Act = std::function<void(QWidget * prompt, Window & window)>;
-        const auto [act, answer, password] = Table<Act, bool, QString>::cells();
-        Window window(annsAccount, u"stored"_s);
-        QTimer::singleShot(0, qApp, [&window, act = act] {
-            QWidget *prompt = QApplication::activeModalWidget();
-            QVERIFY(prompt);
-            (void)QTest::qWaitForWindowActive(prompt);
-            act(prompt, window);
-        });
-        QCOMPARE(ensurePassword(*window.session, window.window.get()), answer);
+        const auto [act, password] = Table<std::function<void(QWidget *, Window &)>, QString>::cells();
+        Window window(annsAccount);
+        QTimer::singleShot(0, qApp, [&window, act = act] { act(QApplication::activeModalWidget(), window); });
+        const bool isKnown = password != u"none"_s;
+        QCOMPARE(ensurePassword(*window.session, window.window.get()), isKnown);
         QCOMPARE(window.session->password().value_or(u"none"_s), password);
-        if (answer)
-            QVERIFY(ensurePassword(*window.session, window.window.get()));
+        QVERIFY(!isKnown || ensurePassword(*window.session, window.window.get()));
     }
 };
 

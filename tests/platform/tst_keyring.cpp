@@ -3,8 +3,6 @@
 
 #include <platform/keyring.h>
 
-#include <QElapsedTimer>
-
 using namespace oblino;
 using namespace Qt::Literals::StringLiterals;
 using Outcome = PasswordStore::Outcome;
@@ -18,23 +16,21 @@ private Q_SLOTS:
     {
         const PrivateBus bus;
         QVERIFY(!bus.address().isEmpty());
+        const QString key = u"ann@db.invalid:5432/tasks"_s;
         qputenv("DBUS_SESSION_BUS_ADDRESS", bus.address().toLocal8Bit());
         QList<Outcome> outcomes;
-        QElapsedTimer timer;
-        timer.start();
         {
             Keyring keyring(u"oblino-test"_s);
             const auto note = [&outcomes](Outcome outcome) { outcomes += outcome; };
-            keyring.write(u"ann@db.invalid:5432/tasks"_s, u"secret"_s, note);
-            keyring.read(u"ann@db.invalid:5432/tasks"_s, [note](Outcome outcome, const QString &password) {
+            keyring.write(key, u"secret"_s, note);
+            keyring.read(key, [note](Outcome outcome, const QString &password) {
                 QCOMPARE(password, QString());
                 note(outcome);
             });
-            keyring.remove(u"ann@db.invalid:5432/tasks"_s, note);
+            keyring.remove(key, note);
             QVERIFY2(outcomes.isEmpty(), "answers come later");
         }
-        QTRY_COMPARE_WITH_TIMEOUT(outcomes, QList<Outcome>(3, Outcome::NoKeyring), 10'000);
-        QVERIFY(timer.elapsed() < 5'000);
+        QTRY_COMPARE_WITH_TIMEOUT(outcomes, QList<Outcome>(3, Outcome::NoKeyring), 5'000);
     }
 };
 

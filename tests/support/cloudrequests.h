@@ -4,19 +4,16 @@
 
 #include <QStringList>
 
-#include <chrono>
-#include <condition_variable>
-#include <functional>
+#include <future>
 #include <latch>
 #include <memory>
-#include <mutex>
-#include <optional>
+#include <stdexcept>
 #include <tuple>
-#include <utility>
 
 namespace oblino {
 
-// Requests to a cloud container that wait for their answer, and what tests keep there.
+// Requests to a cloud container that wait for their answer, and what tests keep there. Whoever has one answer
+// has had those to all requests before it.
 
 using CloudFailure = std::optional<CloudError>;
 
@@ -43,45 +40,42 @@ using CloudFailure = std::optional<CloudError>;
 }
 
 /// Hands `request` a handler that takes Results, and waits until it has been called. Throws
-/// std::bad_optional_access when that does not happen.
+/// std::runtime_error when that does not happen.
 template<typename... Results, typename Request>
 std::tuple<Results...> answerTo(Request request)
 {
-    struct Answer
-    {
-        std::mutex mutex;
-        std::condition_variable changed;
-        std::optional<std::tuple<Results...>> results;
-    };
-    const auto answer = std::make_shared<Answer>();
-    request([answer](const Results &...results) {
-        const std::lock_guard lock(answer->mutex);
-        answer->results.emplace(results...);
-        answer->changed.notify_all();
-    });
-    std::unique_lock lock(answer->mutex);
-    answer->changed.wait_for(lock, std::chrono::seconds(30), [&] { return answer->results.has_value(); });
-    return answer->results.value();
+    const auto answer = std::make_shared<std::promise<std::tuple<Results...>>>();
+    auto results = answer->get_future();
+    request([answer](const Results &...given) { answer->set_value({given...}); });
+    if (results.wait_for(std::chrono::seconds(30)) != std::future_status::ready)
+        throw std::runtime_error("A request was not answered.");
+    return results.get();
 }
 
-[[nodiscard]] inline CloudFailure save(CloudContainer &container, const CloudRecord &record)
+/// What went wrong; empty where all is well.
+[[nodiscard]] inline QString wordsOf(const CloudFailure &failure)
 {
-    return std::get<1>(answerTo<std::optional<CloudRecord>, CloudFailure>(
-        [&](auto handler) { container.privateCloudDatabase().saveRecord(record, handler); }));
+    return failure ? failure->localizedDescription : QString();
 }
 
-[[nodiscard]] inline CloudFailure remove(CloudContainer &container, const QString &name)
+[[nodiscard]] inline QString save(CloudContainer &container, const CloudRecord &record)
 {
-    return std::get<0>(answerTo<CloudFailure>([&](auto handler) {
+    return wordsOf(std::get<1>(answerTo<std::optional<CloudRecord>, CloudFailure>(
+        [&](auto handler) { container.privateCloudDatabase().saveRecord(record, handler); })));
+}
+
+[[nodiscard]] inline QString remove(CloudContainer &container, const QString &name)
+{
+    return wordsOf(std::get<0>(answerTo<CloudFailure>([&](auto handler) {
         container.privateCloudDatabase().deleteRecord({&noteType(), name}, handler);
-    }));
+    })));
 }
 
 [[nodiscard]] inline std::tuple<QList<CloudRecord>, CloudFailure>
-find(CloudContainer &container, const RecordPredicate &predicate = RecordPredicate::all())
+find(CloudContainer &container, const RecordPredicate &predicate = {}, const RecordType &type = noteType())
 {
     return answerTo<QList<CloudRecord>, CloudFailure>([&](auto handler) {
-        container.privateCloudDatabase().performQuery({&noteType(), predicate}, handler);
+        container.privateCloudDatabase().performQuery({&type, predicate}, handler);
     });
 }
 
@@ -91,26 +85,19 @@ find(CloudContainer &container, const RecordPredicate &predicate = RecordPredica
         answerTo<AccountStatus, CloudFailure>([&](auto handler) { container.accountStatus(handler); }));
 }
 
-[[nodiscard]] inline QStringList namesOf(const QList<CloudRecord> &records)
+[[nodiscard]] inline QString namesOf(const QList<CloudRecord> &records)
 {
     QStringList names;
     for (const CloudRecord &record : records)
         names += record.recordName();
-    return names;
+    return names.join(QLatin1Char(' '));
 }
 
-/// The names of the records that a query finds, or "failed: " and why.
-[[nodiscard]] inline QStringList namesIn(CloudContainer &container,
-                                         const RecordPredicate &predicate = RecordPredicate::all())
+/// The names of the records that a query finds, or why it finds none.
+[[nodiscard]] inline QString namesIn(CloudContainer &container, const RecordPredicate &predicate = {})
 {
     const auto [records, error] = find(container, predicate);
-    return error ? QStringList{QStringLiteral("failed: ") + error->localizedDescription} : namesOf(records);
-}
-
-/// What went wrong; empty where all is well.
-[[nodiscard]] inline QString wordsOf(const CloudFailure &failure)
-{
-    return failure ? failure->localizedDescription : QString();
+    return error ? wordsOf(error) : namesOf(records);
 }
 
 /// Keeps a container busy, so that requests which are made meanwhile wait together.

@@ -18,36 +18,35 @@ public:
 
     void read(const QString &key, ReadHandler handler) override
     {
-        m_waiting.append([this, key, handler] {
-            const Outcome found = passwords.contains(key) ? Outcome::Done : Outcome::NoneStored;
-            handler(exists ? found : Outcome::NoKeyring, exists ? passwords.value(key) : QString());
-        });
+        m_waiting.append(
+            [this, key, handler] { handler(outcome(passwords.contains(key)), passwords.value(key)); });
     }
     void write(const QString &key, const QString &password, Handler handler) override
     {
         m_waiting.append([this, key, password, handler] {
             if (exists)
                 passwords.insert(key, password);
-            handler(exists ? Outcome::Done : Outcome::NoKeyring);
+            handler(outcome(true));
         });
     }
     void remove(const QString &key, Handler handler) override
     {
-        m_waiting.append([this, key, handler] {
-            const bool removed = exists && passwords.remove(key) > 0;
-            handler(removed ? Outcome::Done : exists ? Outcome::NoneStored : Outcome::NoKeyring);
-        });
+        m_waiting.append([this, key, handler] { handler(outcome(passwords.remove(key) > 0)); });
     }
 
     /// Answers what was asked so far, in order.
     void answer()
     {
-        const auto waiting = std::exchange(m_waiting, {});
-        for (const auto &request : waiting)
+        for (const auto &request : std::exchange(m_waiting, {}))
             request();
     }
 
 private:
+    [[nodiscard]] Outcome outcome(bool hasIt) const
+    {
+        return !exists ? Outcome::NoKeyring : hasIt ? Outcome::Done : Outcome::NoneStored;
+    }
+
     QList<std::function<void()>> m_waiting;
 };
 

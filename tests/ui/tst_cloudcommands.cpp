@@ -7,7 +7,10 @@
 
 #include <QTimer>
 
+#include <array>
+
 using namespace oblino;
+using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {
@@ -32,17 +35,11 @@ public:
     }
     [[nodiscard]] QString lastAsked() const
     {
-        return questions.asked.isEmpty() ? QString() : questions.asked.last().informativeText;
-    }
-    void removeTask(const char *key)
-    {
-        store.setSelected(QLatin1String(key));
-        store.removeSelected();
-        notifications.post(QStringLiteral("reload"));
+        return questions.asked.value(questions.asked.size() - 1).informativeText;
     }
 
     ScriptedContainer container{service};
-    SqlCloudContainer service{{home.path(QStringLiteral("private/Cloud.sqlite"))}, {}};
+    SqlCloudContainer service{{home.path(u"private/Cloud.sqlite"_s)}, {}};
 };
 
 } // namespace
@@ -56,77 +53,77 @@ private Q_SLOTS:
     {
         CloudWindow main;
         main.command("updateToCloudAction");
-        QCOMPARE(main.lastAsked(), QStringLiteral("Sync to iCloud succesfully!"));
-        main.removeTask("KEY-pear");
-        QCOMPARE(main.saved(), QStringLiteral("apple"));
+        QCOMPARE(main.lastAsked(), u"Sync to iCloud succesfully!"_s);
+        main.store.setSelected(u"KEY-pear"_s);
+        main.store.removeSelected();
 
         main.questions.answer = 1;
         main.command("updateFromCloudAction");
-        QCOMPARE(main.questions.asked.last().messageText,
-                 QStringLiteral("Do you want to update from the iCloud?"));
+        QCOMPARE(main.questions.asked.last().messageText, u"Do you want to update from the iCloud?"_s);
         QCOMPARE(main.lastAsked(),
-                 QStringLiteral("Your eventual changes on existing tasks will be overwritten. For security "
-                                "reasons, the extra tasks you may have saved locally vs what is saved in the "
-                                "Cloud will not be deleted. Please delete these manually as needed."));
-        QCOMPARE(main.saved(), QStringLiteral("apple"));
+                 u"Your eventual changes on existing tasks will be overwritten. For security "
+                 "reasons, the extra tasks you may have saved locally vs what is saved in the "
+                 "Cloud will not be deleted. Please delete these manually as needed."_s);
+        QCOMPARE(main.store.tasks().size(), 1);
 
         main.questions.answer = 0;
         main.command("updateFromCloudAction");
-        QCOMPARE(main.lastAsked(), QStringLiteral("Sync from iCloud succesfully!"));
-        QCOMPARE(main.saved(), QStringLiteral("apple pear"));
-        QCOMPARE(main.status(), QStringLiteral("-iCloud:Update Complete!-"));
+        QCOMPARE(main.lastAsked(), u"Sync from iCloud succesfully!"_s);
+        QCOMPARE(main.saved(), u"apple pear"_s);
+        QCOMPARE(main.status(), u"-iCloud:Update Complete!-"_s);
     }
 
     void deletesTheRecordWithTheTask()
     {
         CloudWindow main;
         main.command("updateToCloudAction");
-        main.clickRow(QStringLiteral("apple"));
-        QStringList asked;
-        main.window->setBeforeCloud([&asked] {
-            asked += QStringLiteral("asked");
-            return asked.size() == 3;
-        });
+        main.clickRow(u"apple"_s);
         main.command("deleteAction");
-        QCOMPARE(main.saved(), QStringLiteral("pear"));
-        main.questions.asked.clear();
+        QCOMPARE(main.saved(), u"pear"_s);
         main.command("updateFromCloudAction");
-        QCOMPARE(main.questions.asked.size(), 1); // refused
-        main.command("updateFromCloudAction");
-        QCOMPARE(main.lastAsked(), QStringLiteral("Sync from iCloud succesfully!"));
-        QCOMPARE(main.saved(), QStringLiteral("pear"));
+        QCOMPARE(main.lastAsked(), u"Sync from iCloud succesfully!"_s);
+        QCOMPARE(main.saved(), u"pear"_s);
+    }
+
+    void asksForThePasswordFirst()
+    {
+        CloudWindow main;
+        bool isKnown = false;
+        main.window->setBeforeCloud([&isKnown] { return isKnown; });
+        main.command("updateToCloudAction");
+        QCOMPARE(main.questions.asked.size(), 0);
+        isKnown = true;
+        main.command("updateToCloudAction");
+        QCOMPARE(main.lastAsked(), u"Sync to iCloud succesfully!"_s);
     }
 
     void holdsItsCommandsWhileItWaits()
     {
         CloudWindow main(400ms);
-        main.clickRow(QStringLiteral("apple"));
-        main.container.setScript(
-            [](Request request, int) { return request == Request::Query ? Fate::Hold : Fate::Pass; });
-        bool held = false;
-        QTimer::singleShot(100, main.window.get(), [&main, &held] {
-            held = !main.action("deleteAction").isEnabled() &&
-                   !main.action("updateToCloudAction").isEnabled() && !main.table().isEnabled() &&
-                   main.action("quitAction").isEnabled();
-        });
+        main.clickRow(u"apple"_s);
+        main.container.setFate(Request::Query, Fate::Hold);
+        const auto enabled = [&main] {
+            return std::array{main.action("deleteAction").isEnabled(), main.table().isEnabled(),
+                              main.action("updateToCloudAction").isEnabled()};
+        };
+        auto meanwhile = enabled();
+        QTimer::singleShot(100, main.window.get(), [&] { meanwhile = enabled(); });
         main.command("updateToCloudAction");
-        QVERIFY(held);
-        QCOMPARE(main.lastAsked(), QStringLiteral("Error sync to iCloud!"));
-        QVERIFY(main.action("deleteAction").isEnabled() && main.action("updateToCloudAction").isEnabled());
-        QVERIFY(main.table().isEnabled());
+        QCOMPARE(meanwhile, (std::array{false, false, false}));
+        QCOMPARE(enabled(), (std::array{true, true, true}));
+        QCOMPARE(main.lastAsked(), u"Error sync to iCloud!"_s);
     }
 
     void losesNothingWhenItIsClosedInTheMiddle()
     {
         CloudWindow main;
-        main.container.setScript(
-            [](Request request, int) { return request == Request::Query ? Fate::Hold : Fate::Pass; });
+        main.container.setFate(Request::Query, Fate::Hold);
         QTimer::singleShot(50, main.window.get(), [&main] {
             main.window->close();
             QCoreApplication::exit();
         });
         main.command("updateFromCloudAction");
-        QCOMPARE(main.lastAsked(), QStringLiteral("Error sync from iCloud!"));
+        QCOMPARE(main.lastAsked(), u"Error sync from iCloud!"_s);
         main.container.release();
         QCoreApplication::processEvents();
         QCOMPARE(TemporaryHome::content(main.home.listPath()), main.listAtStart);
