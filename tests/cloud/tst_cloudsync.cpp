@@ -5,8 +5,6 @@
 #include <support/testmain.h>
 #include <support/traces.h>
 
-#include <cloud/cloudkitcontroller.h>
-
 #include <QTimer>
 
 using namespace oblino;
@@ -94,22 +92,14 @@ private Q_SLOTS:
         QCOMPARE(cloud.field("name"), u"Name changed changed Name"_s);
     }
 
-    void mergesByKey_data()
-    {
-        const Table<bool> row;
-        row("list", false);
-        row("while searching", true);
-    }
     void mergesByKey()
     {
-        const auto [searching] = Table<bool>::cells();
         Cloud cloud;
         cloud.put({named("B"), named("new"), named("B", "later", true), named("shown"),
                    named("new", "Name", true)});
         cloud.store.setTasks({named("local"), named("B"), named("shown", "Name", true), named("B")});
-        cloud.store.setIsSearching(searching);
-        if (searching)
-            cloud.store.setTasks({});
+        cloud.store.setIsSearching(true);
+        cloud.store.setTasks({}); // what is found
         QVERIFY(cloud.store.syncToLocalFromCloud());
         const QList<task> &merged = cloud.store.fullList();
         QCOMPARE(keys(merged), u"local B shown B new"_s);
@@ -152,7 +142,6 @@ private Q_SLOTS:
         cloud.put({named("A"), named("B"), named("A")});
         cloud.container.setFate(Request::Query, Fate::Hold);
         QVERIFY(cloud.store.deleteTaskToCloud(u"A"_s)); // nobody waits
-        QCOMPARE(cloud.field("key"), u"A B A"_s);
         cloud.container.release();
         QTRY_COMPARE(cloud.field("key"), u"B"_s);
     }
@@ -199,41 +188,32 @@ private Q_SLOTS:
         QVERIFY(cloud.field("name").startsWith(u"new new new new"_s));
     }
 
-    void leavesTheListAloneWhenTheMergeFails_data()
+    void heedsNoRecordsThatComeTooLate()
     {
-        const Table<Fate> row;
-        row("error", Fate::Fail);
-        row("answered too late", Fate::Hold);
-    }
-    void leavesTheListAloneWhenTheMergeFails()
-    {
-        const auto [fate] = Table<Fate>::cells();
         Cloud cloud(200ms);
         cloud.put({named("A")});
-        cloud.container.setFate(Request::Query, fate);
+        cloud.container.setFate(Request::Query, Fate::Hold);
         bool alive = false;
         QTimer::singleShot(0, this, [&alive] { alive = true; });
         QVERIFY(!cloud.store.syncToLocalFromCloud());
-        QVERIFY(alive || fate == Fate::Fail);
+        QVERIFY(alive);
         cloud.container.release();
-        (void)cloud.records();
+        QCOMPARE(cloud.records().size(), 1);
         QCoreApplication::processEvents();
-        QVERIFY(cloud.store.tasks().isEmpty());
-        QVERIFY(!cloud.told.contains("reload"));
+        QVERIFY(cloud.store.tasks().isEmpty() && !cloud.told.contains("reload"));
     }
 
     void saysWhyTheAccountCannotBeUsed_data()
     {
+        const QString unknown = u"-iCloud:Cannot Login (Unknown)-"_s;
+        const QString restricted = u"-iCloud:Cannot Login (Restricted)-"_s;
         const Table<AccountStatus, QByteArray, QString, QString> row;
-        row("unclear", AccountStatus::CouldNotDetermine, "-CloudKit:Cannot Determine Status-\n",
-            u"-iCloud:Cannot Login (Unknown)-"_s, u"-iCloud:Cannot Login (Unknown)-"_s);
-        row("available", AccountStatus::Available, "-CloudKit:User is Logged In-\n", {}, {});
-        row("restricted", AccountStatus::Restricted, "-CloudKit:Restricted-\n",
-            u"-iCloud:Cannot Login (Restricted)-"_s, u"-iCloud:Cannot Login (Restricted)-"_s);
-        row("no account", AccountStatus::NoAccount, "-CloudKit:User is NOT Logged In-\n",
+        row("unclear", AccountStatus::CouldNotDetermine, "Cannot Determine Status-", unknown, unknown);
+        row("available", AccountStatus::Available, "User is Logged In-", {}, {});
+        row("restricted", AccountStatus::Restricted, "Restricted-", restricted, restricted);
+        row("no account", AccountStatus::NoAccount, "User is NOT Logged In-",
             u"-iCloud:User is NOT Logged In-"_s, u"iCloud:User is NOT Logged In"_s);
-        row("any other", AccountStatus::TemporarilyUnavailable, "-CloudKit:Cannot Determine Status-\n",
-            u"-iCloud:Cannot Login (Unknown)-"_s, u"-iCloud:Cannot Login (Unknown)-"_s);
+        row("other", AccountStatus::TemporarilyUnavailable, "Cannot Determine Status-", unknown, unknown);
     }
     void saysWhyTheAccountCannotBeUsed()
     {
@@ -245,12 +225,11 @@ private Q_SLOTS:
         bool succeeded = false;
         const QByteArray traces = tracesOf([&] { succeeded = cloud.store.syncToCloudFromLocal(); });
         QCOMPARE(succeeded, upMessage.isEmpty());
-        QVERIFY2(traces.contains(traced), traces);
+        QVERIFY2(traces.contains("-CloudKit:" + traced + '\n'), traces);
         QCOMPARE(cloud.store.lastMessage(), upMessage);
         QVERIFY(cloud.told.contains("update"));
         QCOMPARE(cloud.store.syncToLocalFromCloud(), downMessage.isEmpty());
-        if (!downMessage.isEmpty())
-            QCOMPARE(cloud.store.lastMessage(), downMessage);
+        QVERIFY(succeeded || cloud.store.lastMessage() == downMessage);
     }
 
     void ignoresAnErrorOfTheAccountStatus()
@@ -269,64 +248,40 @@ private Q_SLOTS:
         const QByteArray traces = tracesOf([&cloud] {
             cloud.store.setTasks({named("A", "Name", true)});
             (void)cloud.store.syncToCloudFromLocal();
-            (void)cloud.store.syncToLocalFromCloud();
             cloud.container.setFate(Request::Save, Fate::Fail);
             cloud.appearance.setInterfaceStyle(u"Dark"_s);
             (void)cloud.store.syncToCloudFromLocal();
             (void)cloud.store.syncToLocalFromCloud();
         });
-        const QByteArray container = "Container: " + cloud.place.file.toUtf8() + '\n';
-        for (const QByteArray &part :
-             {"Sync To CloudKit, #Tasks: 1\n" + container + "CloudKit Edit - Return Saved: true\n",
-              "CloudKit Edit - Record Not Found - Add\n" + container + "Record: Task ",
-              "\nAdd Task to Cloud, hidden: true\n"_ba, "-CloudKit:Save Success-\n"_ba,
-              "CloudKit record: Task "_ba, "\nSelected: 0\nEdit Task\nSelected Task: A Name\n"_ba,
-              "-CloudKit:Save Error-\n"_ba, "Inverted -> Switch to original\nRecord: Task "_ba,
-              "In dark mode -> Invert\nSelected: 0\n"_ba})
+        for (const char *part :
+             {"Sync To CloudKit, #Tasks: 1\nContainer: /", "\nCloudKit Edit - Return Saved: true\n",
+              "\nCloudKit Edit - Record Not Found - Add\n", "\nRecord: Task ",
+              "\nAdd Task to Cloud, hidden: true\n", "\n-CloudKit:Save Success-\n",
+              "\nInverted -> Switch to original\n", "\n-CloudKit:Save Error-\n", "\nCloudKit record: Task ",
+              "\nIn dark mode -> Invert\nSelected: 0\nEdit Task\nSelected Task: A Name\n"})
             QVERIFY2(traces.contains(part), part);
     }
 
-    void wrapsADatabaseForTheMainThread()
+    void findsOtherUsers()
     {
         Cloud cloud;
-        TaskManager::CloudKitController controller(cloud.container);
-        for (const auto &[fate, outcome] :
-             {std::pair(Fate::Pass, u"R"_s), std::pair(Fate::Fail, u"scripted"_s)}) {
-            cloud.container.setFate(Request::Save, fate);
-            QString got;
-            controller.save(CloudRecord(taskRecordType(), u"R"_s), [&got](const auto &result) {
-                QCOMPARE(QThread::currentThread(), QCoreApplication::instance()->thread());
-                got = result.success() ? result.success()->recordName() : result.failure()->text();
-            });
-            QTRY_COMPARE(got, outcome);
-        }
+        const auto discover = [&cloud] {
+            cloud.store.discoverUsersUsingApp(u"+49 1"_s);
+            (void)cloud.records();
+            QCoreApplication::processEvents();
+        };
+        QCOMPARE(tracesOf(discover), "fetch user by phone error  no identity\n");
+        runAt(cloud.place, u"INSERT INTO \"cloud_public_UserIdentity\" VALUES ('a', '+49 2', 'Bert', 0), "
+                           "('b', '+49 1', 'Anna', 0)"_s);
+        QCOMPARE(tracesOf(discover), "user identity was discovered  Anna +49 1\n");
     }
 
     void savesTheSharingZone()
     {
         Cloud cloud;
-        const auto [zone, error] = answerTo<std::optional<RecordZone>, CloudFailure>(
-            [&cloud](const auto &handler) { cloud.store.createSharingZone(handler); });
-        QCOMPARE(wordsOf(error), u""_s);
-        QCOMPARE(zone->zoneName, u"SharingZone"_s);
+        cloud.store.createSharingZone([](const auto &, const auto &) {});
+        (void)cloud.records();
         QCOMPARE(runAt(cloud.place, u"SELECT \"zoneName\" FROM \"cloud_private_Zone\""_s), u"SharingZone"_s);
-    }
-
-    void tracesWhoHasAPhoneNumber()
-    {
-        Cloud cloud;
-        const auto trace = [&cloud](const QString &number) {
-            return tracesOf([&cloud, number] {
-                cloud.store.discoverUsersUsingApp(number);
-                (void)cloud.records();
-                QCoreApplication::processEvents();
-            });
-        };
-        QCOMPARE(trace(u"+1 555"_s), "fetch user by phone error  no identity\n");
-        runAt(cloud.place,
-              u"INSERT INTO \"cloud_public_UserIdentity\" (\"recordName\", \"phoneNumber\", \"name\") "
-              "VALUES ('a', '+49 1', 'Anna'), ('b', '+49 2', 'Bert')"_s);
-        QCOMPARE(trace(u"+49 2"_s), "user identity was discovered  Bert +49 2\n");
     }
 };
 

@@ -23,12 +23,8 @@ private Q_SLOTS:
             Keyring keyring(u"oblino-test"_s);
             const auto note = [&outcomes](Outcome outcome) { outcomes += outcome; };
             keyring.write(key, u"secret"_s, note);
-            keyring.read(key, [note](Outcome outcome, const QString &password) {
-                QCOMPARE(password, QString());
-                note(outcome);
-            });
+            keyring.read(key, [note](Outcome outcome, const QString &) { note(outcome); });
             keyring.remove(key, note);
-            QVERIFY2(outcomes.isEmpty(), "answers come later");
         }
         QTRY_COMPARE_WITH_TIMEOUT(outcomes, QList<Outcome>(3, Outcome::NoKeyring), 5'000);
     }

@@ -4,8 +4,8 @@
 
 #include <QStringList>
 
+#include <atomic>
 #include <future>
-#include <latch>
 #include <memory>
 #include <stdexcept>
 #include <tuple>
@@ -100,25 +100,21 @@ find(CloudContainer &container, const RecordPredicate &predicate = {}, const Rec
     return error ? wordsOf(error) : namesOf(records);
 }
 
-/// Keeps a container busy, so that requests which are made meanwhile wait together.
-class Pause
+struct Answers
 {
-public:
-    explicit Pause(CloudContainer &container)
-    {
-        const auto isBusy = std::make_shared<std::latch>(1);
-        container.accountStatus([isBusy, over = m_over](AccountStatus, const CloudFailure &) {
-            isBusy->count_down();
-            over->wait();
-        });
-        isBusy->wait();
-    }
-    Pause(const Pause &) = delete;
-    Pause &operator=(const Pause &) = delete;
-    ~Pause() { m_over->count_down(); }
-
-private:
-    std::shared_ptr<std::latch> m_over = std::make_shared<std::latch>(1);
+    std::atomic<int> good = 0;
+    std::atomic<int> bad = 0;
 };
+
+/// Saves records and counts the answers. Each request holds the answers until it has gone.
+[[nodiscard]] inline std::shared_ptr<const Answers> saveMany(CloudContainer &container, int number)
+{
+    const auto answers = std::make_shared<Answers>();
+    for (int i = 0; i < number; ++i)
+        container.privateCloudDatabase().saveRecord(
+            note(QString::number(i)),
+            [answers](const auto &, const auto &failure) { ++(failure ? answers->bad : answers->good); });
+    return answers;
+}
 
 } // namespace oblino

@@ -1,6 +1,7 @@
 #include <support/postgresserver.h>
 #include <support/unprivileged.h>
 
+#include <QDir>
 #include <QFile>
 #include <QTcpServer>
 #include <QTest>
@@ -60,8 +61,7 @@ bool PostgresServer::isInstalled()
 }
 
 PostgresServer::PostgresServer()
-    : m_folder(folderInMemory())
-    , m_port(freePort())
+    : m_port(freePort())
 {
     makeData();
     start();

@@ -2,8 +2,6 @@
 
 #include <platform/cloud/recordstore.h>
 
-#include <QDir>
-#include <QFileInfo>
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
@@ -12,13 +10,6 @@
 #include <stdexcept>
 
 namespace oblino {
-
-/// The template of a temporary folder, in memory where that can be had, as syncing a busy disk takes long.
-[[nodiscard]] inline QString folderInMemory()
-{
-    const QString memory = QStringLiteral("/dev/shm");
-    return (QFileInfo(memory).isWritable() ? memory : QDir::tempPath()) + QStringLiteral("/cloud-XXXXXX");
-}
 
 /// A way past the containers to what they keep. Its functions throw std::runtime_error.
 class SecondConnection
