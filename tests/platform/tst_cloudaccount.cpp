@@ -21,6 +21,8 @@
 #include <QTcpSocket>
 #include <QTimer>
 
+#include <functional>
+
 using namespace oblino;
 using namespace Qt::Literals::StringLiterals;
 

@@ -5,6 +5,7 @@
 #include <platform/cloud/sqlcloudcontainer.h>
 
 #include <QDateTime>
+#include <QFileInfo>
 #include <QRandomGenerator>
 
 #include <array>
@@ -227,7 +228,8 @@ private:
                         : RecordPlace{.file = m_folder.filePath(u"%1/cloud.sqlite"_s.arg(m_names++))};
     }
 
-    QTemporaryDir m_folder;
+    // In memory where that can be had, as syncing a busy disk takes long.
+    QTemporaryDir m_folder{QFileInfo(u"/dev/shm"_s).isWritable() ? u"/dev/shm/cloud-XXXXXX"_s : QString()};
     std::unique_ptr<PostgresServer> m_server;
     RecordPlace m_place;
     std::unique_ptr<SqlCloudContainer> m_container;

@@ -8,6 +8,8 @@
 #include <QElapsedTimer>
 #include <QFile>
 
+#include <atomic>
+
 using namespace oblino;
 using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
