@@ -232,16 +232,6 @@ private Q_SLOTS:
         QVERIFY(succeeded || cloud.store.lastMessage() == downMessage);
     }
 
-    void ignoresAnErrorOfTheAccountStatus()
-    {
-        Cloud cloud;
-        cloud.container.setFate(Request::Status, Fate::Fail);
-        cloud.container.status = AccountStatus::NoAccount;
-        cloud.store.setTasks({named("A")});
-        QVERIFY(cloud.store.syncToCloudFromLocal());
-        QVERIFY(cloud.told.isEmpty());
-    }
-
     void tracesEachOperation()
     {
         Cloud cloud;
@@ -274,14 +264,6 @@ private Q_SLOTS:
         runAt(cloud.place, u"INSERT INTO \"cloud_public_UserIdentity\" VALUES ('a', '+49 2', 'Bert', 0), "
                            "('b', '+49 1', 'Anna', 0)"_s);
         QCOMPARE(tracesOf(discover), "user identity was discovered  Anna +49 1\n");
-    }
-
-    void savesTheSharingZone()
-    {
-        Cloud cloud;
-        cloud.store.createSharingZone([](const auto &, const auto &) {});
-        (void)cloud.records();
-        QCOMPARE(runAt(cloud.place, u"SELECT \"zoneName\" FROM \"cloud_private_Zone\""_s), u"SharingZone"_s);
     }
 };
 

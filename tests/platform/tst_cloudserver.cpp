@@ -8,8 +8,6 @@
 #include <QElapsedTimer>
 #include <QFile>
 
-#include <atomic>
-
 using namespace oblino;
 using namespace Qt::Literals::StringLiterals;
 using namespace std::chrono_literals;
@@ -65,8 +63,6 @@ private Q_SLOTS:
         QCOMPARE(statusOf(*container), status);
         const QString why = save(*container, note(u"two"_s));
         QVERIFY2(why.contains(words) && why.isEmpty() == words.isEmpty(), qPrintable(why));
-        const std::atomic<bool> cancelled = false;
-        QCOMPARE(checkPlace(m_place, {&noteType()}, cancelled).has_value(), !words.isEmpty());
     }
 
     void connectsByTlsToTheServerOfThatName_data()
