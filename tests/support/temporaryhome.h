@@ -32,6 +32,16 @@ public:
         return files;
     }
 
+    /// What lies in the recovery folder.
+    [[nodiscard]] QByteArrayList kept() const
+    {
+        const QDir recovery(privateFolder() + QStringLiteral("/recovery"));
+        QByteArrayList contents;
+        for (const QString &name : recovery.entryList(QDir::Files))
+            contents += content(recovery.filePath(name));
+        return contents;
+    }
+
     static QByteArray content(const QString &path)
     {
         QFile file(path);

@@ -1,15 +1,12 @@
 #include <support/scriptedalert.h>
 #include <support/scriptedcontainer.h>
+#include <support/store.h>
 #include <support/table.h>
-#include <support/temporaryhome.h>
 #include <support/testmain.h>
 #include <support/widgets.h>
 
 #include <core/tasklistfile.h>
-#include <core/taskmanager.h>
-#include <platform/appearance.h>
 #include <platform/cloud/sqlcloudcontainer.h>
-#include <platform/defaults.h>
 #include <platform/notificationcenter.h>
 #include <tools/windows/viewcontrollerdestroy.h>
 #include <ui/uiutil.h>
@@ -30,7 +27,7 @@ const QStringList allBoxes = {u"deleteTasks"_s,   u"deleteNotes"_s,       u"dele
                               u"deleteICloud"_s};
 
 // A home with something of every kind in it, and the eraser.
-struct Eraser
+struct Eraser : Store
 {
     Eraser()
     {
@@ -103,12 +100,8 @@ struct Eraser
         const EntityModel *objects = container->viewContext()->objects(entity);
         return objects->rowCount() == 0 ? QStringList() : objects->object(0);
     }
-    TemporaryHome home;
     QString notes = home.documents() + u"/ltodonotes.txt"_s;
     QString board = home.path(u"ltodolistwhiteboard.png"_s);
-    Defaults defaults{home.path(u"settings.ini"_s)};
-    Appearance appearance;
-    TaskManager store{defaults, appearance};
     Documents documents{home.documents(), home.privateFolder()};
     TaskListFile list{store, documents};
     NotificationCenter notifications;

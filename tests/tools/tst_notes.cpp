@@ -1,11 +1,8 @@
+#include <support/store.h>
 #include <support/table.h>
-#include <support/temporaryhome.h>
 #include <support/testmain.h>
 #include <support/traces.h>
 
-#include <core/taskmanager.h>
-#include <platform/appearance.h>
-#include <platform/defaults.h>
 #include <tools/windows/viewcontrollernotes.h>
 
 #include <QApplication>
@@ -20,7 +17,7 @@ using namespace std::chrono_literals;
 namespace {
 
 // A home with a notes file of a test's own, and pads on it.
-struct Notes
+struct Notes : Store
 {
     std::unique_ptr<ViewControllerNotes> open(std::chrono::milliseconds interval = 30s)
     {
@@ -36,20 +33,7 @@ struct Notes
 
     [[nodiscard]] QByteArray saved() const { return TemporaryHome::content(path); }
 
-    [[nodiscard]] QByteArrayList kept() const
-    {
-        const QDir recovery(home.privateFolder() + u"/recovery"_s);
-        QByteArrayList contents;
-        for (const QString &name : recovery.entryList(QDir::Files))
-            contents += TemporaryHome::content(recovery.filePath(name));
-        return contents;
-    }
-
-    TemporaryHome home;
     QString path = home.documents() + u"/ltodonotes.txt"_s;
-    Defaults defaults{home.path(u"settings.ini"_s)};
-    Appearance appearance;
-    TaskManager store{defaults, appearance};
     Documents documents{home.documents(), home.privateFolder()};
 };
 
@@ -109,7 +93,7 @@ private Q_SLOTS:
         QTest::keyClicks(&notes.edit(*pad), u"x"_s);
         pad->hide();
         QCOMPARE(notes.saved(), edited);
-        QCOMPARE(notes.kept(), QByteArrayList());
+        QCOMPARE(notes.home.kept(), QByteArrayList());
     }
 
     void invalidBytesAreKeptAside_data()
@@ -128,7 +112,7 @@ private Q_SLOTS:
         QCOMPARE(notes.saved(), bytes);
         pad->hide();
         QCOMPARE(notes.saved(), "");
-        QCOMPARE(notes.kept(), QByteArrayList{bytes});
+        QCOMPARE(notes.home.kept(), QByteArrayList{bytes});
     }
 
     void savesWhileItIsShownOnly()
@@ -164,7 +148,7 @@ private Q_SLOTS:
         TemporaryHome::write(notes.path, "another program's");
         QVERIFY(pad->saveToFile());
         QCOMPARE(notes.saved(), "ab");
-        QCOMPARE(notes.kept(), QByteArrayList{"another program's"});
+        QCOMPARE(notes.home.kept(), QByteArrayList{"another program's"});
     }
 
     void outlivesItsClosingWhileItsTextIsInNoFile()

@@ -107,15 +107,6 @@ struct Board
             sum += 1 - image.pixelColor(qRound(column * scale()), row).lightnessF();
         return sum;
     }
-    [[nodiscard]] QByteArrayList kept() const
-    {
-        const QDir recovery(home.privateFolder() + u"/recovery"_s);
-        QByteArrayList contents;
-        for (const QString &name : recovery.entryList(QDir::Files))
-            contents += TemporaryHome::content(recovery.filePath(name));
-        return contents;
-    }
-
     const QSize size{720, 480};
     TemporaryHome home;
     QString path = home.documents() + u"/ltodolistwhiteboard.png"_s;
@@ -219,7 +210,7 @@ private Q_SLOTS:
         QCOMPARE(board.shown(), drawn);
         board.stroke({{400, 100}, {500, 100}});
         QCOMPARE(board.at({200, 300}), drawn.pixelColor((QPointF(200, 300) * board.scale()).toPoint()));
-        QCOMPARE(board.kept(), QByteArrayList());
+        QCOMPARE(board.home.kept(), QByteArrayList());
     }
 
     void erasesAllOnlyAfterYes()
@@ -271,7 +262,7 @@ private Q_SLOTS:
         board.stroke(corner);
         board.stroke(corner);
         QCOMPARE(board.at({100, 200}), QColor(Qt::black));
-        QCOMPARE(board.kept(), QByteArrayList{bytes});
+        QCOMPARE(board.home.kept(), QByteArrayList{bytes});
     }
 
     void aVersionOfAnotherProgramIsKeptAside()
@@ -282,7 +273,7 @@ private Q_SLOTS:
         const QByteArray other = pngOf({720, 480}, Qt::green);
         TemporaryHome::write(board.path, other);
         board.stroke(corner);
-        QCOMPARE(board.kept(), QByteArrayList{other});
+        QCOMPARE(board.home.kept(), QByteArrayList{other});
     }
 
     void aPictureOfAnotherScaleFillsTheBoard()
@@ -293,7 +284,7 @@ private Q_SLOTS:
         board.reopen();
         QCOMPARE(board.at({0, 0}), QColor(Qt::green));
         QCOMPARE(board.at({719, 479}), QColor(Qt::green));
-        QCOMPARE(board.kept(), QByteArrayList());
+        QCOMPARE(board.home.kept(), QByteArrayList());
     }
 
     void aPictureThatCannotBeWrittenStaysOnTheBoard()
