@@ -1,12 +1,14 @@
 #include <support/faultyfilecalls.h>
 #include <support/place.h>
+#include <support/table.h>
 #include <support/testmain.h>
 
-#include <QFile>
-#include <QProcess>
+#include <platform/journal.h>
+
+#include <QDir>
 #include <QTest>
 
-#include <cerrno>
+#include <functional>
 
 using namespace oblino;
 using namespace Qt::Literals::StringLiterals;
@@ -18,42 +20,38 @@ const QByteArray longText = QByteArray("two and a line\n").repeated(700);
 const QByteArray thirdText = "three, something else again\n";
 const QByteArray tornText = longText.first(5000) + shortText;
 
-const struct
-{
-    const char *name;
-    QByteArray before, after;
-} saves[] = {{"a new file is created", {}, longText},
-             {"a longer text makes the file grow", shortText, longText},
-             {"a shorter text needs the file cut", longText, shortText},
-             {"an empty text leaves no byte", shortText, {}}};
+constexpr int death = FaultyFileCalls::death;
 
-const struct
+/// Adds to each of these rows each of the faults.
+void addRows(const QList<std::tuple<const char *, QByteArray, QByteArray>> &rows)
 {
-    const char *name;
-    QByteArray content;
-} foundByRecovery[] = {{"the file is as before the save", shortText},
-                       {"the file is half written", tornText},
-                       {"the file is as after the save", longText},
-                       {"the file is missing", {}}};
+    const std::pair<const char *, int> faults[] = {
+        {"the disk is broken", EIO},      {"the disk is full", ENOSPC},
+        {"a signal comes", EINTR},        {"half of it works", FaultyFileCalls::half},
+        {"the program is killed", death}, {"killed midway", FaultyFileCalls::deathMidway}};
+    const Table<QByteArray, QByteArray, int> row;
+    for (const auto &[name, before, after] : rows) {
+        for (const auto &[faultName, fault] : faults)
+            row((QByteArray(name) + ": " + faultName).constData(), before, after, fault);
+    }
+}
 
-const struct
+/// Whether such a fault is to be overcome without a word.
+bool isHarmless(int fault)
 {
-    const char *name;
-    int fault;
-} faults[] = {{"the disk is broken", EIO},
-              {"the disk is full", ENOSPC},
-              {"the quota is used up", EDQUOT},
-              {"a signal comes", EINTR},
-              {"half is transferred", FaultyFileCalls::halfTransfer}};
+    return fault == EINTR || fault == FaultyFileCalls::half;
+}
 
-/// @return the exit code, or -1 when the process was killed
-int runVictim(const Place &place, const QString &action, int call, const QStringList &more = {})
+/// What the file holds after the next start of the program, for which nothing but the journal's text is safe.
+QByteArray afterRestart(const Place &place)
 {
-    QProcess victim;
-    victim.setProcessChannelMode(QProcess::ForwardedChannels);
-    victim.start(QStringLiteral(SAVE_VICTIM),
-                 QStringList{action, place.path, place.privateFolder, QString::number(call)} + more);
-    return victim.waitForFinished() && victim.exitStatus() == QProcess::NormalExit ? victim.exitCode() : -1;
+    FaultyFileCalls calls(place.encodedPath());
+    SafeFile file(place.path, place.privateFolder, calls);
+    calls.names = {QFile::encodeName(file.journalPath()), place.encodedPath()};
+    calls.bytes[place.encodedPath()] = false;
+    static_cast<void>(file.recover());
+    const bool isDone = !calls.isTooEarly && !QFile::exists(file.journalPath());
+    return isDone ? contentOf(place.path) : "not recovered";
 }
 
 } // namespace
@@ -65,215 +63,134 @@ class tst_crashsafety : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void faultAtAnyCall_data();
-    void faultAtAnyCall();
-    void killedAtAnyCall_data();
-    void killedAtAnyCall();
-    void killedWhileRecovering_data();
-    void killedWhileRecovering();
-    void faultWhileRecovering_data();
-    void faultWhileRecovering();
-    void fullDisk();
-    void reserving_data();
-    void reserving();
-};
-
-void tst_crashsafety::faultAtAnyCall_data()
-{
-    QTest::addColumn<QByteArray>("before");
-    QTest::addColumn<QByteArray>("after");
-    QTest::addColumn<int>("fault");
-    for (const auto &save : saves) {
-        for (const auto &fault : faults)
-            QTest::addRow("%s: %s", save.name, fault.name) << save.before << save.after << fault.fault;
+    void savesOrKeepsTheOldTextWhicheverCallFails_data()
+    {
+        addRows({{"a new file is created", {}, longText},
+                 {"a longer text makes the file grow", shortText, longText},
+                 {"a shorter text needs the file cut", longText, shortText},
+                 {"an empty text leaves no byte", shortText, {}}});
     }
-}
-
-void tst_crashsafety::faultAtAnyCall()
-{
-    QFETCH(QByteArray, before);
-    QFETCH(QByteArray, after);
-    QFETCH(int, fault);
-    int covered = 0;
-    for (bool struck = true; struck; ++covered) {
-        for (const bool isRestarted : {true, false}) {
-            const Place place(before);
-            FaultyFileCalls calls;
-            SafeFile file(place.path, place.privateFolder, calls);
-            QVERIFY(file.recover().isEmpty() && file.read().bytes == before);
-            calls.arm(covered + 1, fault);
-            const FileWriting saved = file.write(after);
-            struck = calls.hasStruck();
-            calls.arm(0, 0);
-            QCOMPARE(saved.error.isEmpty(), saved.written);
-            QVERIFY(saved.written || (struck && fault != FaultyFileCalls::halfTransfer && fault != EINTR));
-            QCOMPARE(statusOf(file.journalPath()).st_mode & 077, 0U);
-            QCOMPARE(saved.notices, QStringList());
-            if (isRestarted) {
-                SafeFile next = place.file();
-                static_cast<void>(next.recover());
-                const QByteArray found = contentOf(place.path);
-                QVERIFY(found == after || (!saved.written && found == before));
-                QVERIFY(!QFile::exists(next.journalPath()));
-            } else {
-                const FileWriting again = file.write(thirdText);
-                QVERIFY2(again.written, qPrintable(again.error));
-                QCOMPARE(again.notices, QStringList());
-                QCOMPARE(contentOf(place.path), thirdText);
+    void savesOrKeepsTheOldTextWhicheverCallFails()
+    {
+        const auto [before, after, fault] = Table<QByteArray, QByteArray, int>::cells();
+        int call = 1;
+        bool struck = true;
+        for (; struck; ++call) {
+            for (const bool isRestarted : {true, false}) {
+                const Place place(before);
+                FaultyFileCalls calls(place.encodedPath());
+                SafeFile file(place.path, place.privateFolder, calls);
+                QVERIFY(file.recover().isEmpty() && file.read().bytes == before);
+                calls.arm(call, fault);
+                const FileWriting saved = file.write(after);
+                struck = calls.hasStruck();
+                calls.arm(0, 0);
+                QCOMPARE(saved.error.isEmpty(), saved.written);
+                QVERIFY(saved.written ? contentOf(place.path) == after : struck && !isHarmless(fault));
+                QCOMPARE(saved.notices, QStringList());
+                QCOMPARE(statusOf(file.journalPath()).st_mode & 077, 0U);
+                if (isRestarted || fault <= death) {
+                    const QByteArray found = afterRestart(place);
+                    QVERIFY(found == after || (!saved.written && found == before));
+                } else {
+                    const FileWriting again = file.write(thirdText);
+                    QVERIFY2(again.written && again.notices.isEmpty(), qPrintable(again.error));
+                    QCOMPARE(contentOf(place.path), thirdText);
+                    QVERIFY(!QFile::exists(file.journalPath()));
+                }
+                QVERIFY2(!calls.isTooEarly, qPrintable(u"a power cut after call %1"_s.arg(call - 1)));
             }
         }
+        QVERIFY2(call > 12, qPrintable(QString::number(call)));
     }
-    QVERIFY2(covered > 12, qPrintable(QString::number(covered)));
-}
 
-void tst_crashsafety::killedAtAnyCall_data()
-{
-    QTest::addColumn<QByteArray>("before");
-    QTest::addColumn<QByteArray>("after");
-    for (const auto &save : saves)
-        QTest::newRow(save.name) << save.before << save.after;
-}
-
-void tst_crashsafety::killedAtAnyCall()
-{
-    QFETCH(QByteArray, before);
-    QFETCH(QByteArray, after);
-    int killed = 0;
-    for (int exitCode = -1; exitCode == -1; ++killed) {
-        const Place place(before);
-        exitCode = runVictim(place, u"save"_s, killed + 1, {QString::fromUtf8(after)});
-        QVERIFY(exitCode == -1 || exitCode == 0);
-        SafeFile file = place.file();
-        static_cast<void>(file.recover());
-        const QByteArray found = file.read().bytes;
-        QCOMPARE(contentOf(place.path), found);
-        QVERIFY(found == after || (exitCode == -1 && found == before));
-        QVERIFY(file.write(thirdText).written);
-        QCOMPARE(contentOf(place.path), thirdText);
+    void completesASaveWhicheverCallFails_data()
+    {
+        addRows({{"the file is as before the save", shortText, longText},
+                 {"the file is half written", tornText, longText},
+                 {"the file is as after the save", longText, longText},
+                 {"the file is missing", {}, longText}});
     }
-    QVERIFY2(killed > 12, qPrintable(QString::number(killed)));
-}
-
-void tst_crashsafety::killedWhileRecovering_data()
-{
-    QTest::addColumn<QByteArray>("found");
-    for (const auto &[name, found] : foundByRecovery)
-        QTest::newRow(name) << found;
-}
-
-void tst_crashsafety::killedWhileRecovering()
-{
-    QFETCH(QByteArray, found);
-    int killed = 0;
-    for (int exitCode = -1; exitCode == -1; ++killed) {
-        const Place place(found);
-        SafeFile file = place.file();
-        put(file.journalPath(), place.journal(shortText, longText));
-        exitCode = runVictim(place, u"recover"_s, killed + 1);
-        static_cast<void>(file.recover());
-        QCOMPARE(contentOf(place.path), longText);
-        QVERIFY(!QFile::exists(file.journalPath()));
-        QVERIFY(found != tornText || place.kept().contains(found));
-    }
-    QVERIFY2(killed > 8, qPrintable(QString::number(killed)));
-}
-
-void tst_crashsafety::faultWhileRecovering_data()
-{
-    QTest::addColumn<QByteArray>("found");
-    QTest::addColumn<int>("fault");
-    for (const auto &[name, found] : foundByRecovery) {
-        for (const auto &fault : faults)
-            QTest::addRow("%s: %s", name, fault.name) << found << fault.fault;
-    }
-}
-
-void tst_crashsafety::faultWhileRecovering()
-{
-    QFETCH(QByteArray, found);
-    QFETCH(int, fault);
-    int failures = 0;
-    int answeredFromJournal = 0;
-    bool struck = true;
-    for (int call = 1; struck; ++call) {
-        for (const bool isRestarted : {true, false}) {
+    void completesASaveWhicheverCallFails()
+    {
+        const auto [found, text, fault] = Table<QByteArray, QByteArray, int>::cells();
+        int failures = 0;
+        bool struck = true;
+        for (int call = 1; struck; ++call) {
             const Place place(found);
-            FaultyFileCalls calls;
+            FaultyFileCalls calls(place.encodedPath());
             SafeFile file(place.path, place.privateFolder, calls);
-            const QByteArray journal = place.journal(shortText, longText);
+            const QByteArray journal = place.journal(shortText, text);
             put(file.journalPath(), journal);
+            calls.names = {QFile::encodeName(file.journalPath())};
             calls.arm(call, fault);
             const QStringList notices = file.recover();
             struck = calls.hasStruck();
             calls.arm(0, 0);
-            const bool failed = contentOf(place.path) != longText;
+            const bool failed = contentOf(place.path) != text;
             failures += failed ? 1 : 0;
             QVERIFY(!failed || (!notices.isEmpty() && contentOf(file.journalPath()) == journal));
-            if (isRestarted) {
-                static_cast<void>(place.file().recover());
-                QCOMPARE(contentOf(place.path), longText);
+            if (fault <= death) {
+                QCOMPARE(afterRestart(place), text);
                 QVERIFY(found != tornText || place.kept().contains(found));
             } else {
                 // The user goes on with the text of the journal, or it is kept when its place is needed.
                 const FileReading reading = file.read();
-                answeredFromJournal += failed && reading.bytes == longText ? 1 : 0;
                 QVERIFY(file.write(thirdText).written);
                 QCOMPARE(contentOf(place.path), thirdText);
-                QVERIFY(reading.bytes == longText || place.kept().contains(longText));
+                QVERIFY(reading.bytes == text || place.kept().contains(text));
                 QVERIFY(found != tornText || reading.bytes == found || place.kept().contains(found));
             }
+            QVERIFY2(!calls.isTooEarly, qPrintable(u"a power cut after call %1"_s.arg(call - 1)));
         }
+        const bool canFail = found != text && !isHarmless(fault);
+        QVERIFY2(canFail ? failures > 8 : failures == 0, qPrintable(QString::number(failures)));
     }
-    const bool canFail = found != longText && fault != EINTR && fault != FaultyFileCalls::halfTransfer;
-    QVERIFY2(canFail ? failures > 8 : failures == 0, qPrintable(QString::number(failures)));
-    QVERIFY2(!canFail || answeredFromJournal > 2, qPrintable(QString::number(answeredFromJournal)));
-}
 
-void tst_crashsafety::fullDisk()
-{
-    const Place place(shortText);
-    QCOMPARE(runVictim(place, u"save"_s, 0, {QString::fromUtf8(longText), u"4096"_s}), 1);
-    QCOMPARE(contentOf(place.path), shortText);
-    SafeFile file = place.file();
-    QCOMPARE(file.recover(), QStringList());
-    QCOMPARE(file.read().bytes, shortText);
-    QVERIFY(file.write(longText).written);
-    QCOMPARE(contentOf(place.path), longText);
-}
-
-void tst_crashsafety::reserving_data()
-{
-    QTest::addColumn<int>("error");
-    QTest::addColumn<bool>("isSaved");
-    QTest::newRow("the disk is full") << ENOSPC << false;
-    QTest::newRow("the quota is used up") << EDQUOT << false;
-    QTest::newRow("the disk is broken") << EIO << false;
-    QTest::newRow("the file system cannot reserve") << EOPNOTSUPP << true;
-    QTest::newRow("the system cannot reserve") << ENOSYS << true;
-    QTest::newRow("the file system wants none of it") << EINVAL << true;
-}
-
-void tst_crashsafety::reserving()
-{
-    QFETCH(int, error);
-    QFETCH(bool, isSaved);
-    struct Unreserving : FileCalls
+    void makesOfAJournalWhatItCan_data()
     {
-        int error = 0;
-        int reserve(int, off_t) override
-        {
-            errno = error;
-            return -1;
-        }
-    } calls;
-    calls.error = error;
-    const Place place(shortText);
-    SafeFile file(place.path, place.privateFolder, calls);
-    QCOMPARE(file.read().bytes, shortText);
-    QCOMPARE(file.write(longText).written, isSaved);
-    QCOMPARE(contentOf(place.path), isSaved ? longText : shortText);
-    QVERIFY(!QFile::exists(file.journalPath()));
-}
+        // In place of a journal's bytes: what to do to the one of a save from the short text to the long one.
+        using Change = std::function<QByteArray(QByteArray)>;
+        const Change whole = [](const QByteArray &bytes) { return bytes; };
+        const Change none = [](const QByteArray &) { return QByteArray(); };
+        const Change torn = [](const QByteArray &bytes) { return bytes.chopped(1000); };
+        const Change flipped = [](QByteArray bytes) {
+            bytes[bytes.size() / 2] ^= 1;
+            return bytes;
+        };
+        const Change strange = [](const QByteArray &) {
+            return Journal{"/another/file", sha256(shortText), sha256(longText), longText}.encoded();
+        };
+        const Table<Change, QByteArray, bool, bool> row;
+        row("no journal", none, thirdText, false, false);
+        row("the file holds the old text", whole, shortText, true, false);
+        row("the file holds the new text", whole, longText, true, false);
+        row("the file holds neither", whole, thirdText, true, true);
+        row("the file is missing", whole, {}, true, false);
+        row("torn journal", torn, shortText, false, true);
+        row("damaged journal", flipped, shortText, false, true);
+        row("a journal of another file", strange, shortText, false, true);
+    }
+    void makesOfAJournalWhatItCan()
+    {
+        const auto [change, found, isReplayed, isKept] =
+            Table<std::function<QByteArray(QByteArray)>, QByteArray, bool, bool>::cells();
+        const Place place(found);
+        SafeFile file = place.file();
+        const QByteArray journal = change(place.journal(shortText, longText));
+        if (!journal.isEmpty())
+            put(file.journalPath(), journal);
+        put(file.journalPath() + u".tmp"_s, "unfinished");
+
+        QStringList notices = file.recover();
+        QCOMPARE(contentOf(place.path), isReplayed ? longText : found);
+        QCOMPARE(file.read().bytes, isReplayed ? longText : found);
+        notices += file.write("next").notices;
+        QCOMPARE(notices.size(), isKept ? 1 : 0);
+        QCOMPARE(place.kept(), isKept ? QByteArrayList{isReplayed ? found : journal} : QByteArrayList());
+        QCOMPARE(QDir(place.privateFolder).entryList(QDir::Files), QStringList());
+    }
+};
 
 OBLINO_TEST(tst_crashsafety, QCoreApplication)
 #include "tst_crashsafety.moc"

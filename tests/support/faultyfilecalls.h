@@ -1,40 +1,156 @@
 #pragma once
 
-#include <platform/filecalls.h>
+#include <platform/openfile.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <map>
+#include <set>
+
+#include <fcntl.h>
 
 namespace oblino {
 
-/// The calls of this machine, except that one of them goes wrong.
+/// The calls of this machine, except that one of them goes wrong. They note what a power cut could still
+/// lose, and whether the user's file was touched, or a journal removed, before all else was safe from that.
 class FaultyFileCalls : public FileCalls
 {
 public:
     /// What a call does in place of its work: fail with that `errno`, or one of these.
-    static constexpr int halfTransfer = -1; ///< reads or writes half of what it should; other calls go well
-    static constexpr int killProcess = -2;
+    static constexpr int half = -1;        ///< half a transfer, nothing reserved; other calls go well
+    static constexpr int death = -2;       ///< nothing, and nor does any later one, as after a kill
+    static constexpr int deathMidway = -3; ///< the same after half a transfer
+
+    explicit FaultyFileCalls(const QByteArray &userFile = {})
+        : m_userFile(userFile)
+    {
+    }
 
     /// From now on, the call `number` (from 1) goes wrong in that way.
-    void arm(int number, int fault);
+    void arm(int number, int fault)
+    {
+        m_number = number;
+        m_fault = fault;
+        m_made = 0;
+    }
 
     /// Whether that call has come.
     [[nodiscard]] bool hasStruck() const { return m_number > 0 && m_made >= m_number; }
 
-    int open(const QByteArray &path, int flags, mode_t mode) override;
-    int close(int fd) override;
-    int fstat(int fd, struct stat *status) override;
-    ssize_t pread(int fd, char *data, size_t size, off_t offset) override;
-    ssize_t pwrite(int fd, const char *data, size_t size, off_t offset) override;
-    int ftruncate(int fd, off_t size) override;
-    int reserve(int fd, off_t size) override;
-    int fsync(int fd) override;
-    int rename(const QByteArray &from, const QByteArray &to) override;
-    int unlink(const QByteArray &path) override;
-    int mkdir(const QByteArray &path, mode_t mode) override;
-    int rmdir(const QByteArray &path) override;
+    bool isTooEarly = false;          ///< see above
+    std::set<QByteArray> names;       ///< of files and folders, that are not safe
+    std::map<QByteArray, bool> bytes; ///< of files, that are not safe, and whether syncing makes them so
+
+    int open(const QByteArray &path, int flags, mode_t mode) override
+    {
+        if (fails())
+            return -1;
+        const bool isNew = (flags & O_CREAT) && ::access(path.constData(), F_OK) == -1;
+        const int fd = FileCalls::open(path, flags, mode);
+        m_paths[fd] = path;
+        if (isNew && fd != -1)
+            names.insert(path);
+        return fd;
+    }
+    int fstat(int fd, struct stat *status) override { return fails() ? -1 : FileCalls::fstat(fd, status); }
+    ssize_t pread(int fd, char *data, size_t size, off_t offset) override
+    {
+        return fails(size) ? -1 : FileCalls::pread(fd, data, size, offset);
+    }
+    ssize_t pwrite(int fd, const char *data, size_t size, off_t offset) override
+    {
+        if (fails(size))
+            return -1;
+        touch(m_paths[fd], offset == 0);
+        return FileCalls::pwrite(fd, data, size, offset);
+    }
+    int ftruncate(int fd, off_t size) override
+    {
+        if (fails())
+            return -1;
+        touch(m_paths[fd], size == 0);
+        return FileCalls::ftruncate(fd, size);
+    }
+    int reserve(int fd, off_t size) override
+    {
+        if (fails())
+            return -1;
+        errno = EOPNOTSUPP;
+        return m_fault == half && m_made == m_number ? -1 : FileCalls::reserve(fd, size);
+    }
+    int fsync(int fd) override
+    {
+        const QByteArray &path = m_paths[fd];
+        const auto unsynced = bytes.find(path);
+        if (fails()) {
+            // The system forgets what it could not write, and says so only once.
+            if (errno != EINTR && unsynced != bytes.end())
+                unsynced->second = false;
+            return -1;
+        }
+        if (unsynced != bytes.end() && unsynced->second)
+            bytes.erase(unsynced);
+        std::erase_if(names, [&](const QByteArray &name) { return parentFolder(name) == path; });
+        return FileCalls::fsync(fd);
+    }
+    int rename(const QByteArray &from, const QByteArray &to) override
+    {
+        if (fails())
+            return -1;
+        names.erase(from);
+        names.insert(to);
+        if (auto moved = bytes.extract(from)) {
+            moved.key() = to;
+            bytes.insert(std::move(moved));
+        }
+        return FileCalls::rename(from, to);
+    }
+    int unlink(const QByteArray &path) override
+    {
+        if (fails())
+            return -1;
+        names.erase(path);
+        bytes.erase(path);
+        isTooEarly |= path.endsWith(".journal") && !(names.empty() && bytes.empty());
+        return FileCalls::unlink(path);
+    }
+    int mkdir(const QByteArray &path, mode_t mode) override
+    {
+        if (fails() || FileCalls::mkdir(path, mode) == -1)
+            return -1;
+        names.insert(path);
+        return 0;
+    }
 
 private:
-    bool fails();
-    bool fails(size_t &size);
+    bool fails(size_t &size)
+    {
+        const bool isMidway = m_fault == half || m_fault == deathMidway;
+        if (++m_made == m_number && isMidway) {
+            size = (size + 1) / 2;
+            return false;
+        }
+        errno = m_fault > 0 ? m_fault : EIO;
+        return m_made == m_number || (hasStruck() && m_fault <= death);
+    }
+    bool fails()
+    {
+        size_t none = 0;
+        return fails(none);
+    }
 
+    void touch(const QByteArray &path, bool isFromTheStart)
+    {
+        if (path == m_userFile) {
+            const auto isOther = [this](const QByteArray &name) { return name != m_userFile; };
+            isTooEarly |=
+                std::any_of(names.begin(), names.end(), isOther) || bytes.size() > bytes.count(path);
+        }
+        bytes[path] = isFromTheStart || !bytes.contains(path) || bytes[path];
+    }
+
+    QByteArray m_userFile;
+    std::map<int, QByteArray> m_paths; // of what is open
     int m_number = 0;
     int m_fault = 0;
     int m_made = 0;

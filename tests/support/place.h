@@ -1,43 +1,70 @@
 #pragma once
 
+#include <platform/journal.h>
+#include <platform/openfile.h>
 #include <platform/safefile.h>
+#include <support/temporaryhome.h>
 
-#include <QByteArray>
-#include <QByteArrayList>
-#include <QString>
-#include <QTemporaryDir>
-
-#include <sys/stat.h>
+#include <QFileInfo>
 
 namespace oblino {
 
 /// The content of a file, empty where there is none.
-[[nodiscard]] QByteArray contentOf(const QString &path);
+[[nodiscard]] inline QByteArray contentOf(const QString &path)
+{
+    return TemporaryHome::content(path);
+}
 
 /// Writes a file, and makes its folder when it is missing.
-void put(const QString &path, const QByteArray &bytes);
+inline void put(const QString &path, const QByteArray &bytes)
+{
+    QVERIFY(QDir().mkpath(QFileInfo(path).path()));
+    TemporaryHome::write(path, bytes);
+}
 
 /// The status of a file, all zero where there is none.
-[[nodiscard]] struct stat statusOf(const QString &path);
+[[nodiscard]] inline struct stat statusOf(const QString &path)
+{
+    struct stat status = {};
+    static_cast<void>(::stat(QFile::encodeName(path).constData(), &status));
+    return status;
+}
 
 /// A file of the user's in a folder of its own and a private folder, gone with the test. In memory where that
 /// can be had, as syncing a busy disk takes long.
 struct Place
 {
-    QTemporaryDir folder;
-    QString privateFolder;
-    QString path;
+    QTemporaryDir folder{
+        (QFileInfo(QStringLiteral("/dev/shm")).isWritable() ? QStringLiteral("/dev/shm") : QDir::tempPath()) +
+        QStringLiteral("/safefile-XXXXXX")};
+    QString privateFolder = folder.filePath(QStringLiteral("data/oblino"));
+    QString path = folder.filePath(QStringLiteral("docs/plan.txt"));
 
-    explicit Place(const QByteArray &content = {});
+    explicit Place(const QByteArray &content = {})
+    {
+        QVERIFY(QDir(folder.path()).mkdir(QStringLiteral("docs")));
+        if (!content.isEmpty())
+            put(path, content);
+    }
 
     [[nodiscard]] SafeFile file() const { return SafeFile(path, privateFolder); }
-    [[nodiscard]] QByteArray encodedPath() const;
+    [[nodiscard]] QByteArray encodedPath() const { return withoutLinks(path); }
 
     /// A journal as an interrupted save from `before` to `after` leaves it.
-    [[nodiscard]] QByteArray journal(const QByteArray &before, const QByteArray &after) const;
+    [[nodiscard]] QByteArray journal(const QByteArray &before, const QByteArray &after) const
+    {
+        return Journal{encodedPath(), sha256(before), sha256(after), after}.encoded();
+    }
 
     /// The contents of the recovery folder's files.
-    [[nodiscard]] QByteArrayList kept() const;
+    [[nodiscard]] QByteArrayList kept() const
+    {
+        QByteArrayList contents;
+        const QDir recovery(privateFolder + QStringLiteral("/recovery"));
+        for (const QFileInfo &file : recovery.entryInfoList(QDir::Files, QDir::Name))
+            contents << contentOf(file.filePath());
+        return contents;
+    }
 };
 
 } // namespace oblino
