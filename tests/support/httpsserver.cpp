@@ -1,20 +1,13 @@
 #include <support/httpsserver.h>
 
-#include <QEventLoop>
 #include <QHostAddress>
 #include <QSslServer>
 #include <QSslSocket>
-#include <QTimer>
 
-#include <openssl/bio.h>
 #include <openssl/evp.h>
-#include <openssl/pem.h>
 #include <openssl/x509v3.h>
 
-#include <sys/socket.h>
-
 #include <memory>
-#include <utility>
 
 namespace oblino {
 
@@ -23,94 +16,53 @@ namespace {
 template<typename Type, void (*release)(Type *)>
 using Owned = std::unique_ptr<Type, decltype([](Type *object) { release(object); })>;
 using Key = Owned<EVP_PKEY, EVP_PKEY_free>;
-using X509Certificate = Owned<X509, X509_free>;
 
-template<typename Write>
-QByteArray pem(const Write &write)
+template<typename Type, int (*encode)(const Type *, unsigned char **)>
+QByteArray encoded(const Type *object)
 {
-    const Owned<BIO, BIO_free_all> bio(BIO_new(BIO_s_mem()));
-    write(bio.get());
-    char *bytes = nullptr;
-    const auto size = BIO_get_mem_data(bio.get(), &bytes);
-    return {bytes, static_cast<qsizetype>(size)};
+    QByteArray bytes(encode(object, nullptr), '\0');
+    auto *end = reinterpret_cast<unsigned char *>(bytes.data());
+    encode(object, &end);
+    return bytes;
 }
 
-template<typename Type, typename Read>
-Type *fromPem(const QByteArray &text, const Read &read)
+// Without an issuer it signs itself.
+Certificate made(const char *name, int extension, const QByteArray &value, const Certificate *issuer)
 {
-    const Owned<BIO, BIO_free_all> bio(BIO_new_mem_buf(text.constData(), static_cast<int>(text.size())));
-    return read(bio.get(), nullptr, nullptr, nullptr);
-}
-
-void extend(X509 *certificate, int kind, const QByteArray &value)
-{
-    const Owned<X509_EXTENSION, X509_EXTENSION_free> extension(
-        X509V3_EXT_conf_nid(nullptr, nullptr, kind, value.constData()));
-    X509_add_ext(certificate, extension.get(), -1);
-}
-
-X509Certificate blank(const char *name, EVP_PKEY *key)
-{
-    static long serial = 0;
     constexpr long day = 24L * 60 * 60;
-    X509Certificate made(X509_new());
-    X509_set_version(made.get(), X509_VERSION_3);
-    ASN1_INTEGER_set(X509_get_serialNumber(made.get()), ++serial);
-    X509_gmtime_adj(X509_getm_notBefore(made.get()), -day);
-    X509_gmtime_adj(X509_getm_notAfter(made.get()), day);
-    X509_set_pubkey(made.get(), key);
-    X509_NAME_add_entry_by_txt(X509_get_subject_name(made.get()), "CN", MBSTRING_ASC,
-                               reinterpret_cast<const unsigned char *>(name), -1, -1, 0);
-    return made;
-}
-
-Certificate finished(const X509Certificate &certificate, const Key &key, X509 *issuer, EVP_PKEY *issuersKey)
-{
-    X509_set_issuer_name(certificate.get(), X509_get_subject_name(issuer));
-    X509_sign(certificate.get(), issuersKey, EVP_sha256());
-    const QByteArray keyText = pem(
-        [&](BIO *bio) { PEM_write_bio_PrivateKey(bio, key.get(), nullptr, nullptr, 0, nullptr, nullptr); });
-    return {QSslCertificate(pem([&](BIO *bio) { PEM_write_bio_X509(bio, certificate.get()); })),
-            QSslKey(keyText, QSsl::Ec)};
-}
-
-void drip(QSslSocket *socket, const QByteArray &drops)
-{
-    auto *timer = new QTimer(socket);
-    QObject::connect(timer, &QTimer::timeout, socket, [socket, timer, rest = drops]() mutable {
-        socket->write(rest.left(1));
-        rest.remove(0, 1);
-        if (rest.isEmpty())
-            timer->stop();
-    });
-    timer->start(std::chrono::milliseconds(20));
-}
-
-void reset(QSslSocket *socket)
-{
-    const linger atOnce = {1, 0};
-    ::setsockopt(static_cast<int>(socket->socketDescriptor()), SOL_SOCKET, SO_LINGER, &atOnce, sizeof atOnce);
-    socket->abort();
+    const Key key(EVP_EC_gen("P-256"));
+    const Owned<X509, X509_free> certificate(X509_new());
+    X509_set_version(certificate.get(), X509_VERSION_3);
+    X509_gmtime_adj(X509_getm_notBefore(certificate.get()), -day);
+    X509_gmtime_adj(X509_getm_notAfter(certificate.get()), day);
+    X509_set_pubkey(certificate.get(), key.get());
+    X509_NAME *subject = X509_get_subject_name(certificate.get());
+    X509_NAME_add_entry_by_txt(subject, "CN", MBSTRING_ASC, reinterpret_cast<const unsigned char *>(name), -1,
+                               -1, 0);
+    const Owned<X509_EXTENSION, X509_EXTENSION_free> extended(
+        X509V3_EXT_conf_nid(nullptr, nullptr, extension, value.constData()));
+    X509_add_ext(certificate.get(), extended.get(), -1);
+    const QByteArray keyBytes = encoded<EVP_PKEY, i2d_PrivateKey>(key.get());
+    const QByteArray issuersBytes = issuer ? issuer->key.toDer() : keyBytes;
+    const auto *start = reinterpret_cast<const unsigned char *>(issuersBytes.constData());
+    const Key issuersKey(d2i_AutoPrivateKey(nullptr, &start, issuersBytes.size()));
+    X509 *issuing = issuer ? static_cast<X509 *>(issuer->certificate.handle()) : certificate.get();
+    X509_set_issuer_name(certificate.get(), X509_get_subject_name(issuing));
+    X509_sign(certificate.get(), issuersKey.get(), EVP_sha256());
+    return {QSslCertificate(encoded<X509, i2d_X509>(certificate.get()), QSsl::Der),
+            QSslKey(keyBytes, QSsl::Ec, QSsl::Der)};
 }
 
 } // namespace
 
 Certificate Certificate::authority()
 {
-    const Key key(EVP_EC_gen("P-256"));
-    const X509Certificate made = blank("an authority of the tests", key.get());
-    extend(made.get(), NID_basic_constraints, "critical,CA:TRUE");
-    return finished(made, key, made.get(), key.get());
+    return made("an authority of the tests", NID_basic_constraints, "critical,CA:TRUE", nullptr);
 }
 
 Certificate Certificate::issue(const QByteArray &names) const
 {
-    const X509Certificate issuer(fromPem<X509>(certificate.toPem(), PEM_read_bio_X509));
-    const Key issuersKey(fromPem<EVP_PKEY>(key.toPem(), PEM_read_bio_PrivateKey));
-    const Key made(EVP_EC_gen("P-256"));
-    const X509Certificate leaf = blank("a server of the tests", made.get());
-    extend(leaf.get(), NID_subject_alt_name, names);
-    return finished(leaf, made, issuer.get(), issuersKey.get());
+    return made("a server of the tests", NID_subject_alt_name, names, this);
 }
 
 QSslConfiguration Certificate::trust() const
@@ -136,58 +88,29 @@ QByteArray Request::header(const QByteArray &name) const
     return values;
 }
 
-class HttpsServer::Listener : public QSslServer
-{
-public:
-    explicit Listener(HttpsServer &server)
-        : m_server(server)
-    {
-    }
-
-protected:
-    void incomingConnection(qintptr descriptor) override
-    {
-        {
-            const std::lock_guard lock(m_server.m_mutex);
-            ++m_server.m_connections;
-        }
-        QSslServer::incomingConnection(descriptor);
-    }
-
-private:
-    HttpsServer &m_server;
-};
-
 HttpsServer::HttpsServer(const Certificate &certificate)
 {
-    std::promise<quint16> promise;
-    std::future<quint16> port = promise.get_future();
-    m_thread.reset(QThread::create(&HttpsServer::run, this, certificate, std::move(promise)));
-    m_thread->start();
-    m_port = port.get();
+    QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
+    configuration.setLocalCertificate(certificate.certificate);
+    configuration.setPrivateKey(certificate.key);
+    auto *server = new QSslServer;
+    server->setSslConfiguration(configuration);
+    QObject::connect(server, &QTcpServer::pendingConnectionAvailable, server, [this, server] {
+        while (auto *socket = qobject_cast<QSslSocket *>(server->nextPendingConnection()))
+            serve(socket);
+    });
+    QObject::connect(&m_thread, &QThread::finished, server, &QObject::deleteLater);
+    server->listen(QHostAddress::LocalHost);
+    m_port = server->serverPort();
+    server->moveToThread(&m_thread);
+    m_thread.start();
 }
 
 HttpsServer::~HttpsServer()
 {
-    m_thread->quit();
-    m_thread->wait();
+    m_thread.quit();
+    m_thread.wait();
     const std::lock_guard lock(m_mutex); // the thread sanitizer does not see what wait() does
-}
-
-void HttpsServer::run(const Certificate &certificate, std::promise<quint16> port)
-{
-    Listener listener(*this);
-    QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
-    configuration.setLocalCertificate(certificate.certificate);
-    configuration.setPrivateKey(certificate.key);
-    listener.setSslConfiguration(configuration);
-    QObject::connect(&listener, &QTcpServer::pendingConnectionAvailable, &listener, [&] {
-        while (auto *socket = qobject_cast<QSslSocket *>(listener.nextPendingConnection()))
-            serve(socket);
-    });
-    listener.listen(QHostAddress::LocalHost);
-    port.set_value(listener.serverPort());
-    QEventLoop().exec();
 }
 
 void HttpsServer::setReply(const Reply &reply)
@@ -196,46 +119,16 @@ void HttpsServer::setReply(const Reply &reply)
     m_reply = reply;
 }
 
-QList<Request> HttpsServer::requests() const
-{
-    const std::lock_guard lock(m_mutex);
-    return m_requests;
-}
-
-int HttpsServer::connections() const
-{
-    const std::lock_guard lock(m_mutex);
-    return m_connections;
-}
-
-int HttpsServer::ended() const
-{
-    const std::lock_guard lock(m_mutex);
-    return m_ended;
-}
-
-qint64 HttpsServer::written() const
-{
-    const std::lock_guard lock(m_mutex);
-    return m_written;
-}
-
 void HttpsServer::serve(QSslSocket *socket)
 {
+    {
+        const std::lock_guard lock(m_mutex);
+        ++m_connections;
+    }
     auto received = std::make_shared<QByteArray>();
     QObject::connect(socket, &QSslSocket::readyRead, socket,
                      [this, socket, received] { read(socket, *received); });
-    QObject::connect(socket, &QSslSocket::disconnected, socket, [this, socket] {
-        {
-            const std::lock_guard lock(m_mutex);
-            ++m_ended;
-        }
-        socket->deleteLater();
-    });
-    QObject::connect(socket, &QSslSocket::encryptedBytesWritten, socket, [this](qint64 bytes) {
-        const std::lock_guard lock(m_mutex);
-        m_written += bytes;
-    });
+    QObject::connect(socket, &QSslSocket::disconnected, socket, &QObject::deleteLater);
     read(socket, *received);
 }
 
@@ -250,25 +143,11 @@ void HttpsServer::read(QSslSocket *socket, QByteArray &received)
     if (request.body.size() < request.header("Content-Length").toLongLong())
         return;
     received.clear();
-    reply(socket, request);
-}
-
-void HttpsServer::reply(QSslSocket *socket, const Request &request)
-{
-    Reply reply;
-    {
-        const std::lock_guard lock(m_mutex);
-        m_requests += request;
-        m_written = 0;
-        reply = m_reply;
-    }
-    socket->write(reply.bytes);
-    if (!reply.drops.isEmpty())
-        drip(socket, reply.drops);
-    else if (reply.end == Reply::End::Close)
+    const std::lock_guard lock(m_mutex);
+    m_requests += request;
+    socket->write(m_reply.bytes);
+    if (m_reply.end == Reply::End::Close)
         socket->disconnectFromHost();
-    else if (reply.end == Reply::End::Reset)
-        reset(socket);
 }
 
 } // namespace oblino

@@ -7,8 +7,6 @@
 #include <QSslKey>
 #include <QThread>
 
-#include <future>
-#include <memory>
 #include <mutex>
 
 class QSslSocket;
@@ -30,14 +28,13 @@ struct Certificate
     [[nodiscard]] QSslConfiguration trust() const;
 };
 
-/// What a server does with a request: it writes bytes, and then keeps the connection, closes or resets it.
+/// What a server does with a request: it writes bytes, and then keeps the connection or closes it.
 struct Reply
 {
-    enum class End { Keep, Close, Reset };
+    enum class End { Keep, Close };
 
     QByteArray bytes;
     End end = End::Keep;
-    QByteArray drops = {}; ///< written after the bytes, one every 20 ms
 
     /// A whole answer.
     static QByteArray answer(const QByteArray &body, const QByteArray &status = "201 Created",
@@ -67,31 +64,27 @@ public:
     /// From now on every request is answered so.
     void setReply(const Reply &reply);
     /// Every request that arrived whole.
-    [[nodiscard]] QList<Request> requests() const;
-    /// Connections that were accepted, whether or not they came to speak TLS.
-    [[nodiscard]] int connections() const;
-    /// Connections that ended on either side.
-    [[nodiscard]] int ended() const;
-    /// Bytes of the last reply that went into the network.
-    [[nodiscard]] qint64 written() const;
+    [[nodiscard]] QList<Request> requests() const { return locked(m_requests); }
+    /// Connections that came to speak TLS.
+    [[nodiscard]] int connections() const { return locked(m_connections); }
 
 private:
-    class Listener;
-
-    void run(const Certificate &certificate, std::promise<quint16> port);
+    template<typename Value>
+    Value locked(const Value &value) const
+    {
+        const std::lock_guard lock(m_mutex);
+        return value;
+    }
     void serve(QSslSocket *socket);
     void read(QSslSocket *socket, QByteArray &received);
-    void reply(QSslSocket *socket, const Request &request);
 
     mutable std::mutex m_mutex; // of what follows
     Reply m_reply;
     QList<Request> m_requests;
     int m_connections = 0;
-    int m_ended = 0;
-    qint64 m_written = 0;
 
     quint16 m_port = 0;
-    std::unique_ptr<QThread> m_thread;
+    QThread m_thread;
 };
 
 } // namespace oblino
