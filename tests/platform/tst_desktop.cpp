@@ -30,24 +30,17 @@ private Q_SLOTS:
         QCOMPARE(clipboard->text(), u"<b>Größe</b>\n😀"_s);
     }
 
-    void saysWhenASoundCannotBePlayed_data()
-    {
-        QTest::addColumn<QString>("resource");
-        QTest::addColumn<bool>("exists");
-        QTest::addColumn<bool>("plays");
-        const bool heard = !QMediaDevices::defaultAudioOutput().isNull();
-        QTest::newRow("the program's sound") << u":/sounds/ding.mp3"_s << true << heard;
-        QTest::newRow("missing") << u":/sounds/dong.mp3"_s << false << false;
-    }
     void saysWhenASoundCannotBePlayed()
     {
-        QFETCH(const QString, resource);
-        QTEST(SoundPlayer::exists(resource), "exists");
-        SoundPlayer player(resource);
-        const QSignalSpy failures(&player, &SoundPlayer::failed);
-        player.play();
-        QFETCH(const bool, plays);
-        QTRY_COMPARE(failures.size(), plays ? 0 : 1);
+        const bool canBeHeard = !QMediaDevices::defaultAudioOutput().isNull();
+        for (const QString &resource : {u":/sounds/ding.mp3"_s, u":/sounds/dong.mp3"_s}) {
+            const bool exists = resource == u":/sounds/ding.mp3"_s;
+            QCOMPARE(SoundPlayer::exists(resource), exists);
+            SoundPlayer player(resource);
+            const QSignalSpy failures(&player, &SoundPlayer::failed);
+            player.play();
+            QTRY_COMPARE(failures.size(), exists && canBeHeard ? 0 : 1);
+        }
     }
 };
 

@@ -15,25 +15,19 @@ class tst_unixsignals : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void keepsASignalUntilSomebodyListensAndSetsATerm_data()
-    {
-        QTest::addColumn<int>("number");
-        QTest::newRow("SIGTERM") << SIGTERM;
-        QTest::newRow("SIGINT") << SIGINT;
-        QTest::newRow("SIGHUP") << SIGHUP;
-    }
     void keepsASignalUntilSomebodyListensAndSetsATerm()
     {
-        QFETCH(const int, number);
-        UnixSignals ending;
-        const QSignalSpy asked(&ending, &UnixSignals::endRequested);
-        QCOMPARE(::raise(number), 0);
-        const unsigned secondsLeft = ::alarm(0);
-        QVERIFY2(secondsLeft >= 1 && secondsLeft <= 3, "though the event loop does not run");
-        QCoreApplication::processEvents();
-        QVERIFY(asked.empty());
-        ending.listen();
-        QTRY_COMPARE(asked.size(), 1);
+        for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
+            UnixSignals ending;
+            const QSignalSpy asked(&ending, &UnixSignals::endRequested);
+            QCOMPARE(::raise(number), 0);
+            const unsigned secondsLeft = ::alarm(0);
+            QVERIFY2(secondsLeft >= 1 && secondsLeft <= 3, "though the event loop does not run");
+            QCoreApplication::processEvents();
+            QVERIFY(asked.empty());
+            ending.listen();
+            QTRY_COMPARE(asked.size(), 1);
+        }
     }
 };
 

@@ -61,7 +61,7 @@ private:
 class FakePortal : public QDBusVirtualObject
 {
 public:
-    enum class Answer { Nested, Single, Error, Withheld };
+    enum class Answer { Given, Error, Withheld };
 
     explicit FakePortal(const QDBusConnection &connection)
         : bus(connection)
@@ -86,13 +86,10 @@ public:
 
     void reply(const QDBusMessage &read)
     {
-        const QVariant single = QVariant::fromValue(QDBusVariant(scheme));
-        if (answer == Answer::Error)
-            bus.send(
-                read.createErrorReply(interface + QStringLiteral(".NotFound"), QStringLiteral("unknown")));
-        else
-            bus.send(read.createReply(answer == Answer::Single ? single
-                                                               : QVariant::fromValue(QDBusVariant(single))));
+        // In one variant more than needed, as the portal does.
+        const QVariant given = QVariant::fromValue(QDBusVariant(QVariant::fromValue(QDBusVariant(scheme))));
+        bus.send(answer == Answer::Error ? read.createErrorReply(QDBusError::UnknownProperty, {})
+                                         : read.createReply(given));
     }
 
     bool handleMessage(const QDBusMessage &message, const QDBusConnection &) override
@@ -110,7 +107,7 @@ public:
     }
     QString introspect(const QString &) const override { return {}; }
 
-    Answer answer = Answer::Nested;
+    Answer answer = Answer::Given;
     uint scheme = 0;
     QDBusMessage request;         ///< the last one
     std::function<void()> onRead; ///< called before the answer
