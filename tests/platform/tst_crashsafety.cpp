@@ -8,6 +8,10 @@
 #include <QDir>
 #include <QTest>
 
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
 #include <functional>
 
 using namespace oblino;
@@ -145,6 +149,28 @@ private Q_SLOTS:
         }
         const bool canFail = found != text && !isHarmless(fault);
         QVERIFY2(canFail ? failures > 8 : failures == 0, qPrintable(QString::number(failures)));
+    }
+
+    void aKilledProcessLeavesAWholeText()
+    {
+        const Place place(shortText);
+        for (int milliseconds = 0; milliseconds < 30; ++milliseconds) {
+            const pid_t child = ::fork();
+            if (child == 0) {
+                SafeFile file = place.file();
+                static_cast<void>(file.read());
+                for (bool isLong = true;; isLong = !isLong)
+                    static_cast<void>(file.write(isLong ? longText : shortText));
+            }
+            QTest::qSleep(milliseconds);
+            ::kill(child, SIGKILL);
+            ::waitpid(child, nullptr, 0);
+            SafeFile file = place.file();
+            QCOMPARE(file.recover(), QStringList());
+            const QByteArray found = file.read().bytes;
+            QVERIFY2(found == shortText || found == longText, found);
+            QCOMPARE(place.kept(), QByteArrayList());
+        }
     }
 
     void makesOfAJournalWhatItCan_data()
