@@ -140,7 +140,8 @@ void Application::openEraser()
                      .utilities = uiUtil(),
                      .privateFolder = contactsFolder(),
                      .beforeCloud = [this] { return ensurePassword(m_cloud, m_mainWindow.get()); },
-                     .contactsErased = [this] { reloadContacts(); }});
+                     .contactsErased = [this] { reloadContacts(); },
+                     .whiteboardErased = [this] { m_sharingMenu.forget(); }});
 }
 
 void Application::reloadContacts()

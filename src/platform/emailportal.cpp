@@ -81,6 +81,11 @@ void EmailPortal::compose(const QString &body, const QImage &picture, const QStr
     });
 }
 
+void EmailPortal::forget()
+{
+    m_folder.reset();
+}
+
 void EmailPortal::takeResponse(uint response)
 {
     leaveRequest();

@@ -28,9 +28,12 @@ public:
     void whenPresent(QObject *context, const std::function<void()> &present);
 
     /// Opens a draft of the text with the picture as an attached PNG file of that name. The file is the
-    /// user's alone and stays until the next draft or the end of this object. A failure may be told at once,
-    /// or later; that of an earlier draft no more.
+    /// user's alone and stays until the next draft, forget() or the end of this object. A failure may be told
+    /// at once, or later; that of an earlier draft no more.
     void compose(const QString &body, const QImage &picture, const QString &fileName, Failed failed);
+
+    /// Removes the file of the last draft.
+    void forget();
 
 private Q_SLOTS:
     void takeResponse(uint response);

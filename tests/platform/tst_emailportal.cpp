@@ -85,6 +85,10 @@ private Q_SLOTS:
         openDraft(*sharing, window);
         QTRY_VERIFY(!m_portal.attached.startsWith(folder.filePath()));
         QVERIFY(!QFile::exists(folder.filePath()) && QFile::exists(m_portal.attached));
+        sharing->forget();
+        QVERIFY(!QFile::exists(m_portal.attached));
+        openDraft(*sharing, window);
+        QTRY_VERIFY(QFile::exists(m_portal.attached));
         sharing.reset();
         QVERIFY(QDir(m_runtime.path()).isEmpty());
     }

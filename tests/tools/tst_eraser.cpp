@@ -60,7 +60,8 @@ struct Eraser : Store
                          .notifications = notifications,
                          .utilities = utilities,
                          .privateFolder = home.privateFolder(),
-                         .contactsErased = [this] { ++contactErasures; }});
+                         .contactsErased = [this] { ++erasuresTold; },
+                         .whiteboardErased = [this] { ++erasuresTold; }});
         window->show();
     }
     ~Eraser()
@@ -108,7 +109,7 @@ struct Eraser : Store
     ScriptedAlert::Script questions;
     UIUtil utilities{std::make_unique<ScriptedAlert>(questions)};
     int reloads = 0;
-    int contactErasures = 0;
+    int erasuresTold = 0;
     ScriptedContainer cloud{service}; // goes after the thread of the service
     SqlCloudContainer service{{home.path(u"private/Cloud.sqlite"_s)}, {}};
     std::unique_ptr<ViewControllerDestroy> window;
@@ -140,7 +141,7 @@ private Q_SLOTS:
         QCOMPARE(eraser.told(), u"All Selected Records Deleted Successfully!"_s);
         QCOMPARE(eraser.home.filesWith(secret), QStringList());
         QCOMPARE(eraser.reloads, 1);
-        QCOMPARE(eraser.contactErasures, 2);
+        QCOMPARE(eraser.erasuresTold, 3);
         QVERIFY(eraser.store.tasks().isEmpty());
         QCOMPARE(eraser.chosen(), QStringList());
     }

@@ -22,6 +22,9 @@ public:
     using SharingPicker::show;
     void show(const QList<SharingItem> &items, QObject *control) override;
 
+    /// Removes what was written for a draft.
+    void forget() { m_portal.forget(); }
+
     /// The address that opens a mail program with the text as the body of a draft (RFC 6068).
     [[nodiscard]] static QUrl draftOf(const QString &text);
 

@@ -142,9 +142,12 @@ bool ViewControllerDestroy::eraseNotes()
 bool ViewControllerDestroy::eraseWhiteboard()
 {
     const QString error = WhiteboardFile(m_data.privateFolder).erase(WhiteboardFile::name);
-    return report(QStringLiteral("Error Deleting Whiteboard File:") + QDir::currentPath() +
-                      WhiteboardFile::name,
-                  error);
+    if (!report(QStringLiteral("Error Deleting Whiteboard File:") + QDir::currentPath() +
+                    WhiteboardFile::name,
+                error))
+        return false;
+    m_data.whiteboardErased();
+    return true;
 }
 
 bool ViewControllerDestroy::eraseClients()

@@ -38,6 +38,8 @@ struct ErasableData
     std::function<bool()> beforeCloud = [] { return true; };
     /// Called when contacts have gone from the store.
     std::function<void()> contactsErased = [] {};
+    /// Called when the picture of the whiteboard has gone.
+    std::function<void()> whiteboardErased = [] {};
 };
 
 /// The data eraser: destroys, after a question, the kinds of data whose boxes are on, with the copies that
