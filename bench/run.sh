@@ -12,6 +12,7 @@ bench=build/release/bench
 "$bench/bench_tasks" "$@"
 "$bench/bench_window" 2>/dev/null
 "$bench/bench_forms" 2>/dev/null
+"$bench/bench_tools" 2>/dev/null
 "$bench/bench_cloud"
 "$bench/bench_sms"
 xvfb-run --auto-servernum --server-args="-screen 0 1440x900x24 -nolisten tcp" \
