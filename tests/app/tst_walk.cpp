@@ -160,6 +160,7 @@ private Q_SLOTS:
     {
         qputenv("HOME", QFile::encodeName(m_home.path({})));
         qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
+        qputenv("QT_MEDIA_BACKEND", "ffmpeg"); // as main() chooses
         QDir::setCurrent(m_home.path({}));
         QSslConfiguration::setDefaultConfiguration(m_authority.trust());
         QNetworkProxy::setApplicationProxy({QNetworkProxy::HttpProxy, u"127.0.0.1"_s, m_detour.serverPort()});
