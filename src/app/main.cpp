@@ -1,9 +1,9 @@
 #include <app/application.h>
 
 #include <platform/singleinstance.h>
+#include <ui/icons.h>
 
 #include <QApplication>
-#include <QIcon>
 #include <QLoggingCategory>
 #include <QStandardPaths>
 
@@ -68,7 +68,7 @@ int main(int argc, char *argv[])
     QApplication::setApplicationDisplayName(QStringLiteral("Oblino"));
     QApplication::setApplicationVersion(QStringLiteral(OBLINO_VERSION));
     QApplication::setDesktopFileName(QStringLiteral("oblino"));
-    QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/oblino.svg")));
+    QApplication::setWindowIcon(oblino::themedIcon(QStringLiteral("oblino"))); // loads no plugin
     QApplication::setQuitOnLastWindowClosed(false); // closing the main window ends the program
 
     oblino::SingleInstance instance(QStandardPaths::writableLocation(QStandardPaths::AppDataLocation));

@@ -1,5 +1,7 @@
 #include <ui/calmstyle.h>
 
+#include <ui/icons.h>
+
 #include <QPainter>
 #include <QPainterPath>
 #include <QStyleOption>
@@ -117,6 +119,19 @@ QSize CalmStyle::sizeFromContents(ContentsType type, const QStyleOption *option,
 {
     const QSize size = QProxyStyle::sizeFromContents(type, option, contents, widget);
     return type == CT_PushButton ? size + QSize(buttonAir, 0) : size;
+}
+
+// Those that a main window needs, as the first picture of Fusion's own would load a number of plugins.
+QIcon CalmStyle::standardIcon(StandardPixmap icon, const QStyleOption *option, const QWidget *widget) const
+{
+    switch (icon) {
+    case SP_ToolBarHorizontalExtensionButton:
+        return themedIcon(QStringLiteral("more"));
+    case SP_LineEditClearButton:
+        return themedIcon(QStringLiteral("clear"));
+    default:
+        return QProxyStyle::standardIcon(icon, option, widget);
+    }
 }
 
 void CalmStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
