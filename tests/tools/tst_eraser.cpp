@@ -1,3 +1,5 @@
+#include "../contacts/storecontacts.h"
+
 #include <support/scriptedalert.h>
 #include <support/scriptedcontainer.h>
 #include <support/store.h>
@@ -16,15 +18,20 @@
 
 using namespace oblino;
 using namespace Qt::Literals::StringLiterals;
+using Boxes = QList<const char *>;
+using Failures = Table<const char *, std::function<void(struct Eraser &)>, QString>;
+using Request = ScriptedContainer::Request;
+using Fate = ScriptedContainer::Fate;
 
 namespace {
 
-const QByteArray secret = "Quillfeather";
 const QByteArray row =
-    "3/7/24|Quillfeather|Two coats|1.0|0.5|0.0|1.0|3/9/24|0|2|Open|High|K1|false|9|30|17|0||^";
-const QStringList allBoxes = {u"deleteTasks"_s,   u"deleteNotes"_s,       u"deleteWhiteboard"_s,
-                              u"deleteClients"_s, u"deleteTeamMembers"_s, u"deleteSettings"_s,
-                              u"deleteICloud"_s};
+    "3/7/24|secret task|Two coats|1.0|0.5|0.0|1.0|3/9/24|0|2|Open|High|K1|false|9|30|17|0||^";
+const Boxes allBoxes = {"deleteTasks",       "deleteNotes",    "deleteWhiteboard", "deleteClients",
+                        "deleteTeamMembers", "deleteSettings", "deleteICloud"};
+const QString allGone = u"All Selected Records Deleted Successfully!"_s;
+
+} // namespace
 
 // A home with something of every kind in it, and the eraser.
 struct Eraser : Store
@@ -34,17 +41,11 @@ struct Eraser : Store
         QDir::setCurrent(home.path({}));
         TemporaryHome::write(home.listPath(), row);
         (void)list.splitStringFile(list.readFromFile());
-        TemporaryHome::write(notes, secret);
-        TemporaryHome::write(board, secret);
-        const auto container = makeContactContainer(home.privateFolder());
-        QCOMPARE(container->loadPersistentStores().error, QString());
-        for (const QString &entity : {u"Clients"_s, u"TeamMembers"_s}) {
-            EntityModel *objects = container->viewContext()->objects(entity);
-            QVERIFY(objects->insertRow(0));
-            QVERIFY(objects->setData(objects->index(0, NameColumn), QString::fromLatin1(secret)));
-        }
-        QCOMPARE(container->viewContext()->save(), QString());
-        store.setTwilioSecret(QString::fromLatin1(secret));
+        TemporaryHome::write(notes, "secret notes");
+        TemporaryHome::write(board, "secret board");
+        storeContacts<Clients>(home.privateFolder(), {{u"secret client"_s, {}}});
+        storeContacts<TeamMembers>(home.privateFolder(), {{u"secret member"_s, {}}});
+        store.setTwilioSecret(u"secret setting"_s);
         store.setNotification(true);
         QVERIFY(store.saveSettings());
         store.setCloud(&cloud, &notifications);
@@ -70,21 +71,23 @@ struct Eraser : Store
         QDir::setCurrent(QDir::rootPath());
     }
 
-    void erase(const QStringList &boxes) const
+    void erase(const Boxes &boxes) const
     {
-        for (const QString &name : boxes)
-            box(name)->click();
+        for (const char *box : boxes)
+            click(*window, box);
         click(*window, "eraseButton");
     }
-    [[nodiscard]] QCheckBox *box(const QString &name) const { return window->findChild<QCheckBox *>(name); }
-    [[nodiscard]] QStringList chosen() const
+    [[nodiscard]] auto chosen() const
     {
-        QStringList names;
-        for (const QString &name : allBoxes) {
-            if (box(name)->isChecked())
-                names += name;
-        }
-        return names;
+        return std::ranges::count(window->findChildren<QCheckBox *>(), true, &QCheckBox::isChecked);
+    }
+    // In how many files there is something of the tasks, the notes, the board, clients, members and settings.
+    [[nodiscard]] QList<qsizetype> left() const
+    {
+        QList<qsizetype> files;
+        for (const char *kind : {"task", "notes", "board", "client", "member", "setting"})
+            files += home.filesWith(QByteArray("secret ") + kind).size();
+        return files;
     }
     // What was said after the question.
     [[nodiscard]] QString told() const
@@ -94,13 +97,13 @@ struct Eraser : Store
             texts += question.informativeText;
         return texts.join(u" / "_s).replace(home.path({}), u"HOME"_s);
     }
-    [[nodiscard]] QStringList contacts(const QString &entity) const
+    // Puts a copy of a file into the recovery folder.
+    void keep(const QByteArray &bytes, const QString &name) const
     {
-        const auto container = makeContactContainer(home.privateFolder());
-        (void)container->loadPersistentStores();
-        const EntityModel *objects = container->viewContext()->objects(entity);
-        return objects->rowCount() == 0 ? QStringList() : objects->object(0);
+        RecoveryFolder recovery(home.privateFolder() + u"/recovery"_s, FileCalls::posix());
+        QCOMPARE(recovery.keep(bytes, name).error, 0);
     }
+
     QString notes = home.documents() + u"/ltodonotes.txt"_s;
     QString board = home.path(u"ltodolistwhiteboard.png"_s);
     Documents documents{home.documents(), home.privateFolder()};
@@ -115,8 +118,6 @@ struct Eraser : Store
     std::unique_ptr<ViewControllerDestroy> window;
 };
 
-} // namespace
-
 class tst_eraser : public QObject
 {
     Q_OBJECT
@@ -129,136 +130,107 @@ private Q_SLOTS:
         for (const QString &path : {eraser.home.listPath(), eraser.notes, eraser.board}) {
             SafeFile file(path, eraser.home.privateFolder());
             QVERIFY(file.write("other\n").written); // keeps a copy of what it replaces
-            QCOMPARE(file.setAside(secret), QString());
-            TemporaryHome::write(path, secret);
-            TemporaryHome::write(file.journalPath(), secret);
+            QCOMPARE(file.setAside("secret"), QString());
+            TemporaryHome::write(path, "secret");
+            TemporaryHome::write(file.journalPath(), "secret");
         }
-        TemporaryHome::write(eraser.home.listPath(), row + secret + '^'); // with a row that cannot be read
+        TemporaryHome::write(eraser.home.listPath(), row + "secret^"); // with a row that cannot be read
         (void)eraser.list.splitStringFile(eraser.list.readFromFile());
-        QCOMPARE(eraser.home.filesWith(secret).size(), 3 * 4 + 3); // and contacts, cloud, settings
+        QCOMPARE(eraser.home.filesWith("secret").size(), 3 * 4 + 3); // and contacts, cloud, settings
 
         eraser.erase(allBoxes);
-        QCOMPARE(eraser.told(), u"All Selected Records Deleted Successfully!"_s);
-        QCOMPARE(eraser.home.filesWith(secret), QStringList());
+        QCOMPARE(eraser.told(), allGone);
+        QCOMPARE(eraser.home.filesWith("secret"), QStringList());
         QCOMPARE(eraser.reloads, 1);
         QCOMPARE(eraser.erasuresTold, 3);
         QVERIFY(eraser.store.tasks().isEmpty());
-        QCOMPARE(eraser.chosen(), QStringList());
+        QCOMPARE(eraser.chosen(), 0);
     }
 
     void asksWithTheListOfWhatIsChosen()
     {
         Eraser eraser;
         eraser.questions.answer = 1;
-        eraser.box(u"deleteAll"_s)->click();
-        eraser.erase({});
+        eraser.erase({"deleteAll"});
         QCOMPARE(
             eraser.questions.asked.first().messageText,
             u"The following selected data will be destroyed and will not be able to be recovered. Are you "
             "sure you want to delete ?"_s);
         QCOMPARE(eraser.questions.asked.first().informativeText,
                  u"\nTasks\nNotes\nWhiteboard\nClients\nTeamMembers\nSettings\niCloud"_s);
-        QCOMPARE(eraser.chosen(), QStringList());
-        QVERIFY(eraser.box(u"deleteAll"_s)->isChecked());
-        QVERIFY(eraser.window->isVisible());
+        QCOMPARE(eraser.chosen(), 1);           // the box for all itself
         eraser.questions.answer = std::nullopt; // closed by Esc
-        eraser.erase({u"deleteNotes"_s});
-        QCOMPARE(eraser.questions.asked.last().informativeText, u"\nNotes"_s);
-        QCOMPARE(eraser.home.filesWith(secret).size(), 6);
+        eraser.erase({"deleteNotes"});
+        QCOMPARE(eraser.told(), u"\nNotes"_s);
+        QCOMPARE(eraser.left(), (QList<qsizetype>{2, 1, 1, 1, 1, 1}));
         QCOMPARE(eraser.reloads, 0);
 
-        eraser.box(u"deleteAll"_s)->click();
-        QCOMPARE(eraser.chosen(), QStringList());
-        eraser.erase({});
+        QVERIFY(eraser.window->isVisible());
+        eraser.erase({"deleteAll"}); // which takes all marks away
         QCOMPARE(eraser.questions.asked.size(), 2);
         QVERIFY(!eraser.window->isVisible());
     }
 
     void oneFailureKeepsOnlyItsOwn_data()
     {
-        const Table<QString, std::function<void(Eraser &)>, QString> row; // box, what spoils it, what is said
+        const Failures row; // box, what spoils it, what is said
         const auto remove = [](const QString &path) { QVERIFY(QFile::remove(path)); };
         const QString missing = u"could not be removed: No such file or directory."_s;
         row(
-            "tasks", u"deleteTasks"_s, [=](Eraser &e) { remove(e.home.listPath()); },
+            "tasks", "deleteTasks", [=](Eraser &e) { remove(e.home.listPath()); },
             u"Error Deleting Tasks File:HOME/Documents/ltodolist.txt\n“ltodolist.txt” "_s + missing);
         row(
-            "notes", u"deleteNotes"_s, [=](Eraser &e) { remove(e.notes); },
+            "notes", "deleteNotes", [=](Eraser &e) { remove(e.notes); },
             u"Error Deleting Notes File:HOME/Documents/ltodonotes.txt\n“ltodonotes.txt” "_s + missing);
         row(
-            "whiteboard", u"deleteWhiteboard"_s,
+            "whiteboard", "deleteWhiteboard",
             [=](Eraser &e) {
                 remove(e.board);
                 QVERIFY(QDir().mkdir(e.board));
             },
             u"Error Deleting Whiteboard File:HOMEltodolistwhiteboard.png\n“ltodolistwhiteboard.png” could "
-            u"not be "
-            "removed: it is not a regular file."_s);
+            u"not be removed: it is not a regular file."_s);
         const QString locked = u"\ndatabase is locked"_s;
         const auto lock = [](Eraser &e) {
             QSqlDatabase other = QSqlDatabase::addDatabase(u"QSQLITE"_s, u"other"_s);
             other.setDatabaseName(e.home.privateFolder() + u"/Model.sqlite"_s);
             QVERIFY(other.open() && QSqlQuery(other).exec(u"BEGIN IMMEDIATE"_s));
         };
-        row("clients", u"deleteClients"_s, lock, u"Error Deleting Clients Records"_s + locked);
-        row("team members", u"deleteTeamMembers"_s, lock, u"Error Deleting Team Members Records"_s + locked);
-        row(
-            "cloud", u"deleteICloud"_s,
-            [](Eraser &e) {
-                e.cloud.setScript([](auto request, int) {
-                    return request == ScriptedContainer::Request::Delete ? ScriptedContainer::Fate::Fail
-                                                                         : ScriptedContainer::Fate::Pass;
-                });
-            },
-            QString());
+        row("clients", "deleteClients", lock, u"Error Deleting Clients Records"_s + locked);
+        row("team members", "deleteTeamMembers", lock, u"Error Deleting Team Members Records"_s + locked);
+        row("cloud", "deleteICloud", [](Eraser &e) { e.cloud.setFate(Request::Delete, Fate::Fail); }, {});
     }
     void oneFailureKeepsOnlyItsOwn()
     {
-        const auto [box, spoil, said] = Table<QString, std::function<void(Eraser &)>, QString>::cells();
+        const auto [box, spoil, said] = Failures::cells();
         Eraser eraser;
         spoil(eraser);
-        eraser.erase({box, u"deleteSettings"_s});
+        eraser.erase({box, "deleteSettings"});
         QSqlDatabase::removeDatabase(u"other"_s);
         QCOMPARE(eraser.told(), said);
         QCOMPARE(eraser.store.tasks().size(), 1);
-        QCOMPARE(eraser.contacts(u"Clients"_s).value(0).toLatin1(), secret);
-        QCOMPARE(eraser.contacts(u"TeamMembers"_s).value(0).toLatin1(), secret);
-        QCOMPARE(eraser.store.getTwilioSecret(), QString());
-        QCOMPARE(eraser.reloads, box == u"deleteTasks"_s ? 1 : 0);
+        QCOMPARE(eraser.left().sliced(3), (QList<qsizetype>{1, 1, 0}));
+        QCOMPARE(eraser.reloads, box == allBoxes.first() ? 1 : 0);
     }
 
-    void erasesOneKindAlone()
+    void erasesOneKindAloneAndTheCopiesOfAMissingFile()
     {
         Eraser eraser;
         eraser.defaults.setText(u"other"_s, u"kept"_s);
-        RecoveryFolder recovery(eraser.home.privateFolder() + u"/recovery"_s, FileCalls::posix());
-        QCOMPARE(recovery.keep(secret, u"ltodolist.txt"_s).error, 0);
-        eraser.erase({u"deleteNotes"_s, u"deleteClients"_s, u"deleteSettings"_s});
-        QCOMPARE(eraser.contacts(u"Clients"_s), QStringList());
-        QCOMPARE(eraser.contacts(u"TeamMembers"_s).value(0).toLatin1(), secret);
-        QCOMPARE(eraser.home.filesWith(secret).size(), 5); // list and its copy, whiteboard, contacts, cloud
+        eraser.keep(row, u"ltodolist.txt"_s);
+        eraser.keep("secret notes", u"ltodonotes.txt"_s);
+        QVERIFY(QFile::remove(eraser.notes));
+        eraser.erase({"deleteNotes", "deleteClients", "deleteSettings"});
+        QCOMPARE(eraser.left(), (QList<qsizetype>{3, 0, 1, 0, 1, 0}));
         QCOMPARE(eraser.store.getDelay(), 1000);
         QVERIFY(!eraser.store.getNotification());
         QCOMPARE(eraser.defaults.text(u"other"_s), u"kept"_s);
     }
 
-    void theCopiesOfAMissingFileGo()
-    {
-        Eraser eraser;
-        RecoveryFolder recovery(eraser.home.privateFolder() + u"/recovery"_s, FileCalls::posix());
-        QCOMPARE(recovery.keep(secret, u"ltodonotes.txt"_s).error, 0);
-        QVERIFY(QFile::remove(eraser.notes));
-        eraser.erase({u"deleteNotes"_s});
-        QCOMPARE(eraser.home.filesWith(secret).size(), 5);
-    }
-
     void staysOpenUntilTheCloudHasAnswered()
     {
         Eraser eraser;
-        eraser.cloud.setScript([](auto request, int) {
-            return request == ScriptedContainer::Request::Delete ? ScriptedContainer::Fate::Hold
-                                                                 : ScriptedContainer::Fate::Pass;
-        });
+        eraser.cloud.setFate(Request::Delete, Fate::Hold);
         bool wasHeld = false;
         QTimer wait;
         connect(&wait, &QTimer::timeout, this, [&] {
@@ -268,9 +240,9 @@ private Q_SLOTS:
             eraser.cloud.release();
         });
         wait.start(100);
-        eraser.erase({u"deleteICloud"_s});
+        eraser.erase({"deleteICloud"});
         QVERIFY(wasHeld);
-        QCOMPARE(eraser.told(), u"All Selected Records Deleted Successfully!"_s);
+        QCOMPARE(eraser.told(), allGone);
         QVERIFY(eraser.window->isEnabled() && eraser.window->isVisible());
     }
 };

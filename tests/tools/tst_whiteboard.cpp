@@ -3,6 +3,7 @@
 #include <support/temporaryhome.h>
 #include <support/testmain.h>
 #include <support/traces.h>
+#include <support/widgets.h>
 
 #include <platform/sharingpicker.h>
 #include <platform/widgets/sharingmenu.h>
@@ -10,19 +11,18 @@
 #include <ui/colorbutton.h>
 #include <ui/uiutil.h>
 
-#include <QApplication>
 #include <QBuffer>
-#include <QClipboard>
-#include <QMenu>
-#include <QMimeData>
 #include <QPointer>
-#include <QPushButton>
 
 using namespace oblino;
 using namespace Qt::Literals::StringLiterals;
 using Global = ViewControllerWhiteboard::GlobalVariable;
+using Colors = QList<QColor>;
 
 namespace {
+
+const QList<QPoint> corner = {{100, 100}, {100, 300}, {300, 300}};
+const QList<QPoint> dash = {{400, 100}, {500, 100}};
 
 class RecordingPicker : public SharingPicker
 {
@@ -41,48 +41,57 @@ QByteArray pngOf(const QSize &size, const QColor &color, QImage::Format format =
     return bytes;
 }
 
-// A working folder of a test's own with a board in it, drawn on with real mouse events.
+// A working folder of a test's own, with a picture or none, and a board in it, drawn on with real mouse
+// events.
 struct Board
 {
-    Board()
+    explicit Board(const QByteArray &picture = {})
     {
         Global::colorWell = {0, 0, 0, 1};
         Global::lineWidth = 5;
         Global::lineDraw = false;
-        QDir().mkpath(home.documents());
         QDir::setCurrent(home.documents());
+        if (!picture.isEmpty())
+            TemporaryHome::write(path, picture);
+        reopen();
     }
-    ~Board() { QDir::setCurrent(QDir::rootPath()); }
-
-    void open()
+    ~Board()
     {
-        window = std::make_unique<ViewControllerWhiteboard>(utilities, picker, home.privateFolder());
-        window->show();
-        QVERIFY(QTest::qWaitForWindowExposed(window.get()));
+        delete window;
+        QDir::setCurrent(QDir::rootPath());
     }
+
     void reopen()
     {
-        window->close();
-        open();
+        if (window)
+            window->close();
+        delete window;
+        window = new ViewControllerWhiteboard(utilities, picker, home.privateFolder());
+        window->setAttribute(Qt::WA_DeleteOnClose);
+        window->show();
+        QVERIFY(QTest::qWaitForWindowExposed(window));
     }
 
-    [[nodiscard]] QWidget *area() const { return window->findChild<QWidget *>(u"line"_s); }
+    [[nodiscard]] QWidget &area() const { return find<QWidget>(*window, "line"); }
     void stroke(const QList<QPoint> &points) const
     {
-        QTest::mousePress(area(), Qt::LeftButton, {}, points.first());
+        QTest::mousePress(&area(), Qt::LeftButton, {}, points.first());
         for (const QPoint &point : points.sliced(1))
-            QTest::mouseMove(area(), point);
-        QTest::mouseRelease(area(), Qt::LeftButton, {}, points.last());
+            QTest::mouseMove(&area(), point);
+        QTest::mouseRelease(&area(), Qt::LeftButton, {}, points.last());
     }
-    void click(const QString &button) const
-    {
-        QTest::mouseClick(window->findChild<QPushButton *>(button), Qt::LeftButton);
-    }
+    void click(const char *button) const { oblino::click(*window, button); }
     void pick(const Color &color) const
     {
         auto *well = window->findChild<ColorButton *>();
         well->setColor(color);
         Q_EMIT well->picked();
+    }
+    // What the button for straight lines and the cursor show.
+    [[nodiscard]] QString mode() const
+    {
+        const auto &button = find<QPushButton>(*window, "lineButton");
+        return u"%1, %2, %3"_s.arg(button.toolTip(), button.icon().name()).arg(area().cursor().shape());
     }
 
     [[nodiscard]] QImage saved() const { return QImage::fromData(TemporaryHome::content(path), "PNG"); }
@@ -93,10 +102,14 @@ struct Board
         return image.convertToFormat(QImage::Format_RGB32);
     }
     [[nodiscard]] qreal scale() const { return window->devicePixelRatioF(); }
-    [[nodiscard]] QColor at(QPoint point) const
+    // The colours of points in the file.
+    [[nodiscard]] Colors at(const QList<QPointF> &points) const
     {
         const QImage image = saved();
-        return image.pixelColor((QPointF(point) * scale()).toPoint());
+        Colors colors;
+        for (const QPointF &point : points)
+            colors += image.pixelColor((point * scale()).toPoint());
+        return colors;
     }
     // How many pixels of the column are dark, counting parts.
     [[nodiscard]] double darkness(int column) const
@@ -107,16 +120,15 @@ struct Board
             sum += 1 - image.pixelColor(qRound(column * scale()), row).lightnessF();
         return sum;
     }
+
     const QSize size{720, 480};
     TemporaryHome home;
     QString path = home.documents() + u"/ltodolistwhiteboard.png"_s;
     ScriptedAlert::Script questions;
     UIUtil utilities{std::make_unique<ScriptedAlert>(questions)};
     RecordingPicker picker;
-    std::unique_ptr<ViewControllerWhiteboard> window;
+    QPointer<ViewControllerWhiteboard> window;
 };
-
-const QList<QPoint> corner = {{100, 100}, {100, 300}, {300, 300}};
 
 } // namespace
 
@@ -127,120 +139,103 @@ class tst_whiteboard : public QObject
 private Q_SLOTS:
     void aStrokeGoesIntoTheFileAtTheResolutionOfTheDisplay()
     {
-        Board board;
-        board.open();
-        QVERIFY(!QFile::exists(board.path));
+        const Board board;
         board.stroke(corner);
         QCOMPARE(board.saved().size(), board.size * board.scale());
-        QCOMPARE(board.at({100, 200}), QColor(Qt::black));
-        QCOMPARE(board.at({200, 300}), QColor(Qt::black));
-        QCOMPARE(board.at({200, 200}), QColor(Qt::white));
+        QCOMPARE(board.at({{100, 200}, {200, 300}, {200, 200}}), (Colors{Qt::black, Qt::black, Qt::white}));
         // 5 points wide, from 297.5 to 302.5: only whole points cut the edges into grey.
         QVERIFY(qAbs(board.darkness(200) - 5 * board.scale()) < 0.1);
-        const double edge = board.at({200, 297}).lightnessF();
-        QCOMPARE(board.scale() > 1, edge == 1.0);
+        QCOMPARE(board.at({{200, 297}}) == Colors{Qt::white}, board.scale() > 1);
         QCOMPARE(board.shown(), board.saved());
-        QVERIFY(board.window->minimumSize() == board.size + QSize(0, 60) &&
-                board.window->minimumSize() == board.window->maximumSize());
+        QCOMPARE(board.window->minimumSize(), board.size + QSize(0, 60));
+        QCOMPARE(board.window->maximumSize(), board.size + QSize(0, 60));
     }
 
     void endsAndBendsAreRound()
     {
-        Board board;
-        board.open();
+        const Board board;
         Global::lineWidth = 40;
-        board.stroke(corner);
-        QCOMPARE(board.at({100, 82}), QColor(Qt::black)); // before the start
-        QCOMPARE(board.at({84, 84}), QColor(Qt::white));
-        QCOMPARE(board.at({88, 312}), QColor(Qt::black)); // outside of the bend
-        QCOMPARE(board.at({84, 316}), QColor(Qt::white));
+        board.stroke(corner); // before the start, and outside of the bend
+        QCOMPARE(board.at({{100, 82}, {84, 84}, {88, 312}, {84, 316}}),
+                 (Colors{Qt::black, Qt::white, Qt::black, Qt::white}));
     }
 
     void aStraightLineGoesFromPressToRelease()
     {
         Board board;
-        board.open();
-        board.click(u"lineButton"_s);
-        auto *button = board.window->findChild<QPushButton *>(u"lineButton"_s);
-        QCOMPARE(button->toolTip(), u"STRAIGHT LINE"_s);
-        QCOMPARE(button->icon().name(), u"AppLineIcon"_s);
-        QCOMPARE(board.area()->cursor().shape(), Qt::CrossCursor);
+        const QString free = u"DRAW, AppLineCurveIcon, %1"_s.arg(Qt::ArrowCursor);
+        const QString straight = u"STRAIGHT LINE, AppLineIcon, %1"_s.arg(Qt::CrossCursor);
+        board.click("lineButton");
+        QCOMPARE(board.mode(), straight);
         const QByteArray traces = tracesOf([&] { board.stroke(corner); });
         QVERIFY2(traces.contains("LineStart: 100 100\n") && traces.contains("LineEnd: 300 300\n"), traces);
-        QCOMPARE(board.at({200, 200}), QColor(Qt::black));
-        QCOMPARE(board.at({100, 200}), QColor(Qt::white));
-
+        QCOMPARE(board.at({{200, 200}, {100, 200}}), (Colors{Qt::black, Qt::white}));
         board.reopen(); // the mode lasts
-        button = board.window->findChild<QPushButton *>(u"lineButton"_s);
-        QCOMPARE(button->toolTip(), u"STRAIGHT LINE"_s);
-        board.click(u"lineButton"_s);
-        QCOMPARE(button->toolTip(), u"DRAW"_s);
-        QCOMPARE(button->icon().name(), u"AppLineCurveIcon"_s);
-        QCOMPARE(board.area()->cursor().shape(), Qt::ArrowCursor);
+        QCOMPARE(board.mode(), straight);
+        board.click("lineButton");
+        QCOMPARE(board.mode(), free);
     }
 
     void theEraserIsWhiteAndWideUntilAColourIsPicked()
     {
-        Board board;
-        board.open();
+        const Board board;
         Global::lineWidth = 100;
         board.stroke(corner);
-        board.click(u"eraserButton"_s);
+        board.click("eraserButton");
         QCOMPARE(board.window->findChild<ColorButton *>()->color(), Color());
         const double before = board.darkness(200);
         board.stroke({{150, 300}, {250, 300}});
         QVERIFY(qAbs(before - board.darkness(200) - 10 * board.scale()) < 0.1);
 
         board.pick({1, 0, 0, 1});
-        board.stroke({{400, 100}, {500, 100}});
-        QCOMPARE(board.at({450, 100}), QColor(Qt::red));
+        board.stroke(dash);
+        QCOMPARE(board.at({{450, 100}}), Colors{Qt::red});
         QCOMPARE(Global::lineWidth, 5.0);
     }
 
     void theSavedPictureStaysWhileNothingIsDrawn()
     {
         Board board;
-        board.open();
         board.pick({0, 0, 1, 0.5}); // what lay twice would show
         board.stroke(corner);
         const QImage drawn = board.saved();
+        const Colors bend = board.at({{100, 300}, {200, 300}});
         board.pick({1, 0, 0, 1});
         board.reopen();
         QCOMPARE(board.saved(), drawn);
         QCOMPARE(board.shown(), drawn);
-        board.stroke({{400, 100}, {500, 100}});
-        QCOMPARE(board.at({200, 300}), drawn.pixelColor((QPointF(200, 300) * board.scale()).toPoint()));
+        board.stroke(dash);
+        QCOMPARE(board.at({{100, 300}, {200, 300}}), bend);
         QCOMPARE(board.home.kept(), QByteArrayList());
     }
 
     void erasesAllOnlyAfterYes()
     {
         Board board;
-        board.open();
         board.stroke(corner);
         const QImage drawn = board.saved();
-        board.questions.answer = std::nullopt; // closed by Esc
-        board.click(u"deleteButton"_s);
-        board.questions.answer = 1;
-        board.click(u"deleteButton"_s);
+        for (const std::optional<int> no : {std::optional<int>(), std::optional(1)}) { // closed by Esc
+            board.questions.answer = no;
+            board.click("deleteButton");
+            QCOMPARE(board.shown(), drawn);
+        }
         QCOMPARE(board.questions.asked.last().messageText,
                  u"Are you sure you want to erase the Whiteboard ?"_s);
-        QCOMPARE(board.shown(), drawn);
 
         board.questions.answer = 0;
-        board.click(u"deleteButton"_s);
+        board.click("deleteButton");
         QImage empty = drawn;
         empty.fill(Qt::white);
         QCOMPARE(board.shown(), empty);
         QCOMPARE(board.saved(), drawn);
-        board.click(u"revertButton"_s);
+        board.click("revertButton");
         QCOMPARE(board.shown(), drawn);
-        board.click(u"deleteButton"_s);
+        board.click("deleteButton");
         board.reopen();
         QCOMPARE(board.saved(), empty);
     }
 
-    void aFileThatIsNoBoardIsKeptAside_data()
+    void aFileThatIsNotOfThisBoardIsKeptAside_data()
     {
         const Table<QByteArray, bool> row; // bytes, whether it is shown
         const QByteArray good = pngOf({720, 480}, Qt::green);
@@ -250,70 +245,53 @@ private Q_SLOTS:
         row("huge", pngOf({9000, 6000}, Qt::black, QImage::Format_Mono), false);
         row("a picture of other proportions", pngOf({720, 700}, Qt::green), true);
     }
-    void aFileThatIsNoBoardIsKeptAside()
+    void aFileThatIsNotOfThisBoardIsKeptAside()
     {
         const auto [bytes, isShown] = Table<QByteArray, bool>::cells();
-        Board board;
-        TemporaryHome::write(board.path, bytes);
-        board.open();
+        const Board board(bytes);
         QCOMPARE(board.shown().pixelColor(board.shown().rect().center()),
                  QColor(isShown ? Qt::green : Qt::white));
         QCOMPARE(TemporaryHome::content(board.path), bytes);
         board.stroke(corner);
         board.stroke(corner);
-        QCOMPARE(board.at({100, 200}), QColor(Qt::black));
+        QCOMPARE(board.at({{100, 200}}), Colors{Qt::black});
         QCOMPARE(board.home.kept(), QByteArrayList{bytes});
-    }
 
-    void aVersionOfAnotherProgramIsKeptAside()
-    {
-        Board board;
-        board.open();
-        board.stroke(corner);
-        const QByteArray other = pngOf({720, 480}, Qt::green);
+        const QByteArray other = pngOf({720, 480}, Qt::green); // by another program meanwhile
         TemporaryHome::write(board.path, other);
         board.stroke(corner);
-        QCOMPARE(board.home.kept(), QByteArrayList{other});
+        QVERIFY(board.home.kept().size() == 2 && board.home.kept().contains(other));
     }
 
     void aPictureOfAnotherScaleFillsTheBoard()
     {
-        Board board;
-        TemporaryHome::write(board.path, pngOf({1080, 720}, Qt::green));
-        board.open();
+        Board board(pngOf({1080, 720}, Qt::green));
         board.reopen();
-        QCOMPARE(board.at({0, 0}), QColor(Qt::green));
-        QCOMPARE(board.at({719, 479}), QColor(Qt::green));
+        QCOMPARE(board.at({{0, 0}, {719, 479}}), (Colors{Qt::green, Qt::green}));
         QCOMPARE(board.home.kept(), QByteArrayList());
     }
 
     void aPictureThatCannotBeWrittenStaysOnTheBoard()
     {
-        Board board;
-        board.open();
+        const Board board;
         QVERIFY(QDir().mkdir(board.path));
-        QByteArray traces = tracesOf([&] { board.stroke(corner); });
+        const QByteArray traces = tracesOf([&] { board.stroke(corner); });
         QVERIFY2(traces.contains("\ncaught: "), traces);
-        board.stroke({{400, 100}, {500, 100}});
-        QPointer<ViewControllerWhiteboard> window = board.window.release();
-        window->setAttribute(Qt::WA_DeleteOnClose);
-        window->close();
+        board.stroke(dash);
+        board.window->close();
         QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        QVERIFY(window);
-        board.window.reset(window);
+        QVERIFY(board.window);
         QVERIFY(QDir().rmdir(board.path));
-        window->show();
-        window->close();
-        QCOMPARE(board.at({100, 200}), QColor(Qt::black));
-        QCOMPARE(board.at({450, 100}), QColor(Qt::black));
+        board.window->show();
+        board.window->close();
+        QCOMPARE(board.at({{100, 200}, {450, 100}}), (Colors{Qt::black, Qt::black}));
     }
 
     void sharesTheSavedPictureBetweenTwoTexts()
     {
-        Board board;
-        board.open();
+        const Board board;
         board.stroke(corner);
-        board.click(u"shareButton"_s);
+        board.click("shareButton");
         QCOMPARE(board.picker.shared.size(), 3);
         QCOMPARE(std::get<QString>(board.picker.shared.at(0)), u"Whiteboard\n"_s);
         QCOMPARE(std::get<QImage>(board.picker.shared.at(1)).convertToFormat(QImage::Format_RGB32),
@@ -344,32 +322,29 @@ private Q_SLOTS:
 
     void drawsWithAPen()
     {
-        Board board;
-        board.open();
+        const Board board;
         const auto send = [&board](QEvent::Type type, QPointF place, Qt::MouseButton button,
                                    Qt::MouseButtons held) {
             QTabletEvent event(type, QPointingDevice::primaryPointingDevice(), place, place, 0.5, 0, 0, 0, 0,
                                0, {}, button, held);
-            QCoreApplication::sendEvent(board.area(), &event);
+            QCoreApplication::sendEvent(&board.area(), &event);
         };
         send(QEvent::TabletMove, {50, 50}, Qt::NoButton, Qt::NoButton); // above the board
         send(QEvent::TabletPress, {100, 100.5}, Qt::LeftButton, Qt::LeftButton);
         send(QEvent::TabletMove, {200, 100.5}, Qt::NoButton, Qt::LeftButton);
         send(QEvent::TabletRelease, {200, 100.5}, Qt::LeftButton, Qt::NoButton);
-        QCOMPARE(board.at({150, 98}), QColor(Qt::black)); // from 98 to 103
-        QCOMPARE(board.at({150, 97}), QColor(Qt::white));
-        QCOMPARE(board.at({75, 75}), QColor(Qt::white));
+        // It is black from 98 to 103.
+        QCOMPARE(board.at({{150, 98}, {150, 97}, {75, 75}}), (Colors{Qt::black, Qt::white, Qt::white}));
     }
 
     void drawsWithAFinger()
     {
-        Board board;
-        board.open();
+        const Board board;
         const std::unique_ptr<QPointingDevice> finger(QTest::createTouchDevice());
-        QTest::touchEvent(board.window.get(), finger.get()).press(0, {100, 100});
-        QTest::touchEvent(board.window.get(), finger.get()).move(0, {200, 100});
-        QTest::touchEvent(board.window.get(), finger.get()).release(0, {200, 100});
-        QTRY_COMPARE(board.at({150, 100}), QColor(Qt::black));
+        QTest::touchEvent(board.window, finger.get()).press(0, {100, 100});
+        QTest::touchEvent(board.window, finger.get()).move(0, {200, 100});
+        QTest::touchEvent(board.window, finger.get()).release(0, {200, 100});
+        QTRY_COMPARE(board.at({{150, 100}}), Colors{Qt::black});
     }
 };
 
