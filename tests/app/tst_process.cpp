@@ -4,8 +4,6 @@
 #include <support/testmain.h>
 #include <support/unprivileged.h>
 
-#include <QDirIterator>
-
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -76,17 +74,12 @@ private:
 };
 
 /// Everything in a folder, with its size and the time of its change.
-QStringList snapshot(const QString &folder)
+QByteArrayList snapshot(const QString &folder)
 {
-    QStringList all;
-    const QDir::Filters everything = QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot;
-    for (QDirIterator entry(folder, everything, QDirIterator::Subdirectories); entry.hasNext();) {
-        const QFileInfo info = entry.nextFileInfo();
-        all += u"%1 %2 "_s.arg(info.filePath()).arg(info.size()) +
-               info.lastModified().toString(Qt::ISODateWithMs);
-    }
-    all.sort();
-    return all;
+    QProcess find;
+    find.start(u"find"_s, {folder, u"-mindepth"_s, u"1"_s, u"-printf"_s, u"%p %s %T@\\n"_s});
+    find.waitForFinished();
+    return find.readAllStandardOutput().split('\n');
 }
 
 } // namespace
@@ -109,7 +102,7 @@ private Q_SLOTS:
     {
         Program first(*m_home);
         QVERIFY(first.startsUp());
-        const QStringList before = snapshot(m_home->path({}));
+        const QByteArrayList before = snapshot(m_home->path({}));
         Program second(*m_home);
         second.startProgram();
         QVERIFY(second.waitForFinished());
@@ -137,7 +130,7 @@ private Q_SLOTS:
         const auto [command, signal] = Homes::cells();
         const QString script = u"cd '%1'; list=Documents/ltodolist.txt; "_s.arg(m_home->path({})) + command;
         QCOMPARE(QProcess::execute(u"sh"_s, {u"-c"_s, script}), 0);
-        const QStringList before = snapshot(m_home->documents());
+        const QByteArrayList before = snapshot(m_home->documents());
         Program first(*m_home);
         QVERIFY(first.startsUp());
         QCOMPARE(first.endBy(signal), 0);

@@ -88,9 +88,7 @@ public:
     // Opens a menu with Alt, and chooses in it.
     void choose(Qt::Key menu, Qt::Key item) const
     {
-        window->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(window));
-        QTest::keyClick(window, menu, Qt::AltModifier);
+        press(menu, Qt::AltModifier);
         QVERIFY(QApplication::activePopupWidget());
         QTest::keyClick(QApplication::activePopupWidget(), item);
     }
