@@ -49,7 +49,7 @@ CloudAccounts desktopAccounts()
 
 Application::Application(SingleInstance &instance)
     : m_portal(Appearance::standard(), QDBusConnection::sessionBus())
-    , m_sharingMenu(QDBusConnection::sessionBus())
+    , m_sharingMenu(QDBusConnection::sessionBus(), contactsFolder() + QStringLiteral("/drafts"))
     , m_keyring(QStringLiteral("oblino"))
     , m_cloud(desktopAccounts(), contactsFolder() + QStringLiteral("/Cloud.sqlite"), m_keyring,
               {&taskRecordType()})
@@ -98,8 +98,8 @@ void Application::open(Arguments &&...arguments)
     auto *window = m_mainWindow->findChild<Window *>();
     if (!window) {
         window = new Window(std::forward<Arguments>(arguments)..., m_mainWindow.get());
-        window->setAttribute(Qt::WA_DeleteOnClose);
     }
+    window->setAttribute(Qt::WA_DeleteOnClose); // again, where one has outlived its closing
     window->show();
     window->raise();
     window->activateWindow();
@@ -140,14 +140,44 @@ void Application::openEraser()
                      .utilities = uiUtil(),
                      .privateFolder = contactsFolder(),
                      .beforeCloud = [this] { return ensurePassword(m_cloud, m_mainWindow.get()); },
-                     .contactsErased = [this] { reloadContacts(); },
-                     .whiteboardErased = [this] { m_sharingMenu.forget(); }});
+                     .erased = [this](DataKind kind) { forget(kind); }});
 }
 
-void Application::reloadContacts()
+// What windows hold that nobody sees would come back with their next save.
+void Application::forget(DataKind kind)
+{
+    switch (kind) {
+    case DataKind::Notes:
+        if (auto *pad = m_mainWindow->findChild<ViewControllerNotes *>(); pad && !pad->isVisible()) {
+            pad->discard();
+            delete pad;
+        }
+        break;
+    case DataKind::Whiteboard:
+        m_sharingMenu.forget();
+        if (auto *board = m_mainWindow->findChild<ViewControllerWhiteboard *>(); board && !board->isVisible())
+            delete board;
+        break;
+    case DataKind::Clients:
+        reloadContacts(Clients::fetchRequest());
+        break;
+    case DataKind::TeamMembers:
+        reloadContacts(TeamMembers::fetchRequest());
+        break;
+    case DataKind::Settings:
+        if (auto *settings = m_mainWindow->findChild<ViewControllerSettings *>())
+            settings->viewWillAppear();
+        break;
+    case DataKind::Tasks:
+    case DataKind::Cloud:
+        break;
+    }
+}
+
+void Application::reloadContacts(const FetchRequest &request)
 {
     for (ContactWindow *window : m_mainWindow->findChildren<ContactWindow *>())
-        window->reload();
+        window->reload(request);
     if (auto *window = m_mainWindow->findChild<ViewControllerSending *>())
         window->reload();
 }

@@ -14,6 +14,8 @@
 namespace oblino {
 
 class SingleInstance;
+enum class DataKind;
+struct FetchRequest;
 class ViewController;
 
 /// Puts the program together and sees to its end.
@@ -32,7 +34,8 @@ private:
     template<typename Window, typename... Arguments>
     void open(Arguments &&...arguments);
     void openEraser();
-    void reloadContacts();
+    void forget(DataKind kind);
+    void reloadContacts(const FetchRequest &request);
     void tellNotRemembered();
     void followAppearance();
     /// Asks where something would be broken off.

@@ -68,14 +68,16 @@ bool TaskManager::syncToLocalFromCloud()
 bool TaskManager::hasSucceeded(CloudWork &work)
 {
     int shown = -1;
-    Q_EMIT cloudWaitBegan();
+    if (++m_cloudWaits == 1)
+        Q_EMIT cloudWaitBegan();
     const bool answered = work.wait(m_cloudPatience, [this, &shown](qint64 done, qint64 asked) {
         // Answers lead to further requests, and the share of what is done would go back.
         const int percent = static_cast<int>(done * 100 / std::max<qint64>(asked, 1));
         if (percent > shown)
             Q_EMIT cloudProgressed(shown = percent);
     });
-    Q_EMIT cloudWaitEnded();
+    if (--m_cloudWaits == 0)
+        Q_EMIT cloudWaitEnded();
     return answered && !work.hasFailed();
 }
 

@@ -227,6 +227,9 @@ public:
     /// The selected task's hidden flag; false where nothing is selected.
     [[nodiscard]] bool getHiddenSelected() const;
 
+    /// Whether an operation on the whole cloud copy waits for answers.
+    [[nodiscard]] bool isWaitingForCloud() const { return m_cloudWaits > 0; }
+
 Q_SIGNALS:
     /// An operation on the whole cloud copy waits for answers, with the event loop running.
     void cloudWaitBegan();
@@ -265,6 +268,7 @@ private:
     CloudContainer *m_cloudContainer = nullptr;
     NotificationCenter *m_notifications = nullptr; // set with the container
     std::chrono::milliseconds m_cloudPatience = {};
+    int m_cloudWaits = 0;
 };
 
 /// The task store of the application, made on first use.

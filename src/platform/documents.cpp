@@ -53,8 +53,13 @@ QString Documents::path(const QString &name) const
 
 QString Documents::erase(const QString &name)
 {
-    SafeFile *documentsFile = file(name);
-    return documentsFile ? documentsFile->erase() : QStringLiteral("There is no documents folder.");
+    if (SafeFile *documentsFile = file(name))
+        return documentsFile->erase();
+    RecoveryFolder recovery(QDir(m_privateFolder).filePath(QStringLiteral("recovery")), m_calls);
+    return recovery.erase(name) == 0
+               ? QStringLiteral("There is no documents folder.")
+               : QStringLiteral("There is no documents folder, and %1 could not be emptied.")
+                     .arg(recovery.path());
 }
 
 QStringList Documents::takeNotices()

@@ -23,21 +23,20 @@ const QString requestInterface = QStringLiteral("org.freedesktop.portal.Request"
 const QString responseSignal = QStringLiteral("Response");
 constexpr uint endedOtherwise = 2; // neither done nor cancelled by the user
 
-QString privateParent()
-{
-    const QString ofSession = qEnvironmentVariable("XDG_RUNTIME_DIR");
-    return ofSession.isEmpty() ? QDir::tempPath() : ofSession;
-}
-
 } // namespace
 
-EmailPortal::EmailPortal(const QDBusConnection &bus)
+EmailPortal::EmailPortal(const QDBusConnection &bus, const QString &folder)
     : m_bus(bus)
+    , m_drafted(folder)
 {
+    forget(); // what a killed program left
     qDBusRegisterMetaType<QList<QDBusUnixFileDescriptor>>();
 }
 
-EmailPortal::~EmailPortal() = default;
+EmailPortal::~EmailPortal()
+{
+    forget();
+}
 
 // A portal that is not running yet is started by the question; the owner of its name would not show that.
 void EmailPortal::whenPresent(QObject *context, const std::function<void()> &present)
@@ -84,10 +83,14 @@ void EmailPortal::compose(const QString &body, const QImage &picture, const QStr
 void EmailPortal::forget()
 {
     m_folder.reset();
+    if (!m_drafted.isEmpty()) // which would be the working folder
+        QDir(m_drafted).removeRecursively();
 }
 
 void EmailPortal::takeResponse(uint response)
 {
+    if (m_request.isEmpty()) // the second response to one request
+        return;
     leaveRequest();
     if (response == endedOtherwise)
         std::exchange(m_failed, {})(tr("the desktop has opened no draft."));
@@ -95,7 +98,9 @@ void EmailPortal::takeResponse(uint response)
 
 QString EmailPortal::write(const QImage &picture, const QString &fileName)
 {
-    m_folder = std::make_unique<QTemporaryDir>(privateParent() + QStringLiteral("/oblino-XXXXXX"));
+    forget();
+    QDir().mkpath(m_drafted);
+    m_folder = std::make_unique<QTemporaryDir>(m_drafted + QStringLiteral("/XXXXXX"));
     if (!m_folder->isValid())
         return m_folder->errorString();
     QFile file(m_folder->filePath(fileName));

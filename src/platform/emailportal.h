@@ -21,7 +21,8 @@ class EmailPortal : public QObject
 public:
     using Failed = std::function<void(const QString &error)>;
 
-    explicit EmailPortal(const QDBusConnection &bus);
+    /// @param folder  for files of drafts; it is the object's own, and emptied
+    EmailPortal(const QDBusConnection &bus, const QString &folder);
     ~EmailPortal() override;
 
     /// Asks whether the desktop has the portal, and calls back if it has, unless the context is gone by then.
@@ -44,7 +45,8 @@ private:
     void leaveRequest();
 
     QDBusConnection m_bus;
-    std::unique_ptr<QTemporaryDir> m_folder; // null before the first draft
+    QString m_drafted;                       // the folder for all drafts
+    std::unique_ptr<QTemporaryDir> m_folder; // of the last draft; null without one
     QString m_file;                          // in the folder
     QString m_request;                       // object path; empty while no draft is being opened
     Failed m_failed;

@@ -102,4 +102,12 @@ std::optional<Journal> Journal::decoded(const QByteArray &bytes)
                    newHash.toByteArray(), text.toByteArray()};
 }
 
+QByteArray Journal::pathIn(const QByteArray &bytes)
+{
+    Pieces pieces(bytes);
+    if (pieces.take(static_cast<quint64>(magic.size())) != magic || pieces.takeNumber<quint32>() != version)
+        return {};
+    return pieces.take(pieces.takeNumber<quint32>()).toByteArray();
+}
+
 } // namespace oblino

@@ -23,6 +23,9 @@ struct Journal
     /// The journal in `bytes`, or none where they are cut short, damaged or something else.
     [[nodiscard]] static std::optional<Journal> decoded(const QByteArray &bytes);
 
+    /// The path in the bytes of a journal, damaged or not; empty where they do not reach that far.
+    [[nodiscard]] static QByteArray pathIn(const QByteArray &bytes);
+
     bool operator==(const Journal &) const = default;
 };
 

@@ -2,6 +2,7 @@
 
 #include <platform/openfile.h>
 
+#include <QDir>
 #include <QFile>
 
 #include <cerrno>
@@ -69,12 +70,28 @@ void JournalStore::remove(const QByteArray &path)
 
 int JournalStore::erase(const QByteArray &path)
 {
-    for (const QByteArray &file : {fileFor(path), unfinishedFor(path)}) {
+    for (const QByteArray &file : filesOf(path)) {
         if (m_calls.unlink(file) != 0 && errno != ENOENT)
             return errno;
     }
     const int error = syncNames();
     return error == ENOENT ? 0 : error; // without the folder there never was a journal
+}
+
+QByteArrayList JournalStore::filesOf(const QByteArray &path)
+{
+    QByteArrayList files = {fileFor(path), unfinishedFor(path)};
+    const QByteArray ending = path.mid(path.lastIndexOf('/'));
+    const QDir folder(QFile::decodeName(m_folder));
+    for (const QString &name : folder.entryList({QStringLiteral("*.journal*")}, QDir::Files)) {
+        const QByteArray file = QFile::encodeName(folder.filePath(name));
+        QByteArray bytes;
+        OpenFile other(m_calls);
+        const bool isRead = other.openRegular(file, O_RDONLY) == 0 && other.readAll(bytes) == 0;
+        if (isRead && Journal::pathIn(bytes).endsWith(ending))
+            files += file;
+    }
+    return files;
 }
 
 void JournalStore::removeUnfinished(const QByteArray &path)

@@ -4,6 +4,7 @@
 #include <platform/journal.h>
 
 #include <QByteArray>
+#include <QByteArrayList>
 #include <QString>
 
 #include <optional>
@@ -33,13 +34,15 @@ public:
     /// Removes the journal for `path`. That is not waited for: a power cut may bring the journal back.
     void remove(const QByteArray &path);
 
-    /// Removes every trace of what was to be written to `path`, and sees that safely on disk.
+    /// Removes every trace of what was to be written to `path`, or to a file of that name in another folder,
+    /// and sees that safely on disk.
     [[nodiscard]] int erase(const QByteArray &path);
 
     /// Removes what a store() that was cut short left behind.
     void removeUnfinished(const QByteArray &path);
 
 private:
+    [[nodiscard]] QByteArrayList filesOf(const QByteArray &path);
     [[nodiscard]] QByteArray unfinishedFor(const QByteArray &path) const;
 
     QByteArray m_folder;

@@ -25,6 +25,9 @@ public:
     /// @param board  the size of the board, in any unit
     [[nodiscard]] QImage read(const QString &path, QSize board);
 
+    /// Whether the file still holds the picture of a board that was last read or written. Cheap.
+    [[nodiscard]] bool isAsSeen() { return m_file && m_file->isAsSeen(); }
+
     /// @return an error in words, empty when it was written
     [[nodiscard]] QString write(const QByteArray &png, const QString &path);
 

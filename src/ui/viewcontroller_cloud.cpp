@@ -70,7 +70,7 @@ void ViewController::releaseCommands()
     m_waitingFor = tr("Waiting for the cloud"); // until a command of this window says more
     if (!tblView->selectionModel()->hasSelection())
         disableSelectionButtons();
-    showCounts();
+    reload(); // the list may have changed meanwhile
 }
 
 void ViewController::showCloudProgress(int percent)

@@ -20,7 +20,7 @@
 namespace oblino {
 
 ViewControllerAdd::ViewControllerAdd(const TaskWindowContext &context, QWidget *parent)
-    : TaskWindow(context, tr("&Add"), parent)
+    : TaskWindow(context, tr("A&dd"), parent)
 {
     setWindowTitle(tr("New Task"));
     m_mainButton->setObjectName(QStringLiteral("addButton"));

@@ -24,7 +24,7 @@
 namespace oblino {
 
 ViewControllerEdit::ViewControllerEdit(const TaskWindowContext &context, QWidget *parent)
-    : TaskWindow(context, tr("&Save"), parent)
+    : TaskWindow(context, tr("Sa&ve"), parent)
     , keyLabel(new QLineEdit(this))
     , copyKey(new QPushButton(themedIcon(QStringLiteral("copy")), tr("Cop&y"), this))
     , m_shareButton(m_buttons->addButton(tr("S&hare…"), QDialogButtonBox::ResetRole))

@@ -1,17 +1,15 @@
-#include <support/httpsserver.h>
-#include <support/temporaryhome.h>
-#include <support/testmain.h>
-#include <support/widgets.h>
+#include "startedapplication.h"
 
-#include <app/application.h>
+#include <support/httpsserver.h>
+#include <support/testmain.h>
+
 #include <contacts/windows/viewcontrollerclientmgmt.h>
+#include <contacts/windows/viewcontrollerteammgmt.h>
 #include <messaging/windows/viewcontrollersending.h>
 #include <messaging/windows/viewcontrollersettings.h>
-#include <platform/singleinstance.h>
 #include <tools/windows/viewcontrollerdestroy.h>
 #include <tools/windows/viewcontrollernotes.h>
 #include <tools/windows/viewcontrollerwhiteboard.h>
-#include <ui/viewcontroller.h>
 #include <ui/viewcontrolleradd.h>
 
 #include <QNetworkProxy>
@@ -50,41 +48,9 @@ public:
     }
 };
 
-// Does something and presses buttons of the questions that come, in their order. @return the questions
-QStringList answering(const QStringList &buttons, const std::function<void()> &action)
-{
-    QStringList asked;
-    QTimer timer;
-    QObject::connect(&timer, &QTimer::timeout, &timer, [&] {
-        const auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
-        if (!box || asked.size() == buttons.size())
-            return;
-        const QString wanted = buttons.at(asked.size());
-        asked += box->text();
-        for (QAbstractButton *button : box->buttons()) {
-            if (button->text() == wanted)
-                QTest::mouseClick(button, Qt::LeftButton);
-        }
-    });
-    timer.start(5);
-    action();
-    (void)QTest::qWaitFor([&] { return asked.size() == buttons.size(); });
-    return asked;
-}
-
 // The program from an empty home.
-class Walk
+struct Walk : StartedApplication
 {
-public:
-    Walk()
-    {
-        application.start();
-        for (QWidget *widget : QApplication::topLevelWidgets())
-            window = qobject_cast<ViewController *>(widget) ? qobject_cast<ViewController *>(widget) : window;
-        window->activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(window));
-    }
-
     // Opens a menu with Alt, and chooses in it.
     void choose(Qt::Key menu, Qt::Key item) const
     {
@@ -141,10 +107,6 @@ public:
             names += model->index(row, 3).data().toString();
         return names;
     }
-
-    SingleInstance instance{QDir::homePath() + u"/private"_s};
-    Application application{instance};
-    ViewController *window = nullptr;
 };
 
 } // namespace
@@ -156,10 +118,8 @@ class tst_walk : public QObject
 private Q_SLOTS:
     void initTestCase()
     {
-        qputenv("HOME", QFile::encodeName(m_home.path({})));
-        qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
+        moveTo(m_home);
         qputenv("QT_MEDIA_BACKEND", "ffmpeg"); // as main() chooses
-        QDir::setCurrent(m_home.path({}));
         QSslConfiguration::setDefaultConfiguration(m_authority.trust());
         QNetworkProxy::setApplicationProxy({QNetworkProxy::HttpProxy, u"127.0.0.1"_s, m_detour.serverPort()});
         m_server.setReply({Reply::answer("<TwilioResponse><Status>queued</Status></TwilioResponse>")});
@@ -187,7 +147,57 @@ private Q_SLOTS:
         }
     }
 
+    void erasingReachesWhatWindowsHold()
+    {
+        const Walk walk;
+        auto *settings = walk.chosen<ViewControllerSettings>(Qt::Key_M);
+        QVERIFY(settings);
+        Walk::type(settings, u"passPhrase"_s, u"hushhush"_s);
+        auto *team = walk.chosen<ViewControllerTeamMgmt>(Qt::Key_T);
+        QVERIFY(team);
+        click(*team, "addButton"); // and not saved yet
+        QTRY_VERIFY(qobject_cast<QLineEdit *>(team->focusWidget()));
+        QTest::keyClicks(team->focusWidget(), u"Tom"_s);
+        const QString inTheWay[] = {m_home.documents() + u"/ltodonotes.txt"_s,
+                                    m_home.path(u"ltodolistwhiteboard.png"_s)};
+        for (const QString &path : inTheWay)
+            QVERIFY(QDir().mkdir(path));
+        auto *notes = walk.chosen<ViewControllerNotes>(Qt::Key_N);
+        QVERIFY(notes);
+        Walk::type(notes, u"textEdit"_s, u"Ann Berg"_s);
+        auto *board = walk.chosen<ViewControllerWhiteboard>(Qt::Key_W);
+        QVERIFY(board);
+        drag(*board);
+        for (QWidget *window : {static_cast<QWidget *>(notes), static_cast<QWidget *>(board)})
+            window->close(); // and kept, as nothing could be saved
+        for (const QString &path : inTheWay) {
+            QVERIFY(QDir().rmdir(path));
+            TemporaryHome::write(path, "of another program");
+        }
+        auto *eraser = walk.chosen<ViewControllerDestroy>(Qt::Key_D);
+        QVERIFY(eraser);
+        for (const char *box : {"deleteNotes", "deleteWhiteboard", "deleteClients", "deleteSettings"})
+            click(*eraser, box);
+        answering({u"Yes"_s, u"OK"_s}, [eraser] { click(*eraser, "eraseButton"); });
+        QCOMPARE(find<QLineEdit>(*settings, "passPhrase").text(), QString());
+        settings->close();
+        team->close();
+        walk.window->close();
+        QCOMPARE(m_home.filesWith("Tom").size(), 1);
+        QCOMPARE(m_home.filesWith("Berg"), QStringList());
+        for (const QString &path : inTheWay)
+            QVERIFY2(!QFile::exists(path), qPrintable(path));
+    }
+
 private:
+    static void drag(const ViewControllerWhiteboard &board)
+    {
+        QWidget &area = find<QWidget>(board, "line");
+        QTest::mousePress(&area, Qt::LeftButton, {}, {100, 100});
+        QTest::mouseMove(&area, {300, 100});
+        QTest::mouseRelease(&area, Qt::LeftButton, {}, {300, 100});
+    }
+
     static void enterClient(const Walk &walk)
     {
         auto *clients = walk.chosen<ViewControllerClientMgmt>(Qt::Key_C);
@@ -260,10 +270,7 @@ private:
     {
         auto *board = walk.chosen<ViewControllerWhiteboard>(Qt::Key_W);
         QVERIFY(board);
-        QWidget *area = board->findChild<QWidget *>(u"line"_s);
-        QTest::mousePress(area, Qt::LeftButton, {}, {100, 100});
-        QTest::mouseMove(area, {300, 100});
-        QTest::mouseRelease(area, Qt::LeftButton, {}, {300, 100});
+        drag(*board);
         QCOMPARE(QImage(m_home.path(u"ltodolistwhiteboard.png"_s)).pixelColor(200, 100), QColor(Qt::black));
         board->close();
         auto *notes = walk.chosen<ViewControllerNotes>(Qt::Key_N);

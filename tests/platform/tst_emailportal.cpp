@@ -48,7 +48,7 @@ public:
     QString attached; // path
 };
 
-using Row = Table<int, QString, QString>; // the portal's response, the session's folder, what is told
+using Row = Table<int, QString, QString>; // the portal's response, the folder, what is told
 
 } // namespace
 
@@ -63,23 +63,19 @@ private Q_SLOTS:
         QVERIFY(m_portalBus.registerVirtualObject(u"/org/freedesktop/portal/desktop"_s, &m_portal));
         QVERIFY(m_portalBus.registerService(u"org.freedesktop.portal.Desktop"_s));
     }
-    void init()
-    {
-        qputenv("XDG_RUNTIME_DIR", QFile::encodeName(m_runtime.path()));
-        m_portal.attached.clear();
-    }
+    void init() { m_portal.attached.clear(); }
 
     void handsOverTextAndPictureInAFileThatGoesAgain()
     {
         QWidget window;
-        auto sharing = std::make_unique<SharingMenu>(m_programBus);
+        auto sharing = std::make_unique<SharingMenu>(m_programBus, m_drafts);
         m_portal.response = 0;
         openDraft(*sharing, window);
         QTRY_COMPARE(QFileInfo(m_portal.attached).fileName(), u"whiteboard.png"_s);
         QCOMPARE(m_portal.body, u"above\nbelow\n"_s);
         QCOMPARE(QImage(m_portal.attached, "PNG"), m_picture);
         const QFileInfo folder(QFileInfo(m_portal.attached).path());
-        QCOMPARE(folder.path(), m_runtime.path());
+        QCOMPARE(folder.path(), m_drafts);
         QCOMPARE(folder.permissions() & QFile::Permissions(0x0077), QFile::Permissions());
 
         openDraft(*sharing, window);
@@ -90,30 +86,31 @@ private Q_SLOTS:
         openDraft(*sharing, window);
         QTRY_VERIFY(QFile::exists(m_portal.attached));
         sharing.reset();
-        QVERIFY(QDir(m_runtime.path()).isEmpty());
+        QVERIFY(!QFile::exists(m_drafts));
     }
 
     void tellsThatNoDraftWasOpened_data()
     {
         const Row row;
-        row("opened", 0, m_runtime.path(), {});
-        row("cancelled, as the user knows", 1, m_runtime.path(), {});
-        row("ended otherwise", 2, m_runtime.path(), u"the desktop has opened no draft."_s);
-        row("refused", -1, m_runtime.path(), u"not now"_s);
-        row("nowhere to write", 0, u"/none"_s, u"No such file or directory"_s);
+        row("opened", 0, m_drafts, {});
+        row("cancelled, as the user knows", 1, m_drafts, {});
+        row("ended otherwise", 2, m_drafts, u"the desktop has opened no draft."_s);
+        row("refused", -1, m_drafts, u"not now"_s);
+        row("nowhere to write", 0, u"/dev/null/none"_s, u"Not a directory"_s);
     }
     void tellsThatNoDraftWasOpened()
     {
-        const auto [response, runtime, words] = Row::cells();
+        const auto [response, folder, words] = Row::cells();
         m_portal.response = response;
-        qputenv("XDG_RUNTIME_DIR", QFile::encodeName(runtime));
         QWidget window;
-        SharingMenu sharing(m_programBus);
+        SharingMenu sharing(m_programBus, folder);
         openDraft(sharing, window);
         const auto told = [&window] { return window.findChild<QMessageBox *>(); };
         QTRY_VERIFY(told() || !m_portal.attached.isEmpty());
         bool isLater = false; // than all answers before
-        EmailPortal(m_programBus).whenPresent(&window, [&isLater] { isLater = true; });
+        EmailPortal(m_programBus, m_home.filePath(u"other"_s)).whenPresent(&window, [&isLater] {
+            isLater = true;
+        });
         QTRY_VERIFY(isLater);
         QCOMPARE(told() ? told()->text().section(u": "_s, 1) : QString(), words);
     }
@@ -121,7 +118,7 @@ private Q_SLOTS:
     void offersTheTextAloneWithoutThePortal()
     {
         QWidget window;
-        SharingMenu sharing(m_programBus);
+        SharingMenu sharing(m_programBus, m_drafts);
         m_portal.absences = 1;
         const QMenu *without = openMenu(sharing, window);
         const QMenu *with = openMenu(sharing, window);
@@ -150,7 +147,8 @@ private:
     PrivateBus m_bus;
     QDBusConnection m_portalBus = m_bus.connection(u"mail portal"_s);
     QDBusConnection m_programBus = m_bus.connection(u"sharing program"_s);
-    QTemporaryDir m_runtime;
+    QTemporaryDir m_home;
+    QString m_drafts = m_home.filePath(u"drafts"_s);
     QImage m_picture = QImage(2, 2, QImage::Format_RGB32);
     MailPortal m_portal;
 };

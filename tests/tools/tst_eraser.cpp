@@ -9,6 +9,7 @@
 
 #include <core/tasklistfile.h>
 #include <platform/cloud/sqlcloudcontainer.h>
+#include <platform/journal.h>
 #include <platform/notificationcenter.h>
 #include <tools/windows/viewcontrollerdestroy.h>
 #include <ui/uiutil.h>
@@ -61,8 +62,7 @@ struct Eraser : Store
                          .notifications = notifications,
                          .utilities = utilities,
                          .privateFolder = home.privateFolder(),
-                         .contactsErased = [this] { ++erasuresTold; },
-                         .whiteboardErased = [this] { ++erasuresTold; }});
+                         .erased = [this](DataKind) { ++erasuresTold; }});
         window->show();
     }
     ~Eraser()
@@ -133,16 +133,19 @@ private Q_SLOTS:
             QCOMPARE(file.setAside("secret"), QString());
             TemporaryHome::write(path, "secret");
             TemporaryHome::write(file.journalPath(), "secret");
+            const QByteArray elsewhere = "/elsewhere/" + QFileInfo(path).fileName().toUtf8();
+            TemporaryHome::write(file.journalPath() + u".of-another-folder.journal"_s,
+                                 Journal{elsewhere, {}, sha256("secret"), "secret"}.encoded());
         }
         TemporaryHome::write(eraser.home.listPath(), row + "secret^"); // with a row that cannot be read
         (void)eraser.list.splitStringFile(eraser.list.readFromFile());
-        QCOMPARE(eraser.home.filesWith("secret").size(), 3 * 4 + 3); // and contacts, cloud, settings
+        QCOMPARE(eraser.home.filesWith("secret").size(), 3 * 5 + 3); // and contacts, cloud, settings
 
         eraser.erase(allBoxes);
         QCOMPARE(eraser.told(), allGone);
         QCOMPARE(eraser.home.filesWith("secret"), QStringList());
         QCOMPARE(eraser.reloads, 1);
-        QCOMPARE(eraser.erasuresTold, 3);
+        QCOMPARE(eraser.erasuresTold, allBoxes.size());
         QVERIFY(eraser.store.tasks().isEmpty());
         QCOMPARE(eraser.chosen(), 0);
     }
@@ -225,6 +228,31 @@ private Q_SLOTS:
         QCOMPARE(eraser.store.getDelay(), 1000);
         QVERIFY(!eraser.store.getNotification());
         QCOMPARE(eraser.defaults.text(u"other"_s), u"kept"_s);
+    }
+
+    void erasesNothingThatIsOnItsWayToTheCloud()
+    {
+        Eraser eraser;
+        eraser.cloud.setFate(Request::Query, Fate::Hold);
+        QTimer wait;
+        connect(&wait, &QTimer::timeout, this, [&] {
+            eraser.erase({"deleteTasks"});
+            eraser.cloud.release();
+        });
+        wait.start(100);
+        QVERIFY(eraser.store.syncToCloudFromLocal());
+        QCOMPARE(eraser.questions.asked.size(), 0);
+        eraser.erase({});
+        QCOMPARE(eraser.told(), allGone);
+    }
+
+    void theCopiesGoWithoutADocumentsFolder()
+    {
+        Eraser eraser;
+        eraser.keep("secret copy", u"ltodonotes.txt"_s);
+        Documents none(std::nullopt, eraser.home.privateFolder());
+        QCOMPARE(none.erase(u"ltodonotes.txt"_s), u"There is no documents folder."_s);
+        QCOMPARE(eraser.home.filesWith("secret copy"), QStringList());
     }
 
     void staysOpenUntilTheCloudHasAnswered()

@@ -263,12 +263,15 @@ private Q_SLOTS:
         QVERIFY(board.home.kept().size() == 2 && board.home.kept().contains(other));
     }
 
-    void aPictureOfAnotherScaleFillsTheBoard()
+    void aPictureOfAnotherScaleFillsTheBoardAndKeepsItsPixels()
     {
-        Board board(pngOf({1080, 720}, Qt::green));
+        const QByteArray other = pngOf({1080, 720}, Qt::green);
+        Board board(other);
         board.reopen();
-        QCOMPARE(board.at({{0, 0}, {719, 479}}), (Colors{Qt::green, Qt::green}));
-        QCOMPARE(board.home.kept(), QByteArrayList());
+        const QImage shown = board.shown();
+        QCOMPARE(shown.pixelColor(0, 0), QColor(Qt::green));
+        QCOMPARE(shown.pixelColor(shown.width() - 1, shown.height() - 1), QColor(Qt::green));
+        QCOMPARE(TemporaryHome::content(board.path), other); // nothing was drawn
     }
 
     void aPictureThatCannotBeWrittenStaysOnTheBoard()
@@ -309,7 +312,8 @@ private Q_SLOTS:
         window->show();
         QImage picture(2, 2, QImage::Format_RGB32);
         picture.fill(Qt::red);
-        SharingMenu sharing(QDBusConnection(u"none"_s));
+        const TemporaryHome home;
+        SharingMenu sharing(QDBusConnection(u"none"_s), home.path(u"drafts"_s));
         sharing.show({u"a"_s, picture, u"b"_s}, window);
         delete window;
         auto *menu = main.findChild<QMenu *>(u"sharingMenu"_s);

@@ -23,6 +23,7 @@ ContactWindow::~ContactWindow() = default;
 void ContactWindow::openStore(const Outlets &outlets, const FetchRequest &request, const QString &plural)
 {
     m_outlets = outlets;
+    m_request = request;
     m_removeToolTip = m_outlets.remove->toolTip();
     m_nothingToolTip = tr("No %1 are selected.").arg(plural);
     const StoreLoading loading = loadTraced(*m_container);
@@ -54,8 +55,10 @@ void ContactWindow::viewWillDisappear()
         trace("Unable to Save Contacts", error);
 }
 
-void ContactWindow::reload()
+void ContactWindow::reload(const FetchRequest &request)
 {
+    if (request.entityName != m_request.entityName)
+        return;
     m_outlets.table->endEditing();
     if (!managedObjectContext)
         return;

@@ -23,8 +23,8 @@ public:
     void viewWillAppear();
     void viewWillDisappear();
 
-    /// Shows what the store holds, in place of what is pending.
-    void reload();
+    /// Shows what the store holds of the entity, in place of what is pending, where the window is for it.
+    void reload(const FetchRequest &request);
 
 protected:
     struct Outlets
@@ -56,6 +56,7 @@ private:
     std::unique_ptr<PersistentContainer> m_container;
     ManagedObjectContext *managedObjectContext = nullptr;
     Outlets m_outlets = {};
+    FetchRequest m_request;
     QString m_removeToolTip;  // while something is selected
     QString m_nothingToolTip; // while nothing is
 };

@@ -10,7 +10,7 @@ std::optional<int> MessageBoxAlert::ask(const Question &question)
 {
     QMessageBox box(QApplication::activeWindow());
     box.setIcon(QMessageBox::Warning);
-    box.setWindowTitle(QCoreApplication::applicationName());
+    box.setWindowTitle(QApplication::applicationDisplayName());
     // A question without a message text is its informative text alone.
     const bool informativeOnly = question.messageText.isEmpty();
     box.setTextFormat(Qt::PlainText);

@@ -71,8 +71,8 @@ struct SharingMenu::Content
     QImage image; // null without one
 };
 
-SharingMenu::SharingMenu(const QDBusConnection &bus)
-    : m_portal(bus)
+SharingMenu::SharingMenu(const QDBusConnection &bus, const QString &drafts)
+    : m_portal(bus, drafts)
 {
 }
 

@@ -16,8 +16,9 @@ namespace oblino {
 class SharingMenu : public SharingPicker
 {
 public:
-    /// @param bus the session's
-    explicit SharingMenu(const QDBusConnection &bus);
+    /// @param bus     the session's
+    /// @param drafts  the folder for what drafts need; see EmailPortal
+    SharingMenu(const QDBusConnection &bus, const QString &drafts);
 
     using SharingPicker::show;
     void show(const QList<SharingItem> &items, QObject *control) override;

@@ -36,17 +36,22 @@ ViewControllerDestroy::ViewControllerDestroy(ErasableData erasable, QWidget *par
     deleteICloud = m_ui->deleteICloud;
     using Self = ViewControllerDestroy;
     m_categories = {
-        {deleteTasks, &dTask, QStringLiteral("\nTasks"), &Self::eraseTasks},
-        {deleteNotes, &dNotes, QStringLiteral("\nNotes"), &Self::eraseNotes},
-        {deleteWhiteboard, &dWhiteboard, QStringLiteral("\nWhiteboard"), &Self::eraseWhiteboard},
-        {deleteClients, &dClients, QStringLiteral("\nClients"), &Self::eraseClients},
-        {deleteTeamMembers, &dTeamMembers, QStringLiteral("\nTeamMembers"), &Self::eraseTeamMembers},
-        {deleteSettings, &dSettings, QStringLiteral("\nSettings"), &Self::eraseSettings},
-        {deleteICloud, &dICloud, QStringLiteral("\niCloud"), &Self::eraseCloud},
+        {DataKind::Tasks, deleteTasks, &dTask, QStringLiteral("\nTasks"), &Self::eraseTasks},
+        {DataKind::Notes, deleteNotes, &dNotes, QStringLiteral("\nNotes"), &Self::eraseNotes},
+        {DataKind::Whiteboard, deleteWhiteboard, &dWhiteboard, QStringLiteral("\nWhiteboard"),
+         &Self::eraseWhiteboard},
+        {DataKind::Clients, deleteClients, &dClients, QStringLiteral("\nClients"), &Self::eraseClients},
+        {DataKind::TeamMembers, deleteTeamMembers, &dTeamMembers, QStringLiteral("\nTeamMembers"),
+         &Self::eraseTeamMembers},
+        {DataKind::Settings, deleteSettings, &dSettings, QStringLiteral("\nSettings"), &Self::eraseSettings},
+        {DataKind::Cloud, deleteICloud, &dICloud, QStringLiteral("\niCloud"), &Self::eraseCloud},
     };
     connect(deleteAll, &QCheckBox::clicked, this, [this] { pressAll(deleteAll); });
     connect(m_ui->eraseButton, &QPushButton::clicked, this, [this] { OKErase(m_ui->eraseButton); });
     connect(m_ui->closeButton, &QPushButton::clicked, this, &QDialog::close);
+    for (const auto change : {&TaskManager::cloudWaitBegan, &TaskManager::cloudWaitEnded})
+        connect(&m_data.store, change, this, &ViewControllerDestroy::holdWhileCloudIsWaitedFor);
+    holdWhileCloudIsWaitedFor();
     viewDidLoad();
 }
 
@@ -63,6 +68,15 @@ PersistentContainer &ViewControllerDestroy::persistentContainer()
     if (!m_container)
         m_container = makeContactContainer(m_data.privateFolder);
     return *m_container;
+}
+
+// A list on its way to the cloud would go on arriving there after it was erased.
+void ViewControllerDestroy::holdWhileCloudIsWaitedFor()
+{
+    const bool isHeld = m_data.store.isWaitingForCloud();
+    m_ui->eraseButton->setEnabled(!isHeld);
+    m_ui->eraseButton->setToolTip(isHeld ? tr("The cloud is being waited for.")
+                                         : tr("Destroy what is chosen, after a question"));
 }
 
 void ViewControllerDestroy::pressAll(QObject * /*sender*/)
@@ -109,7 +123,11 @@ void ViewControllerDestroy::eraseChosen()
     m_isErasing = true;
     QStringList left;
     for (const Category &category : m_categories) {
-        if (*category.flag && !(this->*category.erase)())
+        if (!*category.flag)
+            continue;
+        if ((this->*category.erase)())
+            m_data.erased(category.kind);
+        else
             left += category.box->text().remove(QLatin1Char('&'));
     }
     m_isErasing = false;
@@ -142,12 +160,9 @@ bool ViewControllerDestroy::eraseNotes()
 bool ViewControllerDestroy::eraseWhiteboard()
 {
     const QString error = WhiteboardFile(m_data.privateFolder).erase(WhiteboardFile::name);
-    if (!report(QStringLiteral("Error Deleting Whiteboard File:") + QDir::currentPath() +
-                    WhiteboardFile::name,
-                error))
-        return false;
-    m_data.whiteboardErased();
-    return true;
+    return report(QStringLiteral("Error Deleting Whiteboard File:") + QDir::currentPath() +
+                      WhiteboardFile::name,
+                  error);
 }
 
 bool ViewControllerDestroy::eraseClients()
@@ -164,10 +179,7 @@ bool ViewControllerDestroy::eraseContacts(const FetchRequest &request, const QSt
 {
     if (!managedObjectContext)
         return report(message, m_storeError);
-    if (!report(message, managedObjectContext->batchDelete(request.entityName)))
-        return false;
-    m_data.contactsErased();
-    return true;
+    return report(message, managedObjectContext->batchDelete(request.entityName));
 }
 
 bool ViewControllerDestroy::eraseSettings()

@@ -25,6 +25,9 @@ class TaskListFile;
 class TaskManager;
 class UIUtil;
 
+/// A kind of data that can be erased.
+enum class DataKind { Tasks, Notes, Whiteboard, Clients, TeamMembers, Settings, Cloud };
+
 /// What the data eraser works on.
 struct ErasableData
 {
@@ -36,15 +39,14 @@ struct ErasableData
     QString privateFolder; ///< where the contacts and the recovery copies lie
     /// Asks the user for what the cloud lacks; answers whether it can be used.
     std::function<bool()> beforeCloud = [] { return true; };
-    /// Called when contacts have gone from the store.
-    std::function<void()> contactsErased = [] {};
-    /// Called when the picture of the whiteboard has gone.
-    std::function<void()> whiteboardErased = [] {};
+    /// Called when all of a kind has gone, for those who hold something of it that nobody sees.
+    std::function<void(DataKind kind)> erased = [](DataKind) {};
 };
 
 /// The data eraser: destroys, after a question, the kinds of data whose boxes are on, with the copies that
-/// the program has kept of them. A kind that fails does not stop the others. What an open window holds is not
-/// touched, and written again when that window next saves.
+/// the program has kept of them. A kind that fails does not stop the others. What an open pad or board shows
+/// is not touched, and written again when that window next saves. Nothing is erased while the cloud is waited
+/// for.
 class ViewControllerDestroy : public QDialog
 {
     Q_OBJECT
@@ -67,6 +69,7 @@ private:
     /// One kind of data. Its step returns whether all of it went.
     struct Category
     {
+        DataKind kind;
         QCheckBox *box;
         bool *flag;
         QString listLine;
@@ -76,6 +79,7 @@ private:
     void viewDidLoad();
     [[nodiscard]] PersistentContainer &persistentContainer();
 
+    void holdWhileCloudIsWaitedFor();
     [[nodiscard]] bool confirmed();
     void eraseChosen();
     [[nodiscard]] bool eraseTasks();

@@ -69,6 +69,11 @@ void ViewControllerNotes::viewDidDisappear()
         setAttribute(Qt::WA_DeleteOnClose, false);
 }
 
+void ViewControllerNotes::discard()
+{
+    textEdit->document()->setModified(false);
+}
+
 void ViewControllerNotes::tick(const QTimer & /*firing*/)
 {
     saveToFile();

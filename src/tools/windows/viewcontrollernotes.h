@@ -41,6 +41,9 @@ public:
 
     void tick(const QTimer &firing);
 
+    /// Gives up a text that is in no file.
+    void discard();
+
 protected:
     void showEvent(QShowEvent *event) override;
     void hideEvent(QHideEvent *event) override;

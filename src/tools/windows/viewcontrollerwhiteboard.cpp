@@ -145,14 +145,19 @@ void ViewControllerWhiteboard::shareImage(QObject *sender)
 
 void ViewControllerWhiteboard::loadImage()
 {
-    if (!m_unsaved.isNull())
+    if (!m_unsaved.isNull()) {
         whiteboard->setImage(m_unsaved);
-    else if (m_path)
+    } else if (m_path) {
+        m_isChanged = false;
         whiteboard->setImage(m_file.read(*m_path + QLatin1Char('/') + WhiteboardFile::name, board));
+    }
 }
 
 void ViewControllerWhiteboard::capture()
 {
+    // On a screen of fewer pixels the picture would lose some for nothing.
+    if (!m_isChanged && m_unsaved.isNull() && m_file.isAsSeen())
+        return;
     const qreal pixels = devicePixelRatioF();
     QImage bitmap((QSizeF(board) * pixels).toSize(), QImage::Format_RGB32);
     if (bitmap.isNull())
@@ -171,6 +176,7 @@ void ViewControllerWhiteboard::savePNG(const QImage &image, const QString &path)
         return;
     const QString error = m_file.write(png, path);
     m_unsaved = error.isEmpty() ? QImage() : image;
+    m_isChanged = false;
     if (!error.isEmpty())
         trace("caught:", error);
 }
@@ -184,6 +190,7 @@ void ViewControllerWhiteboard::eraseDrawing()
 void ViewControllerWhiteboard::eraseAllContent()
 {
     m_unsaved = {};
+    m_isChanged = true;
     whiteboard->setImage({});
     trace("Subviews:", findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly).size());
     eraseDrawing();

@@ -83,7 +83,8 @@ private:
     SharingPicker &m_picker;
     std::unique_ptr<Ui::ViewControllerWhiteboard> m_ui;
     WhiteboardFile m_file;
-    QImage m_unsaved; // the picture that could not be written; null where the file holds it
+    QImage m_unsaved;         // the picture that could not be written; null where the file holds it
+    bool m_isChanged = false; // since it was last written or read
     Line *m_line = nullptr;
     std::optional<QDir> fileManager;
     std::optional<QString> m_path; // the folder of the file
