@@ -1,4 +1,4 @@
-# Sourced by the scripts that take pictures of the program's windows, after setup.sh: starts a virtual display,
+# Sourced, after setup.sh, by the scripts that show the program on a display: starts a virtual display,
 # finds and pictures windows on it. What the including script starts in the background ends with it, and the
 # folder $work goes too.
 
