@@ -10,6 +10,8 @@
 #include <support/widgets.h>
 #include <ui/uiutil.h>
 
+#include <QSignalSpy>
+
 #include <atomic>
 
 using namespace oblino;

@@ -5,6 +5,8 @@
 
 #include <platform/widgets/messageboxalert.h>
 
+#include <QSignalSpy>
+
 #include <functional>
 
 using namespace oblino;
