@@ -18,6 +18,8 @@ bool resolve(QLibrary &library, Function &function, const char *name)
 std::optional<PostgresLibrary> loaded()
 {
     QLibrary library(QStringLiteral("pq"), 5);
+    // Else Qt unloads it at the end of the program, perhaps under a thread that still looks up a host.
+    library.setLoadHints(QLibrary::PreventUnloadHint);
     PostgresLibrary pq;
     const bool complete =
         resolve(library, pq.connectStartParams, "PQconnectStartParams") &&
