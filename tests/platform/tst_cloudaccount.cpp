@@ -103,18 +103,6 @@ class tst_cloudaccount : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    // A container's thread ends by itself, with what OpenSSL keeps for it.
-    void cleanup()
-    {
-        const auto namedLikeThis = [] {
-            qsizetype count = 0;
-            for (QDirIterator task(u"/proc/self/task"_s, QDir::Dirs | QDir::NoDotAndDotDot); task.hasNext();)
-                count += TemporaryHome::content(task.next() + u"/comm"_s) == "tst_platform\n" ? 1 : 0;
-            return count;
-        };
-        QTRY_COMPARE(namedLikeThis(), 1); // this one
-    }
-
     void keepsTheAccountForTheNextRun()
     {
         const TemporaryHome home;
