@@ -53,6 +53,14 @@ private:
     bool m_complete = true;
 };
 
+// Where every journal begins. @return nothing where this is none
+QByteArrayView takePath(Pieces &pieces)
+{
+    if (pieces.take(static_cast<quint64>(magic.size())) != magic || pieces.takeNumber<quint32>() != version)
+        return {};
+    return pieces.take(pieces.takeNumber<quint32>());
+}
+
 } // namespace
 
 // Qt's own SHA-256 takes some ten times as long, which is felt when a large list is saved.
@@ -85,14 +93,12 @@ QByteArray Journal::encoded() const
 std::optional<Journal> Journal::decoded(const QByteArray &bytes)
 {
     Pieces pieces(bytes);
-    if (pieces.take(static_cast<quint64>(magic.size())) != magic || pieces.takeNumber<quint32>() != version)
-        return std::nullopt;
-    const QByteArrayView path = pieces.take(pieces.takeNumber<quint32>());
+    const QByteArrayView path = takePath(pieces);
     const QByteArrayView oldHash = pieces.take(hashSize);
     const QByteArrayView newHash = pieces.take(hashSize);
     const QByteArrayView text = pieces.take(pieces.takeNumber<quint64>());
     const QByteArrayView checksum = pieces.take(hashSize);
-    if (!pieces.areUsedUp())
+    if (path.isEmpty() || !pieces.areUsedUp())
         return std::nullopt;
     const QByteArrayView covered(bytes.constData(), bytes.size() - hashSize);
     if (sha256(covered) != checksum)
@@ -105,9 +111,7 @@ std::optional<Journal> Journal::decoded(const QByteArray &bytes)
 QByteArray Journal::pathIn(const QByteArray &bytes)
 {
     Pieces pieces(bytes);
-    if (pieces.take(static_cast<quint64>(magic.size())) != magic || pieces.takeNumber<quint32>() != version)
-        return {};
-    return pieces.take(pieces.takeNumber<quint32>()).toByteArray();
+    return takePath(pieces).toByteArray();
 }
 
 } // namespace oblino

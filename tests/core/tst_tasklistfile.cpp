@@ -1,4 +1,4 @@
-#include "store.h"
+#include "tasksupport.h"
 
 #include <core/tasklistfile.h>
 #include <core/taskrowreader.h>

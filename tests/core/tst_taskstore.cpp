@@ -1,4 +1,4 @@
-#include "store.h"
+#include "tasksupport.h"
 
 #include <core/tasklistwriter.h>
 #include <core/taskrowreader.h>

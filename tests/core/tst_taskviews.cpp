@@ -1,4 +1,4 @@
-#include "store.h"
+#include "tasksupport.h"
 
 #include <core/taskordering.h>
 #include <core/tasksearch.h>

@@ -1,9 +1,12 @@
 #include <tools/windows/viewcontrollerdestroy.h>
 
+#include <contacts/contactmodel.h>
 #include <core/tasklistfile.h>
 #include <core/taskmanager.h>
 #include <platform/notificationcenter.h>
 #include <platform/trace.h>
+#include <tools/notesfile.h>
+#include <tools/whiteboardfile.h>
 #include <ui/uiutil.h>
 #include <ui_viewcontrollerdestroy.h>
 

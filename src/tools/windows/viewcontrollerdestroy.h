@@ -1,12 +1,7 @@
 #pragma once
 
-#include <tools/notesfile.h>
-#include <tools/whiteboardfile.h>
-
-#include <contacts/contactmodel.h>
-
 #include <QDialog>
-#include <QStringList>
+#include <QString>
 
 #include <functional>
 #include <memory>
@@ -20,10 +15,14 @@ namespace Ui {
 class ViewControllerDestroy;
 }
 
+class Documents;
+class ManagedObjectContext;
 class NotificationCenter;
+class PersistentContainer;
 class TaskListFile;
 class TaskManager;
 class UIUtil;
+struct FetchRequest;
 
 /// A kind of data that can be erased.
 enum class DataKind { Tasks, Notes, Whiteboard, Clients, TeamMembers, Settings, Cloud };
