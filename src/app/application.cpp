@@ -96,9 +96,8 @@ template<typename Window, typename... Arguments>
 void Application::open(Arguments &&...arguments)
 {
     auto *window = m_mainWindow->findChild<Window *>();
-    if (!window) {
+    if (!window)
         window = new Window(std::forward<Arguments>(arguments)..., m_mainWindow.get());
-    }
     window->setAttribute(Qt::WA_DeleteOnClose); // again, where one has outlived its closing
     window->show();
     window->raise();
