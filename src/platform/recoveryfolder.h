@@ -10,6 +10,20 @@ namespace oblino {
 
 class OpenFile;
 
+/// Why a version of a user's file was kept.
+enum class VersionReason {
+    Daily,        ///< what the file held before the first change of a day
+    OtherProgram, ///< another program had changed the file, and a save replaced that
+    Unread,       ///< the file held something that had not been read
+    Interrupted,  ///< the text of a save that was not completed
+    Damaged,      ///< the record of such a save, which cannot be read
+    SetAside,     ///< rows that cannot be read, or hold more than a task
+    Conflict,     ///< tasks that were changed here and elsewhere: those from elsewhere
+    Replaced,     ///< the list here before one that another program wrote took its place
+    Restored,     ///< what there was before an earlier version was restored
+    Rescued,      ///< a text that could not be saved when the program ended
+};
+
 /// The folder in which versions of the user's files are kept that would otherwise be lost. What is kept is
 /// safely on disk when a function returns, is readable by the user alone, and is never overwritten.
 class RecoveryFolder
