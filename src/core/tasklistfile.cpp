@@ -108,11 +108,11 @@ bool TaskListFile::keepUnreadableRows(SafeFile &file)
 {
     if (m_unreadableRows.isEmpty())
         return true;
-    const QString error = file.setAside(m_unreadableRows.join(separatorRowsFile) + separatorRowsFile);
-    if (!error.isEmpty())
-        return failed(error);
+    const SettingAside kept = file.setAside(m_unreadableRows.join(separatorRowsFile) + separatorRowsFile);
+    if (!kept.error.isEmpty())
+        return failed(kept.error);
     m_notices += QStringLiteral("%1 of %2 could not be read and now lie in %3.")
-                     .arg(rowCount(m_unreadableRows.size()), name, file.asidePath());
+                     .arg(rowCount(m_unreadableRows.size()), name, kept.path);
     m_unreadableRows.clear();
     return true;
 }

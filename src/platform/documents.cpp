@@ -51,15 +51,19 @@ QString Documents::path(const QString &name) const
     return m_folder ? QDir(*m_folder).filePath(name) : name;
 }
 
+EarlierVersions Documents::versions(const QString &name) const
+{
+    return EarlierVersions(
+        name, EarlierVersions::standardFolders(m_privateFolder, m_folder.value_or(QString())), m_calls);
+}
+
 QString Documents::erase(const QString &name)
 {
     if (SafeFile *documentsFile = file(name))
         return documentsFile->erase();
-    RecoveryFolder recovery(QDir(m_privateFolder).filePath(QStringLiteral("recovery")), m_calls);
-    return recovery.erase(name) == 0
-               ? QStringLiteral("There is no documents folder.")
-               : QStringLiteral("There is no documents folder, and %1 could not be emptied.")
-                     .arg(recovery.path());
+    const QString left = versions(name).removeAll();
+    return left.isEmpty() ? QStringLiteral("There is no documents folder.")
+                          : QStringLiteral("There is no documents folder. %1").arg(left);
 }
 
 QStringList Documents::takeNotices()

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <platform/earlierversions.h>
 #include <platform/safefile.h>
 
 #include <QString>
@@ -31,7 +32,10 @@ public:
     /// The whole path of the file; the name alone where there is no folder.
     [[nodiscard]] QString path(const QString &name) const;
 
-    /// Removes the file and every copy that was kept of it, as SafeFile::erase() does.
+    /// What is kept of the file `name` besides the file itself.
+    [[nodiscard]] EarlierVersions versions(const QString &name) const;
+
+    /// Removes the file and every version that was kept of it, as SafeFile::erase() does.
     /// @return an error in words for the user, empty when nothing is left; a missing folder is an error
     [[nodiscard]] QString erase(const QString &name);
 

@@ -228,4 +228,9 @@ QString errorWords(int error)
     return error == OpenFile::notRegular ? u"it is not a regular file"_s : qt_error_string(error);
 }
 
+QString notWritable(const QString &place, int error)
+{
+    return u"“%1” could not be written: %2."_s.arg(place, errorWords(error));
+}
+
 } // namespace oblino

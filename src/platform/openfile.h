@@ -30,6 +30,8 @@ public:
     /// Opens for writing a file (0600) in a private folder (0700), and makes the folder when it is missing.
     [[nodiscard]] int openPrivate(const QByteArray &path, int flags);
 
+    [[nodiscard]] bool isOpen() const { return m_fd != -1; }
+
     [[nodiscard]] int takeStatus();
     /// The status as it was last taken.
     [[nodiscard]] const struct stat &status() const { return m_status; }
@@ -68,5 +70,8 @@ private:
 
 /// A failure of the functions above in words for the user, fit for the end of a sentence.
 [[nodiscard]] QString errorWords(int error);
+
+/// The sentence that `place`, a folder or a file by its path, could not be written.
+[[nodiscard]] QString notWritable(const QString &place, int error);
 
 } // namespace oblino

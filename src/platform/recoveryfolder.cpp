@@ -1,33 +1,20 @@
 #include <platform/recoveryfolder.h>
 
+#include <platform/clock.h>
 #include <platform/openfile.h>
 
-#include <QDateTime>
 #include <QDir>
 #include <QFile>
-#include <QRegularExpression>
+#include <QFileInfo>
 
+#include <algorithm>
 #include <cerrno>
 #include <utility>
 
 #include <fcntl.h>
+#include <unistd.h>
 
 namespace oblino {
-
-using namespace Qt::Literals::StringLiterals;
-
-namespace {
-
-const QString timeFormat = u"yyyy-MM-dd HH.mm.ss"_s;
-
-// A name may have 255 bytes, and a character may take three of them.
-QString keptName(const QString &name)
-{
-    constexpr int longest = 60;
-    return name.right(longest);
-}
-
-} // namespace
 
 RecoveryFolder::RecoveryFolder(QString path, FileCalls &calls)
     : m_path(std::move(path))
@@ -35,28 +22,24 @@ RecoveryFolder::RecoveryFolder(QString path, FileCalls &calls)
 {
 }
 
-QString RecoveryFolder::asidePath(const QString &name) const
-{
-    return m_path + u"/set-aside "_s + keptName(name);
-}
-
-RecoveryFolder::Kept RecoveryFolder::create(OpenFile &file, const QString &name)
+RecoveryFolder::Kept RecoveryFolder::create(OpenFile &file, const QString &name, VersionReason reason)
 {
     constexpr int mostInOneSecond = 1000;
-    const QString start = m_path + u'/' + QDateTime::currentDateTime().toString(timeFormat);
+    VersionName version{now(), 1, reason};
     Kept kept{EEXIST, {}};
-    for (int number = 1; kept.error == EEXIST && number <= mostInOneSecond; ++number) {
-        const QString counter = number > 1 ? u" (%1)"_s.arg(number) : QString();
-        kept.path = start + counter + u' ' + keptName(name);
+    for (; kept.error == EEXIST && version.number <= mostInOneSecond; ++version.number) {
+        kept.path = m_path + u'/' + version.fileName(name);
         kept.error = file.openPrivate(QFile::encodeName(kept.path), O_EXCL);
     }
+    if (kept.error != 0 && file.isOpen())
+        m_calls.unlink(QFile::encodeName(kept.path)); // made, but of no use
     return kept;
 }
 
-RecoveryFolder::Kept RecoveryFolder::keep(const QByteArray &bytes, const QString &name)
+RecoveryFolder::Kept RecoveryFolder::keep(const QByteArray &bytes, const QString &name, VersionReason reason)
 {
     OpenFile file(m_calls);
-    Kept kept = create(file, name);
+    Kept kept = create(file, name, reason);
     if (kept.error != 0)
         return kept;
     kept.error = file.writeAll(bytes);
@@ -69,11 +52,11 @@ RecoveryFolder::Kept RecoveryFolder::keep(const QByteArray &bytes, const QString
     return kept;
 }
 
-RecoveryFolder::Kept RecoveryFolder::move(const QByteArray &file, const QString &name)
+RecoveryFolder::Kept RecoveryFolder::move(const QByteArray &file, const QString &name, VersionReason reason)
 {
     // rename() replaces what is in its way, so the new name is taken first.
     OpenFile placeholder(m_calls);
-    Kept kept = create(placeholder, name);
+    Kept kept = create(placeholder, name, reason);
     if (kept.error != 0)
         return kept;
     const QByteArray to = QFile::encodeName(kept.path);
@@ -88,44 +71,32 @@ RecoveryFolder::Kept RecoveryFolder::move(const QByteArray &file, const QString 
     return kept;
 }
 
-int RecoveryFolder::append(const QByteArray &bytes, const QString &name)
+QList<RecoveryFolder::Version> RecoveryFolder::versions(const QString &name) const
 {
-    const QString time = QDateTime::currentDateTime().toString(u"yyyy-MM-dd HH:mm:ss"_s);
-    QByteArray entry = u"== %1 %2 ==\n"_s.arg(time, name).toUtf8() + bytes;
-    if (!entry.endsWith('\n'))
-        entry += '\n';
-
-    OpenFile file(m_calls);
-    int error = file.openPrivate(QFile::encodeName(asidePath(name)), 0);
-    if (error != 0)
-        return error;
-    const off_t end = file.status().st_size;
-    error = file.writeAll(entry, end);
-    if (error == 0)
-        error = file.sync();
-    if (error == 0)
-        return syncFolder(m_calls, QFile::encodeName(m_path));
-    // Half an entry would be taken for the whole; nothing is left to do where it cannot be removed.
-    static_cast<void>(file.resize(end));
-    return error;
-}
-
-int RecoveryFolder::erase(const QString &name)
-{
-    const QStringList files = filesOf(name);
-    for (const QString &file : files) {
-        if (m_calls.unlink(QFile::encodeName(m_path + u'/' + file)) != 0 && errno != ENOENT)
-            return errno;
+    QList<Version> versions;
+    for (const QFileInfo &file : QDir(m_path).entryInfoList(QDir::Files | QDir::Hidden)) {
+        std::optional<VersionName> version = VersionName::parse(file.fileName(), name);
+        if (!version || !isOwnFile(file.filePath()))
+            continue;
+        if (!version->time.isValid())
+            version->time = file.lastModified();
+        versions << Version{file.filePath(), *version};
     }
-    return files.isEmpty() ? 0 : syncFolder(m_calls, QFile::encodeName(m_path));
+    std::ranges::stable_sort(versions, [](const Version &a, const Version &b) {
+        return std::pair(a.name.time, a.name.number) > std::pair(b.name.time, b.name.number);
+    });
+    return versions;
 }
 
-QStringList RecoveryFolder::filesOf(const QString &name) const
+bool isOwnFile(const QString &path)
 {
-    static const QString start = u"\\d{4}-\\d\\d-\\d\\d \\d\\d\\.\\d\\d\\.\\d\\d( \\(\\d+\\))?"_s;
-    const QRegularExpression pattern(QRegularExpression::anchoredPattern(
-        u"(%1|set-aside) %2(\\.journal)?"_s.arg(start, QRegularExpression::escape(keptName(name)))));
-    return QDir(m_path).entryList(QDir::Files | QDir::Hidden).filter(pattern);
+    const QByteArray file = QFile::encodeName(path);
+    struct stat status = {};
+    struct stat folder = {};
+    if (::lstat(file.constData(), &status) != 0 || ::stat(parentFolder(file).constData(), &folder) != 0)
+        return false;
+    const bool othersMayWrite = (folder.st_mode & (S_IWGRP | S_IWOTH)) != 0;
+    return S_ISREG(status.st_mode) && (status.st_uid == ::geteuid() || !othersMayWrite);
 }
 
 } // namespace oblino

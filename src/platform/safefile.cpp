@@ -1,5 +1,6 @@
 #include <platform/safefile.h>
 
+#include <platform/earlierversions.h>
 #include <platform/openfile.h>
 
 #include <QDir>
@@ -17,9 +18,10 @@ using namespace Qt::Literals::StringLiterals;
 
 SafeFile::SafeFile(QString path, const QString &privateFolder, FileCalls &calls)
     : m_path(std::move(path))
+    , m_privateFolder(QDir(privateFolder).absolutePath())
     , m_calls(calls)
-    , m_journals(QDir(privateFolder).absolutePath(), calls)
-    , m_recovery(QDir(privateFolder).absoluteFilePath(u"recovery"_s), calls)
+    , m_journals(m_privateFolder, calls)
+    , m_recovery(m_privateFolder + u"/recovery"_s, calls)
 {
 }
 
@@ -38,15 +40,12 @@ QString SafeFile::recoveryFolder() const
     return m_recovery.path();
 }
 
-QString SafeFile::asidePath() const
+SettingAside SafeFile::setAside(const QByteArray &bytes)
 {
-    return m_recovery.asidePath(fileName());
-}
-
-QString SafeFile::setAside(const QByteArray &bytes)
-{
-    const int error = m_recovery.append(bytes, fileName());
-    return error == 0 ? QString() : u"“%1” could not be written: %2."_s.arg(asidePath(), errorWords(error));
+    const RecoveryFolder::Kept kept = m_recovery.keep(bytes, fileName(), VersionReason::SetAside);
+    if (kept.error != 0)
+        return {{}, notWritable(m_recovery.path(), kept.error)};
+    return {kept.path, {}};
 }
 
 QStringList SafeFile::recover()
@@ -71,7 +70,8 @@ QStringList SafeFile::recover()
 
 void SafeFile::setJournalAside(const QByteArray &path, QStringList &notices)
 {
-    const RecoveryFolder::Kept kept = m_recovery.move(m_journals.fileFor(path), fileName() + u".journal"_s);
+    const RecoveryFolder::Kept kept =
+        m_recovery.move(m_journals.fileFor(path), fileName() + u".journal"_s, VersionReason::Damaged);
     if (kept.error == 0) {
         m_strayJournal = false;
         notices << u"The record of an interrupted save of “%1” is damaged. It was moved to %2."_s.arg(
@@ -93,7 +93,7 @@ void SafeFile::finish(const Journal &journal, QStringList &notices)
         return;
     }
     if (error == 0 && !m_seen.known) {
-        error = keepUnless({journal.oldHash, journal.newHash}, file,
+        error = keepUnless({journal.oldHash, journal.newHash}, file, VersionReason::OtherProgram,
                            u"A save of “%1” was interrupted and has been completed. The file held something "
                            u"else meanwhile, which was copied to %2."_s,
                            notices);
@@ -122,27 +122,40 @@ bool SafeFile::holds(const QByteArray &path, const QByteArray &hash)
     return file.openRegular(path, O_RDONLY) == 0 && file.readAll(bytes) == 0 && sha256(bytes) == hash;
 }
 
-FileReading SafeFile::read()
+FileReading SafeFile::look()
 {
     FileReading reading;
     OpenFile file(m_calls);
     int error = file.openRegular(withoutLinks(m_path), O_RDONLY);
     if (error == 0)
         error = file.readAll(reading.bytes);
-    if (error != 0) {
-        m_seen = {};
-        reading.bytes.clear();
-        reading.outcome = error == ENOENT ? FileReading::Outcome::Missing : FileReading::Outcome::Failed;
-        if (error != ENOENT)
-            reading.error = u"“%1” could not be read: %2."_s.arg(fileName(), errorWords(error));
+    reading.status = file.status();
+    if (error == 0) {
+        reading.outcome = FileReading::Outcome::Read;
         return reading;
     }
-    reading.outcome = FileReading::Outcome::Read;
-    if (m_pending) {
+    reading.bytes.clear();
+    reading.outcome = error == ENOENT ? FileReading::Outcome::Missing : FileReading::Outcome::Failed;
+    if (error != ENOENT)
+        reading.error = u"“%1” could not be read: %2."_s.arg(fileName(), errorWords(error));
+    return reading;
+}
+
+void SafeFile::take(const FileReading &reading)
+{
+    m_seen = {};
+    if (reading.outcome == FileReading::Outcome::Read)
+        m_seen = {true, reading.status, reading.bytes};
+}
+
+FileReading SafeFile::read()
+{
+    FileReading reading = look();
+    if (m_pending && reading.outcome == FileReading::Outcome::Read) {
         reading.bytes = *m_pending;
         m_strayJournal = false;
     } else {
-        m_seen = {true, file.status(), sha256(reading.bytes)};
+        take(reading);
     }
     return reading;
 }
@@ -150,7 +163,7 @@ FileReading SafeFile::read()
 bool SafeFile::isAsSeen()
 {
     OpenFile file(m_calls);
-    return m_seen.known && !m_seen.hash.isEmpty() && !m_pending &&
+    return m_seen.known && m_seen.content && !m_pending &&
            file.openRegular(withoutLinks(m_path), O_RDONLY) == 0 && isUntouched(m_seen.status, file.status());
 }
 
@@ -166,8 +179,10 @@ QString SafeFile::erase()
     if (const int left = m_journals.erase(path); left != 0)
         return words.arg(journalPath(), errorWords(left));
     m_strayJournal = false;
-    if (const int left = m_recovery.erase(fileName()); left != 0)
-        return words.arg(m_recovery.path(), errorWords(left));
+    EarlierVersions versions(
+        fileName(), EarlierVersions::standardFolders(m_privateFolder, QFileInfo(m_path).path()), m_calls);
+    if (QString left = versions.removeAll(); !left.isEmpty())
+        return left;
     return error == 0 ? QString() : words.arg(fileName(), errorWords(error));
 }
 
@@ -203,7 +218,7 @@ int SafeFile::save(const QByteArray &bytes, QStringList &notices)
         error = keepStrayJournal(journal, notices);
     if (error == 0)
         error = file.reserve(bytes.size());
-    journal.oldHash = m_seen.hash;
+    journal.oldHash = m_seen.content ? sha256(*m_seen.content) : QByteArray();
     if (error == 0)
         error = m_journals.store(journal, isInPlace);
     if (isInPlace)
@@ -223,43 +238,43 @@ int SafeFile::openForSaving(OpenFile &file, const QByteArray &path)
     if (creating != 0)
         return creating == EEXIST ? file.openRegular(path, O_RDWR) : creating;
     m_nameIsSafe = false;
-    m_seen = {true, {}, sha256({})};
+    m_seen = {true, {}, QByteArray()};
     return file.takeStatus();
 }
 
 int SafeFile::keepOtherVersion(OpenFile &file, QStringList &notices)
 {
     const bool untouched = m_seen.known && isUntouched(m_seen.status, file.status());
-    if (untouched && !m_seen.hash.isEmpty())
+    if (untouched && m_seen.content)
         return 0;
     if (untouched) {
         // Our own torn writing. Knowing its hash only spares a needless copy after a crash.
         QByteArray torn;
         if (file.readAll(torn) == 0)
-            m_seen.hash = sha256(torn);
+            m_seen.content = torn;
         return 0;
     }
     m_nameIsSafe = false;
-    const QString words = m_seen.known
-                              ? u"“%1” was changed by another program. That version was copied to %2."_s
-                              : u"“%1” held something that had not been read. It was copied to %2."_s;
-    return keepUnless(m_seen.known ? QList{m_seen.hash} : QList<QByteArray>(), file, words, notices);
+    const bool isChanged = m_seen.known;
+    const QString words = isChanged ? u"“%1” was changed by another program. That version was copied to %2."_s
+                                    : u"“%1” held something that had not been read. It was copied to %2."_s;
+    return keepUnless(m_seen.content ? QList{sha256(*m_seen.content)} : QList<QByteArray>(), file,
+                      isChanged ? VersionReason::OtherProgram : VersionReason::Unread, words, notices);
 }
 
-int SafeFile::keepUnless(const QList<QByteArray> &known, OpenFile &file, const QString &words,
-                         QStringList &notices)
+int SafeFile::keepUnless(const QList<QByteArray> &knownHashes, OpenFile &file, VersionReason reason,
+                         const QString &words, QStringList &notices)
 {
     QByteArray bytes;
     if (const int error = file.readAll(bytes); error != 0)
         return error;
-    const QByteArray hash = sha256(bytes);
-    if (!known.contains(hash)) {
-        const RecoveryFolder::Kept kept = m_recovery.keep(bytes, fileName());
+    if (!knownHashes.contains(sha256(bytes))) {
+        const RecoveryFolder::Kept kept = m_recovery.keep(bytes, fileName(), reason);
         if (kept.error != 0)
             return kept.error;
         notices << words.arg(fileName(), kept.path);
     }
-    m_seen = {true, file.status(), hash};
+    m_seen = {true, file.status(), bytes};
     return 0;
 }
 
@@ -275,8 +290,9 @@ int SafeFile::keepStrayJournal(const Journal &next, QStringList &notices)
     }
     const bool isText = journal && journal->path == next.path;
     const RecoveryFolder::Kept kept =
-        isText ? m_recovery.keep(journal->text, fileName())
-               : m_recovery.move(m_journals.fileFor(next.path), fileName() + u".journal"_s);
+        isText ? m_recovery.keep(journal->text, fileName(), VersionReason::Interrupted)
+               : m_recovery.move(m_journals.fileFor(next.path), fileName() + u".journal"_s,
+                                 VersionReason::Damaged);
     if (kept.error == 0) {
         m_strayJournal = false;
         notices << u"An earlier save of “%1” was never completed. Its text was copied to %2."_s.arg(
@@ -297,7 +313,8 @@ int SafeFile::overwrite(OpenFile &file, const Journal &journal)
     m_nameIsSafe = m_nameIsSafe || error == 0;
     // A status that cannot be had only makes the next save compare contents.
     const bool hasStatus = file.takeStatus() == 0;
-    m_seen = {true, hasStatus ? file.status() : m_seen.status, error == 0 ? journal.newHash : QByteArray()};
+    m_seen = {true, hasStatus ? file.status() : m_seen.status,
+              error == 0 ? std::optional(journal.text) : std::nullopt};
     if (error != 0)
         return error;
     // Not synced: a journal that a power cut brings back holds what the file holds.

@@ -21,8 +21,9 @@ struct FileReading
     enum class Outcome { Read, Missing, Failed };
 
     Outcome outcome = Outcome::Failed;
-    QByteArray bytes; ///< the file's content when it was read, else empty
-    QString error;    ///< why it failed, in words for the user, else empty
+    QByteArray bytes;        ///< the file's content when it was read, else empty
+    QString error;           ///< why it failed, in words for the user, else empty
+    struct stat status = {}; ///< of the file when reading it began
 };
 
 /// What came of writing a whole file.
@@ -31,6 +32,13 @@ struct FileWriting
     bool written = false;
     QString error;       ///< why it was not written, in words for the user
     QStringList notices; ///< what the user should know besides, written or not, in whole sentences
+};
+
+/// What came of setting bytes aside.
+struct SettingAside
+{
+    QString path;  ///< the file that holds them
+    QString error; ///< why there is none, in words for the user, empty when it was done
 };
 
 /// One file of the user's, rewritten whole and in place, so that its inode, links, owner and mode stay. A
@@ -58,10 +66,22 @@ public:
     /// lies complete in the journal.
     [[nodiscard]] FileWriting write(const QByteArray &bytes);
 
+    /// Reads the whole file as it is, as read() does, but neither remembers it nor answers the text of an
+    /// unfinished save.
+    [[nodiscard]] FileReading look();
+
+    /// Remembers what look() answered as read().
+    void take(const FileReading &reading);
+
     /// Takes what was read as not read: the next write() copies it into the recovery folder first.
     void forget() { m_seen = {}; }
 
-    /// Removes the file, and what journal and recovery folder hold of it, old versions too. A link to it
+    /// Whether it is known what the file held when it was last read or written.
+    [[nodiscard]] bool hasSeen() const { return m_seen.known && m_seen.content; }
+    /// That content; empty where it is not known.
+    [[nodiscard]] QByteArray lastSeen() const { return hasSeen() ? *m_seen.content : QByteArray(); }
+
+    /// Removes the file, its journal and every version that was kept of it, rescued texts too. A link to it
     /// stays. While the file cannot be removed, nothing is.
     /// @return an error in words for the user, empty when nothing is left; a file that is missing is an error
     [[nodiscard]] QString erase();
@@ -69,23 +89,20 @@ public:
     /// Whether the file still is, by its status, what was last read or written without a failure. Cheap.
     [[nodiscard]] bool isAsSeen();
 
-    /// Appends `bytes` under a dated heading to a file in the recovery folder and sees them safely on disk.
-    /// @return an error in words for the user, empty when it was done
-    [[nodiscard]] QString setAside(const QByteArray &bytes);
+    /// Keeps `bytes` as a version of the file, made of what it holds and cannot be read, safely on disk.
+    [[nodiscard]] SettingAside setAside(const QByteArray &bytes);
 
     [[nodiscard]] QString path() const { return m_path; }
     [[nodiscard]] QString journalPath() const;
     [[nodiscard]] QString recoveryFolder() const;
-    /// The file that setAside() appends to.
-    [[nodiscard]] QString asidePath() const;
 
 private:
     /// What is known of the file.
     struct Seen
     {
-        bool known = false;      ///< the content was read, or is our own writing
-        struct stat status = {}; ///< when it was last looked at
-        QByteArray hash;         ///< of the content, empty after a write that failed midway
+        bool known = false;                ///< the content was read, or is our own writing
+        struct stat status = {};           ///< when it was last looked at
+        std::optional<QByteArray> content; ///< none after a write that failed midway
     };
 
     [[nodiscard]] QString fileName() const;
@@ -94,8 +111,8 @@ private:
     [[nodiscard]] int save(const QByteArray &bytes, QStringList &notices);
     [[nodiscard]] int openForSaving(OpenFile &file, const QByteArray &path);
     [[nodiscard]] int keepOtherVersion(OpenFile &file, QStringList &notices);
-    [[nodiscard]] int keepUnless(const QList<QByteArray> &known, OpenFile &file, const QString &words,
-                                 QStringList &notices);
+    [[nodiscard]] int keepUnless(const QList<QByteArray> &knownHashes, OpenFile &file, VersionReason reason,
+                                 const QString &words, QStringList &notices);
     [[nodiscard]] int keepStrayJournal(const Journal &next, QStringList &notices);
     [[nodiscard]] int overwrite(OpenFile &file, const Journal &journal);
     [[nodiscard]] bool holds(const QByteArray &path, const QByteArray &hash);
@@ -103,6 +120,7 @@ private:
     void setJournalAside(const QByteArray &path, QStringList &notices);
 
     QString m_path;
+    QString m_privateFolder;
     FileCalls &m_calls;
     JournalStore m_journals;
     RecoveryFolder m_recovery;

@@ -79,7 +79,7 @@ QString WhiteboardFile::moveHuge(const QString &path)
         return {};
     RecoveryFolder recovery(m_file->recoveryFolder(), FileCalls::posix());
     const RecoveryFolder::Kept kept =
-        recovery.move(QFile::encodeName(info.canonicalFilePath()), info.fileName());
+        recovery.move(QFile::encodeName(info.canonicalFilePath()), info.fileName(), VersionReason::Unread);
     return kept.error == 0 ? QString()
                            : QStringLiteral("“%1” could not be kept: %2.").arg(path, errorWords(kept.error));
 }

@@ -8,7 +8,6 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
-#include <QRegularExpression>
 #include <QTest>
 
 #include <functional>
@@ -40,6 +39,7 @@ private Q_SLOTS:
     void refusesWhatIsNoRegularFile();
     void failedRead();
     void settingAside();
+    void looking();
     void documents();
 };
 
@@ -149,20 +149,39 @@ void tst_safefile::settingAside()
     const Place place;
     FaultyFileCalls calls;
     SafeFile file(place.path, place.privateFolder, calls);
-    QCOMPARE(file.setAside("first"), QString());
+    const SettingAside first = file.setAside("first");
+    QVERIFY(first.error.isEmpty() && contentOf(first.path) == "first");
     QVERIFY2(calls.names.empty() && calls.bytes.empty(), "a power cut loses nothing");
-    const QByteArray first = contentOf(file.asidePath());
     for (int call = 1; call <= 4; ++call) {
         calls.arm(call, ENOSPC);
-        QVERIFY(!file.setAside("lost").isEmpty());
-        QCOMPARE(contentOf(file.asidePath()), first);
+        const SettingAside lost = file.setAside("lost");
+        QVERIFY(lost.path.isEmpty() && lost.error.contains(file.recoveryFolder()));
     }
     calls.arm(0, 0);
-    QCOMPARE(file.setAside("second\n"), QString());
-    QCOMPARE(statusOf(file.asidePath()).st_mode, S_IFREG | 0600U);
-    const QString heading = u"== \\d{4}-\\d\\d-\\d\\d \\d\\d:\\d\\d:\\d\\d plan\\.txt ==\n"_s;
-    const QRegularExpression expected(u'^' + heading + u"first\n"_s + heading + u"second\n$"_s);
-    QVERIFY(expected.match(QString::fromUtf8(contentOf(file.asidePath()))).hasMatch());
+    const SettingAside second = file.setAside("second\n");
+    QCOMPARE(statusOf(second.path).st_mode, S_IFREG | 0600U);
+    QCOMPARE(place.kept().size(), 2);
+    QVERIFY(contentOf(first.path) == "first" && contentOf(second.path) == "second\n");
+}
+
+/// What looks at the file does not say that it was seen.
+void tst_safefile::looking()
+{
+    const Place place(oldText);
+    SafeFile file = place.file();
+    QVERIFY(!file.hasSeen() && file.read().bytes == oldText);
+    put(place.path, otherText);
+    const FileReading looked = file.look();
+    QCOMPARE(looked.bytes, otherText);
+    QCOMPARE(looked.status.st_ino, statusOf(place.path).st_ino);
+    QVERIFY(file.lastSeen() == oldText && !file.isAsSeen());
+    file.take(looked);
+    QVERIFY(file.lastSeen() == otherText && file.isAsSeen());
+    const FileWriting saved = file.write(newText);
+    QVERIFY(saved.written && saved.notices.isEmpty() && file.lastSeen() == newText);
+    QVERIFY(QFile::remove(place.path));
+    file.take(file.look());
+    QVERIFY(!file.hasSeen() && file.lastSeen().isEmpty());
 }
 
 void tst_safefile::documents()

@@ -121,6 +121,13 @@ public:
         names.insert(path);
         return 0;
     }
+    int rmdir(const QByteArray &path) override
+    {
+        if (fails())
+            return -1;
+        names.erase(path);
+        return FileCalls::rmdir(path);
+    }
 
 private:
     bool fails(size_t &size)

@@ -101,7 +101,7 @@ struct Eraser : Store
     void keep(const QByteArray &bytes, const QString &name) const
     {
         RecoveryFolder recovery(home.privateFolder() + u"/recovery"_s, FileCalls::posix());
-        QCOMPARE(recovery.keep(bytes, name).error, 0);
+        QCOMPARE(recovery.keep(bytes, name, VersionReason::Unread).error, 0);
     }
 
     QString notes = home.documents() + u"/ltodonotes.txt"_s;
@@ -130,7 +130,7 @@ private Q_SLOTS:
         for (const QString &path : {eraser.home.listPath(), eraser.notes, eraser.board}) {
             SafeFile file(path, eraser.home.privateFolder());
             QVERIFY(file.write("other\n").written); // keeps a copy of what it replaces
-            QCOMPARE(file.setAside("secret"), QString());
+            QCOMPARE(file.setAside("secret").error, QString());
             TemporaryHome::write(path, "secret");
             TemporaryHome::write(file.journalPath(), "secret");
             const QByteArray elsewhere = "/elsewhere/" + QFileInfo(path).fileName().toUtf8();

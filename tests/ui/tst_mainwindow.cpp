@@ -324,9 +324,10 @@ private Q_SLOTS:
                  qPrintable(main.status()));
         main.clickRow(u"apple"_s);
         main.click("cloneButton");
-        const QString kept = main.documents.file(u"ltodolist.txt"_s)->asidePath();
-        QVERIFY(main.status().contains(kept));
-        QVERIFY(TemporaryHome::content(kept).contains("broken|row^"));
+        const QList<EarlierVersion> kept = main.documents.versions(u"ltodolist.txt"_s).list();
+        QVERIFY(!kept.isEmpty() && kept.first().reason == VersionReason::SetAside);
+        QVERIFY(main.status().contains(kept.first().path));
+        QCOMPARE(TemporaryHome::content(kept.first().path), "broken|row^");
     }
 
     void asksTheApplicationToEndWhenItIsClosed()
