@@ -40,6 +40,26 @@ void traceRow(QStringView row)
     trace("Fields:", listedFields(text));
 }
 
+// Calls `each` with every row, in order. @return what follows the last separator, which is no row
+template<typename Each>
+QStringView forEachRow(QStringView text, Each each)
+{
+    for (qsizetype end = 0; (end = text.indexOf(QLatin1Char(separatorRowsFile))) >= 0;
+         text = text.sliced(end + 1))
+        each(text.first(end));
+    return text;
+}
+
+// A row of a file of rows that were set aside stands under a heading line (see RecoveryFolder::append()).
+QStringView withoutHeading(QStringView row)
+{
+    const QStringView start = row.trimmed();
+    const qsizetype end = row.indexOf(QLatin1Char('\n'), row.indexOf(start));
+    const bool hasHeading =
+        start.startsWith(QLatin1String("== ")) && end >= 0 && row.first(end).endsWith(QLatin1String(" =="));
+    return hasHeading ? row.sliced(end + 1) : row;
+}
+
 } // namespace
 
 TaskListText decodedTaskList(const QByteArray &bytes)
@@ -68,11 +88,7 @@ TaskListReading addTaskList(const QString &text, TaskManager &store)
     TaskRowReader reader(today());
     trace("No of Rows:", [&text] { return text.count(QLatin1Char(separatorRowsFile)) + 1; });
 
-    const QStringView whole(text);
-    qsizetype begin = 0;
-    for (qsizetype end = 0; (end = whole.indexOf(QLatin1Char(separatorRowsFile), begin)) >= 0;
-         begin = end + 1) {
-        const QStringView row = whole.sliced(begin, end - begin);
+    const QStringView rest = forEachRow(text, [&](QStringView row) {
         reader.split(row);
         if (result.invertedColors)
             trace("In dark mode -> Invert");
@@ -85,11 +101,24 @@ TaskListReading addTaskList(const QString &text, TaskManager &store)
             trace("20 fields");
         if (Trace::enabled())
             traceRow(row);
-    }
-    if (const QStringView rest = whole.sliced(begin); !isBlank(rest))
+    });
+    if (!isBlank(rest))
         result.unreadableRows.append(rest.toUtf8());
     store.setBackupTasks(store.tasks());
     return result;
+}
+
+QList<task> tasksInText(const QByteArray &bytes, const DefaultTimes &defaults, bool dark)
+{
+    const QString text = decodedTaskList(bytes).text;
+    QList<task> tasks;
+    TaskRowReader reader(today());
+    forEachRow(text, [&](QStringView row) {
+        reader.split(withoutHeading(row));
+        if (auto t = reader.read(defaults, dark))
+            tasks.append(std::move(*t));
+    });
+    return tasks;
 }
 
 } // namespace oblino

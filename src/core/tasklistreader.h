@@ -1,5 +1,7 @@
 #pragma once
 
+#include <core/task.h>
+
 #include <QByteArray>
 #include <QList>
 #include <QString>
@@ -28,5 +30,11 @@ struct TaskListReading
 /// Adds every row of the text to the store. What follows the last "^" is no row; unless it is blank it counts
 /// as unreadable.
 [[nodiscard]] TaskListReading addTaskList(const QString &text, TaskManager &store);
+
+/// The tasks in the bytes of a task list file, or of a file of rows that were set aside from one, apart from
+/// any store. Rows that cannot be read are left out; a row without a key gives a task with an empty one.
+/// @param defaults  the times of a row that has none
+/// @param dark      whether the tasks are to hold the inverted colours of the dark appearance
+[[nodiscard]] QList<task> tasksInText(const QByteArray &bytes, const DefaultTimes &defaults, bool dark);
 
 } // namespace oblino
