@@ -189,17 +189,30 @@ void writeRow(RowWriter &row, const task &t, const Color &color)
     row.separator(separatorRowsFile);
 }
 
+QByteArray composed(const QList<task> &tasks, bool invertedColors)
+{
+    RowWriter row(tasks.size());
+    for (const task &t : tasks)
+        writeRow(row, t, invertedColors ? t.color.inverted() : t.color);
+    return row.taken();
+}
+
 } // namespace
 
 QByteArray taskListText(const QList<task> &tasks, bool invertedColors)
 {
-    RowWriter row(tasks.size());
-    for (const task &t : tasks) {
-        if (invertedColors)
+    if (invertedColors && Trace::enabled()) {
+        for (qsizetype i = 0; i < tasks.size(); ++i)
             trace("Inverted -> Switch to original");
-        writeRow(row, t, invertedColors ? t.color.inverted() : t.color);
     }
-    return row.taken();
+    return composed(tasks, invertedColors);
+}
+
+QByteArrayList taskRows(const QList<task> &tasks, bool invertedColors)
+{
+    QByteArrayList rows = composed(tasks, invertedColors).split(separatorRowsFile);
+    rows.removeLast(); // what follows the last separator: nothing
+    return rows;
 }
 
 } // namespace oblino

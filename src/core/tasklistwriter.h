@@ -3,6 +3,7 @@
 #include <core/task.h>
 
 #include <QByteArray>
+#include <QByteArrayList>
 #include <QList>
 
 namespace oblino {
@@ -16,5 +17,9 @@ inline constexpr char separatorRowsFile = '^';   ///< after the last field of ev
 /// @param invertedColors  whether the tasks hold the inverted colours of the dark appearance; the file always
 ///                        holds those of the light one
 [[nodiscard]] QByteArray taskListText(const QList<task> &tasks, bool invertedColors);
+
+/// The rows of that text, one for each task, without their last "^" and without traces. Two tasks are the
+/// same to the user when these are.
+[[nodiscard]] QByteArrayList taskRows(const QList<task> &tasks, bool invertedColors);
 
 } // namespace oblino
