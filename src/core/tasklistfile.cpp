@@ -1,10 +1,18 @@
 #include <core/tasklistfile.h>
 
+#include <core/taskkey.h>
 #include <core/tasklistreader.h>
 #include <core/tasklistwriter.h>
 #include <core/taskmanager.h>
+#include <core/taskmerge.h>
+#include <platform/clock.h>
+#include <platform/earlierversions.h>
 #include <platform/trace.h>
 
+#include <QLocale>
+#include <QSet>
+
+#include <algorithm>
 #include <utility>
 
 namespace oblino {
@@ -14,6 +22,32 @@ namespace {
 QString rowCount(qsizetype rows)
 {
     return rows == 1 ? QStringLiteral("1 row") : QStringLiteral("%1 rows").arg(rows);
+}
+
+QString taskCount(qsizetype tasks)
+{
+    return tasks == 1 ? QStringLiteral("1 task") : QStringLiteral("%1 tasks").arg(tasks);
+}
+
+QSet<QString> keysOf(const QList<task> &tasks)
+{
+    QSet<QString> keys;
+    for (const task &t : tasks)
+        keys.insert(t.key);
+    return keys;
+}
+
+qsizetype unreadableRowsIn(const QByteArray &bytes)
+{
+    const QByteArrayList rows = bytes.split(separatorRowsFile);
+    const auto filled = std::count_if(rows.cbegin(), rows.cend(),
+                                      [](const QByteArray &row) { return !row.trimmed().isEmpty(); });
+    return filled - tasksInText(bytes, {}, false).size();
+}
+
+bool isLastSeen(const SafeFile &file, const FileReading &reading)
+{
+    return file.hasSeen() && reading.bytes == file.lastSeen();
 }
 
 } // namespace
@@ -26,21 +60,55 @@ TaskListFile::TaskListFile(TaskManager &store, Documents &documents)
 
 bool TaskListFile::saveToFile()
 {
-    const QByteArray text = taskListText(m_store.fullList(), m_invertedColors);
-    if (SafeFile *file = m_documents.file(name)) {
+    SafeFile *file = m_documents.file(name);
+    m_isUnkept = !file && !m_store.fullList().isEmpty();
+    if (!file) {
+        m_notices += QStringLiteral("There is no documents folder, so the list is not kept.");
+    } else {
+        m_unsaved = true;
+        m_isMerged = mergeForeign(*file) || m_isMerged;
         if (!keepUnreadableRows(*file))
             return false;
-        const FileWriting writing = file->write(text);
+        const QByteArray bytes = text();
+        const FileWriting writing = file->write(bytes);
         m_notices += writing.notices;
         if (!writing.written)
-            return failed(writing.error);
-        trace("Write File", text);
-    } else {
-        m_notices += QStringLiteral("There is no documents folder, so the list is not kept.");
+            return failed(writing.error, writing.reason);
+        trace("Write File", bytes);
+        m_savedAt = now();
+        m_failure.clear();
     }
     m_unsaved = false;
+    m_isGone = false;
+    m_lastSaid.clear();
     followAppearance();
     return true;
+}
+
+QByteArray TaskListFile::text() const
+{
+    return taskListText(m_store.fullList(), m_invertedColors);
+}
+
+QString TaskListFile::rescue() const
+{
+    return m_documents.versions(name).rescue(text());
+}
+
+QString TaskListFile::failure() const
+{
+    if (m_isUnkept)
+        return QStringLiteral("no documents folder");
+    return m_failure.isEmpty() && m_isGone ? QStringLiteral("the file is gone") : m_failure;
+}
+
+QString TaskListFile::saveState(const QLocale &locale) const
+{
+    if (const QString why = failure(); !why.isEmpty())
+        return QStringLiteral("Not saved: ") + why;
+    const bool isSaved = m_savedAt.isValid();
+    return isSaved ? QStringLiteral("Saved ") + locale.toString(m_savedAt.time(), QLocale::ShortFormat)
+                   : QString();
 }
 
 QString TaskListFile::readFromFile()
@@ -57,7 +125,12 @@ QString TaskListFile::readFromFile()
             m_notices += QStringLiteral("%1 could not be read: %2").arg(name, reading.error);
         return {};
     }
-    TaskListText list = decodedTaskList(reading.bytes);
+    return decoded(reading.bytes);
+}
+
+QString TaskListFile::decoded(const QByteArray &bytes)
+{
+    TaskListText list = decodedTaskList(bytes);
     m_unreadableRows = std::move(list.unreadableRows);
     trace("Read File", list.text);
     return std::move(list.text);
@@ -68,14 +141,159 @@ QString TaskListFile::splitStringFile(const QString &joinedStr)
     const TaskListReading reading = addTaskList(joinedStr, m_store);
     m_invertedColors = reading.invertedColors;
     m_unreadableRows += reading.unreadableRows;
-    m_unsaved = false;
+    const SafeFile *file = m_documents.file(name);
+    m_unsaved = file && file->isUnfinished();
     if (!m_unreadableRows.isEmpty()) {
         m_notices +=
             QStringLiteral("%1 of %2 cannot be read. Nothing is lost: the next save keeps what they hold "
-                           "in a file of its own.")
+                           "among the earlier versions.")
                 .arg(rowCount(m_unreadableRows.size()), name);
     }
     return {};
+}
+
+bool TaskListFile::takeUpChanges()
+{
+    SafeFile *file = m_documents.file(name);
+    return file && takeUp(*file);
+}
+
+bool TaskListFile::takeUp(SafeFile &file)
+{
+    if (file.isAsSeen())
+        return false;
+    const FileReading reading = file.look();
+    if (reading.outcome == FileReading::Outcome::Missing) {
+        m_isGone = file.hasSeen() && !m_store.fullList().isEmpty();
+        if (m_isGone)
+            sayOnce(QStringLiteral(
+                        "“%1” is gone. The list stays here, and is written again with the next change.")
+                        .arg(name));
+        return false;
+    }
+    if (reading.outcome == FileReading::Outcome::Failed) {
+        sayOnce(reading.error + QStringLiteral(" The list stays here."));
+        return false;
+    }
+    if (isLastSeen(file, reading)) {
+        file.take(reading); // only touched
+        m_isGone = false;
+        return false;
+    }
+    if (const QString fault = faultOf(file, reading.bytes); !fault.isEmpty()) {
+        sayOnce(fault.arg(name) +
+                QStringLiteral(" The list stays here; the next change keeps that version among the "
+                               "earlier ones."));
+        return false;
+    }
+    return m_unsaved ? merge(file, reading) : readAgain(file, reading);
+}
+
+bool TaskListFile::mergeForeign(SafeFile &file)
+{
+    if (file.isAsSeen())
+        return false;
+    const FileReading reading = file.look();
+    return reading.outcome == FileReading::Outcome::Read && !isLastSeen(file, reading) &&
+           faultOf(file, reading.bytes).isEmpty() && merge(file, reading);
+}
+
+// The list in memory does not give way to one that is shorter by accident: what was written halfway ends
+// within a row. @return what is wrong with it, with a place for the file's name, or nothing
+QString TaskListFile::faultOf(SafeFile &file, const QByteArray &bytes) const
+{
+    if (!file.hasSeen() || m_store.fullList().isEmpty())
+        return {};
+    if (!bytes.trimmed().endsWith(separatorRowsFile))
+        return QStringLiteral("“%1” was cut short by another program.");
+    return unreadableRowsIn(bytes) > unreadableRowsIn(file.lastSeen())
+               ? QStringLiteral("Another program wrote rows into “%1” that cannot be read.")
+               : QString();
+}
+
+bool TaskListFile::readAgain(SafeFile &file, const FileReading &reading)
+{
+    const QSet<QString> theirs = keysOf(tasksInText(reading.bytes, {}, false));
+    if (!theirs.contains(keysOf(m_store.fullList())) && !kept(text(), VersionReason::Replaced))
+        return false;
+    replaceList(file, reading);
+    m_notices += QStringLiteral("Another program changed the list; it was read again.");
+    return true;
+}
+
+void TaskListFile::replaceList(SafeFile &file, const FileReading &reading)
+{
+    file.take(reading);
+    m_isGone = false;
+    m_lastSaid.clear();
+    // The rows are added to the full list, which is `tasks` only outside a search.
+    const bool searching = m_store.isSearching();
+    m_store.setIsSearching(false);
+    m_store.setTasks({});
+    splitStringFile(decoded(reading.bytes));
+    m_store.setIsSearching(searching);
+}
+
+bool TaskListFile::merge(SafeFile &file, const FileReading &reading)
+{
+    const DefaultTimes times = m_store.defaultTimes();
+    QList<task> theirs = tasksInText(reading.bytes, times, m_invertedColors);
+    if (unreadableRowsIn(reading.bytes) > 0 && !kept(reading.bytes, VersionReason::OtherProgram))
+        return false;
+    for (task &t : theirs) {
+        if (t.key.isEmpty())
+            t.key = newUuidText();
+    }
+    const QByteArray known = file.hasSeen() ? file.lastSeen() : QByteArray();
+    TaskMerge merge = mergedTasks(tasksInText(known, times, m_invertedColors), m_store.fullList(), theirs,
+                                  m_invertedColors);
+    if (!merge.overruled.isEmpty() &&
+        !kept(taskListText(merge.overruled, m_invertedColors), VersionReason::Conflict))
+        return false;
+    file.take(reading);
+    m_isGone = false;
+    if (m_store.isSearching())
+        m_store.setBackupTasks(merge.tasks);
+    else
+        m_store.setTasks(merge.tasks);
+    m_notices += QStringLiteral("Another program changed the list; its changes were taken up.");
+    if (!merge.overruled.isEmpty()) {
+        m_notices +=
+            QStringLiteral("%1 had been changed here and there: it stays as it is here, and the other is "
+                           "among the earlier versions.")
+                .arg(taskCount(merge.overruled.size()));
+    }
+    return true;
+}
+
+bool TaskListFile::kept(const QByteArray &bytes, VersionReason reason)
+{
+    const QString error = m_documents.versions(name).keep(bytes, reason);
+    if (!error.isEmpty())
+        sayOnce(QStringLiteral("Another program changed the list, which cannot be taken up: ") + error);
+    return error.isEmpty();
+}
+
+// What goes on being wrong is told of once, not at every look.
+void TaskListFile::sayOnce(const QString &notice)
+{
+    if (std::exchange(m_lastSaid, notice) != notice)
+        m_notices += notice;
+}
+
+void TaskListFile::interfaceModeChanged()
+{
+    SafeFile *file = m_documents.file(name);
+    if (file && (!m_unsaved || saveToFile())) {
+        const FileReading reading = file->look();
+        if (reading.outcome != FileReading::Outcome::Read)
+            trace("Error");
+        if (reading.outcome == FileReading::Outcome::Read && isLastSeen(*file, reading))
+            replaceList(*file, reading);
+        else
+            (void)takeUp(*file);
+    }
+    followAppearance();
 }
 
 void TaskListFile::followAppearance()
@@ -94,8 +312,11 @@ QString TaskListFile::path() const
 QString TaskListFile::erase()
 {
     QString error = m_documents.erase(name);
-    if (error.isEmpty())
+    if (error.isEmpty()) {
         m_unreadableRows.clear();
+        m_unsaved = m_isGone = false;
+        m_failure.clear();
+    }
     return error;
 }
 
@@ -110,17 +331,17 @@ bool TaskListFile::keepUnreadableRows(SafeFile &file)
         return true;
     const SettingAside kept = file.setAside(m_unreadableRows.join(separatorRowsFile) + separatorRowsFile);
     if (!kept.error.isEmpty())
-        return failed(kept.error);
+        return failed(kept.error, kept.error);
     m_notices += QStringLiteral("%1 of %2 could not be read and now lie in %3.")
                      .arg(rowCount(m_unreadableRows.size()), name, kept.path);
     m_unreadableRows.clear();
     return true;
 }
 
-bool TaskListFile::failed(const QString &error)
+bool TaskListFile::failed(const QString &error, const QString &reason)
 {
     trace("Error");
-    m_unsaved = true;
+    m_failure = reason;
     m_notices += QStringLiteral("The list could not be saved: %1 Your changes stay in this window; the next "
                                 "change tries again.")
                      .arg(error);

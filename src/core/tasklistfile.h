@@ -3,17 +3,23 @@
 #include <platform/documents.h>
 
 #include <QByteArray>
+#include <QDateTime>
 #include <QList>
 #include <QString>
 #include <QStringList>
+
+#include <utility>
+
+class QLocale;
 
 namespace oblino {
 
 class TaskManager;
 
 /// The task list file, "ltodolist.txt" in the documents folder: reads it into a store and writes the store's
-/// whole list into it. Rows that cannot be read are left out of the list; their bytes go to a file of their
-/// own before the first save replaces them.
+/// whole list into it. Rows that cannot be read are left out of the list; their bytes are kept as an earlier
+/// version before the first save replaces them. What another program makes of the file is taken up; the list
+/// in memory gives way only to a list that is whole.
 class TaskListFile
 {
 public:
@@ -21,7 +27,8 @@ public:
 
     TaskListFile(TaskManager &store, Documents &documents);
 
-    /// Writes the whole list, during a search too.
+    /// Writes the whole list, during a search too. What another program has written meanwhile is merged into
+    /// the store before.
     /// @return true when it was written, or when there is no documents folder
     bool saveToFile();
 
@@ -36,11 +43,30 @@ public:
     /// Whether the tasks in memory hold the inverted colours of the dark appearance.
     [[nodiscard]] bool invertedColors() const { return m_invertedColors; }
 
-    /// Whether the list in memory is newer than the file because the last save failed.
-    [[nodiscard]] bool hasUnsavedChanges() const { return m_unsaved; }
+    /// Whether the list in memory is newer than the file, because the last save failed or the file has gone.
+    [[nodiscard]] bool hasUnsavedChanges() const { return m_unsaved || m_isGone || m_isUnkept; }
 
-    /// Inverts the colours in memory in place of reading them anew, where they do not match the appearance.
-    void followAppearance();
+    /// Takes up what another program has made of the file since it was last read or written. Its list takes
+    /// the place of the one in memory; where that has unsaved changes, both are merged, which is to be saved
+    /// then. A file that is missing, that cannot be read or that was cut short changes nothing.
+    /// @return whether the list in memory was replaced
+    bool takeUpChanges();
+    /// Whether a save has merged something into the list in memory, since this was last asked.
+    [[nodiscard]] bool takeMerged() { return std::exchange(m_isMerged, false); }
+
+    /// Gives the tasks the colours of the appearance that there is now: reads the list again where the file
+    /// is whole, and inverts the colours in memory where it is not.
+    void interfaceModeChanged();
+
+    /// "Saved" with the time, or "Not saved" with the reason; empty before the first save.
+    [[nodiscard]] QString saveState(const QLocale &locale) const;
+    /// Why the list is in no file, in a few words; empty where it is.
+    [[nodiscard]] QString failure() const;
+    /// The text that the file is to hold.
+    [[nodiscard]] QByteArray text() const;
+    /// Puts that text to the first place that takes it.
+    /// @return the path there, empty where none does
+    [[nodiscard]] QString rescue() const;
 
     /// The whole path; the name alone where there is no documents folder.
     [[nodiscard]] QString path() const;
@@ -53,15 +79,31 @@ public:
     [[nodiscard]] QStringList takeNotices();
 
 private:
+    bool takeUp(SafeFile &file);
+    bool mergeForeign(SafeFile &file);
+    bool merge(SafeFile &file, const FileReading &reading);
+    bool readAgain(SafeFile &file, const FileReading &reading);
+    void replaceList(SafeFile &file, const FileReading &reading);
+    [[nodiscard]] QString faultOf(SafeFile &file, const QByteArray &bytes) const;
+    [[nodiscard]] bool kept(const QByteArray &bytes, VersionReason reason);
+    [[nodiscard]] QString decoded(const QByteArray &bytes);
+    void sayOnce(const QString &notice);
+    void followAppearance();
     [[nodiscard]] bool keepUnreadableRows(SafeFile &file);
-    bool failed(const QString &error);
+    bool failed(const QString &error, const QString &reason);
 
     TaskManager &m_store;
     Documents &m_documents;
     QList<QByteArray> m_unreadableRows;
     QStringList m_notices;
+    QString m_lastSaid; // about a file that was not taken up
     bool m_invertedColors = false;
     bool m_unsaved = false;
+    bool m_isGone = false; // it was there, and is not any more
+    bool m_isMerged = false;
+    QDateTime m_savedAt;
+    QString m_failure;       // why the last save failed
+    bool m_isUnkept = false; // there is no documents folder for it
 };
 
 } // namespace oblino

@@ -225,7 +225,14 @@ QString makePrivateFile(const QString &path)
 
 QString errorWords(int error)
 {
-    return error == OpenFile::notRegular ? u"it is not a regular file"_s : qt_error_string(error);
+    switch (error) {
+    case OpenFile::notRegular:
+        return u"it is not a regular file"_s;
+    case ENOSPC:
+        return u"disk full"_s;
+    default:
+        return qt_error_string(error);
+    }
 }
 
 QString notWritable(const QString &place, int error)

@@ -201,8 +201,10 @@ FileWriting SafeFile::write(const QByteArray &bytes)
     FileWriting writing;
     const int error = save(bytes, writing.notices);
     writing.written = error == 0;
-    if (error != 0)
-        writing.error = u"“%1” could not be saved: %2."_s.arg(fileName(), errorWords(error));
+    if (error != 0) {
+        writing.reason = errorWords(error);
+        writing.error = u"“%1” could not be saved: %2."_s.arg(fileName(), writing.reason);
+    }
     return writing;
 }
 

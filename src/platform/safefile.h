@@ -31,6 +31,7 @@ struct FileWriting
 {
     bool written = false;
     QString error;       ///< why it was not written, in words for the user
+    QString reason;      ///< the end of that sentence: what stood in the way
     QStringList notices; ///< what the user should know besides, written or not, in whole sentences
 };
 
@@ -80,6 +81,9 @@ public:
     [[nodiscard]] bool hasSeen() const { return m_seen.known && m_seen.content; }
     /// That content; empty where it is not known.
     [[nodiscard]] QByteArray lastSeen() const { return hasSeen() ? *m_seen.content : QByteArray(); }
+
+    /// Whether a save has come no further than its journal.
+    [[nodiscard]] bool isUnfinished() const { return m_pending.has_value(); }
 
     /// Removes the file, its journal and every version that was kept of it, rescued texts too. A link to it
     /// stays. While the file cannot be removed, nothing is.
