@@ -37,6 +37,11 @@ void UIUtil::setAlert(std::unique_ptr<Alert> alert)
     m_alert = std::move(alert);
 }
 
+std::optional<int> UIUtil::ask(const Alert::Question &question)
+{
+    return m_alert->ask(question);
+}
+
 bool UIUtil::dialogOKCancel(const QString &question, const QString &text)
 {
     return m_alert->ask({question, text, {QStringLiteral("OK"), QStringLiteral("Cancel")}, 1}) == 0;

@@ -1,16 +1,18 @@
 #pragma once
 
+#include <platform/alert.h>
+
 #include <QDate>
 #include <QDateTime>
 #include <QString>
 
 #include <memory>
+#include <optional>
 
 class QTimeEdit;
 
 namespace oblino {
 
-class Alert;
 class SoundPlayer;
 
 /// The small routines that every window uses: modal questions, the one-line cut of a description, day
@@ -26,6 +28,9 @@ public:
     /// Replaces the way in which questions are asked.
     void setAlert(std::unique_ptr<Alert> alert);
 
+    /// Asks a question with buttons of its own.
+    /// @return the index of the button that was pressed; none when the question ended without an answer
+    [[nodiscard]] std::optional<int> ask(const Alert::Question &question);
     /// @return whether "OK" was pressed
     [[nodiscard]] bool dialogOKCancel(const QString &question, const QString &text);
     /// @return whether "Yes" was pressed

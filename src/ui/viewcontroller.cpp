@@ -1,7 +1,9 @@
 #include <ui/viewcontroller.h>
 
 #include <ui/emptystate.h>
+#include <ui/noticebar.h>
 #include <ui/searchfield.h>
+#include <ui/taskwindow.h>
 #include <ui/uiutil.h>
 #include <ui_viewcontroller.h>
 
@@ -14,7 +16,10 @@
 
 #include <QActionGroup>
 #include <QCloseEvent>
+#include <QHeaderView>
 #include <QLabel>
+#include <QLocale>
+#include <QScrollBar>
 #include <QTableView>
 #include <QToolButton>
 
@@ -28,6 +33,7 @@ ViewController::ViewController(TaskManager &store, Documents &documents, UIUtil 
     , m_utilities(utilities)
     , m_notifications(notifications)
     , m_file(store, documents)
+    , m_watch(m_file.path())
     , m_model(*this)
     , m_dataFolder(dataFolder)
 {
@@ -54,6 +60,7 @@ void ViewController::viewDidLoad()
     disableSelectionButtons();
     trace("Dark Mode:", m_store.inDarkMode());
 
+    connect(&m_watch, &FileWatch::changed, this, &ViewController::lookAtFile);
     m_notifications.observe(QStringLiteral("reload"), this, [this] { reloadTableData(); });
     m_notifications.observe(QStringLiteral("update"), this, [this] { updateComplete(); });
     m_notifications.observe(QStringLiteral("AppleInterfaceThemeChangedNotification"), this,
@@ -86,6 +93,15 @@ void ViewController::showEvent(QShowEvent *event)
 void ViewController::closeEvent(QCloseEvent *event)
 {
     event->setAccepted(windowShouldClose());
+}
+
+// Not every file system tells of changes; a look costs next to nothing. Whoever closed a form over this
+// window may be in the middle of changing the list.
+void ViewController::changeEvent(QEvent *event)
+{
+    QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::ActivationChange && isActiveWindow())
+        QMetaObject::invokeMethod(this, &ViewController::lookAtFile, Qt::QueuedConnection);
 }
 
 void ViewController::comeToFront()
@@ -145,19 +161,8 @@ void ViewController::updateComplete()
 void ViewController::interfaceModeChanged()
 {
     trace("Dark mode change");
-    if (m_file.hasUnsavedChanges() && !saveToFile()) {
-        // The file is older than the list in memory; reading it would lose what the user has done.
-        m_file.followAppearance();
-        reinitForSearching();
-    } else {
-        // The rows are added to the full list, which is `tasks` only outside a search.
-        const bool searching = m_store.isSearching();
-        m_store.setIsSearching(false);
-        m_store.setTasks({});
-        splitStringFile(readFromFile());
-        m_store.setIsSearching(searching);
-        reinitForSearching();
-    }
+    m_file.interfaceModeChanged();
+    reinitForSearching();
     forgetSortOrder();
     disableSelectionButtons();
     reload();
@@ -167,7 +172,10 @@ void ViewController::interfaceModeChanged()
 bool ViewController::saveToFile()
 {
     tblView->viewport()->repaint(); // the change is seen before the disk has taken its time
+    const QString key = keyOfShownSelection();
     const bool saved = m_file.saveToFile();
+    if (m_file.takeMerged())
+        showChangedList(key);
     showNotices();
     return saved;
 }
@@ -184,12 +192,61 @@ QString ViewController::splitStringFile(const QString &joinedStr)
     return nothing;
 }
 
+void ViewController::lookAtFile()
+{
+    // What a form shows is compared when it is confirmed; the cloud is on its way from or to this list.
+    if (isFormOpen() || m_store.isWaitingForCloud())
+        return;
+    const QString key = keyOfShownSelection();
+    if (m_file.takeUpChanges()) {
+        showChangedList(key);
+        if (m_file.hasUnsavedChanges())
+            saveToFile();
+    }
+    showNotices();
+}
+
+// The list is another one: what was seen and selected of it stays, as far as it is still there.
+void ViewController::showChangedList(const QString &selectedKey)
+{
+    const int scrolled = tblView->verticalScrollBar()->value();
+    if (const int section = tblView->horizontalHeader()->sortIndicatorSection(); section >= 0) {
+        SortDescriptor descriptor = m_sortPrototypes.at(section);
+        descriptor.ascending = tblView->horizontalHeader()->sortIndicatorOrder() == Qt::AscendingOrder;
+        m_store.sort(descriptor);
+    }
+    reinitForSearching();
+    reload();
+    restoreSelection(selectedKey);
+    tblView->verticalScrollBar()->setValue(scrolled);
+}
+
+bool ViewController::isFormOpen() const
+{
+    const QList<TaskWindow *> forms = findChildren<TaskWindow *>();
+    return std::any_of(forms.cbegin(), forms.cend(),
+                       [](const TaskWindow *form) { return form->isVisible(); });
+}
+
+QString ViewController::workTitle() const
+{
+    return tr("The list");
+}
+
+QString ViewController::saveNow()
+{
+    return saveToFile() && !isUnsaved() ? QString() : m_file.failure();
+}
+
+QString ViewController::rescue()
+{
+    return m_file.rescue();
+}
+
 void ViewController::showNotices()
 {
-    const QStringList notices = m_file.takeNotices();
-    if (notices.isEmpty())
-        return;
-    statusMessageLabel->setText(notices.join(QLatin1Char(' ')));
+    m_saveState->setText(m_file.saveState(QLocale()));
+    m_noticeBar->tell(m_file.takeNotices(), m_file.hasUnsavedChanges());
 }
 
 } // namespace oblino

@@ -5,6 +5,8 @@
 #include <core/sortdescriptor.h>
 #include <core/task.h>
 #include <core/tasklistfile.h>
+#include <platform/filewatch.h>
+#include <platform/unsavedwork.h>
 
 #include <QHash>
 #include <QMainWindow>
@@ -28,6 +30,7 @@ class ViewController;
 }
 
 class EmptyState;
+class NoticeBar;
 class NotificationCenter;
 class SearchField;
 class ViewControllerAdd;
@@ -37,7 +40,7 @@ class UIUtil;
 
 /// The main window: turns the user's actions into operations of the task store, keeps table and commands in
 /// step with it, and has the list saved after every change.
-class ViewController : public QMainWindow, private TaskTableSource
+class ViewController : public QMainWindow, public UnsavedWork, private TaskTableSource
 {
     Q_OBJECT
 
@@ -84,6 +87,19 @@ public:
 
     [[nodiscard]] TaskListFile &taskListFile() { return m_file; }
 
+    /// Takes up what another program has made of the file, at once or when the forms that are open are
+    /// closed.
+    void lookAtFile();
+
+    // The list as unsaved work
+
+    [[nodiscard]] QString workTitle() const override;
+    [[nodiscard]] bool isUnsaved() const override { return m_file.hasUnsavedChanges(); }
+    [[nodiscard]] QString saveNow() override;
+    [[nodiscard]] QByteArray unsavedContent() const override { return m_file.text(); }
+    [[nodiscard]] QString unsavedFileName() const override { return TaskListFile::name; }
+    [[nodiscard]] QString rescue() override;
+
     /// Brings the window in front of the others.
     void comeToFront();
 
@@ -106,6 +122,7 @@ Q_SIGNALS:
 protected:
     void showEvent(QShowEvent *event) override;
     void closeEvent(QCloseEvent *event) override;
+    void changeEvent(QEvent *event) override;
 
 private:
     // Life cycle
@@ -151,6 +168,8 @@ private:
     void releaseCommands();
     void showCloudProgress(int percent);
     void showNotices();
+    void showChangedList(const QString &selectedKey);
+    [[nodiscard]] bool isFormOpen() const;
     void showCounts();
     [[nodiscard]] bool selectionIsCurrent() const;
     [[nodiscard]] QString keyOfShownSelection() const;
@@ -163,6 +182,7 @@ private:
     UIUtil &m_utilities;
     NotificationCenter &m_notifications;
     TaskListFile m_file;
+    FileWatch m_watch;
     TaskTableModel m_model;
     QList<SortDescriptor> m_sortPrototypes;
     QString m_dataFolder;
@@ -191,6 +211,8 @@ private:
     SearchField *searchField = nullptr;
     QLabel *statusMessage = nullptr;
     QLabel *statusMessageLabel = nullptr;
+    QLabel *m_saveState = nullptr;
+    NoticeBar *m_noticeBar = nullptr;
     EmptyState *m_emptyState = nullptr;
 };
 

@@ -173,6 +173,7 @@ void ViewController::newTask()
     if (!m_addForm) {
         m_addForm = new ViewControllerAdd(formContext(), this);
         m_addForm->setAttribute(Qt::WA_DeleteOnClose);
+        connect(m_addForm, &QDialog::finished, this, &ViewController::lookAtFile, Qt::QueuedConnection);
     }
     m_addForm->show();
     m_addForm->raise();
@@ -185,6 +186,7 @@ void ViewController::editTask()
         return;
     auto *form = new ViewControllerEdit(formContext(), this);
     form->setAttribute(Qt::WA_DeleteOnClose);
+    connect(form, &QDialog::finished, this, &ViewController::lookAtFile, Qt::QueuedConnection);
     form->open();
 }
 

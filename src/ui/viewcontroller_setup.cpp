@@ -5,6 +5,7 @@
 #include <ui/elidedlabel.h>
 #include <ui/emptystate.h>
 #include <ui/icons.h>
+#include <ui/noticebar.h>
 #include <ui/searchfield.h>
 #include <ui/taskcelldelegate.h>
 #include <ui_viewcontroller.h>
@@ -108,8 +109,11 @@ void ViewController::bindOutlets()
     searchField = m_ui->searchField;
 
     statusMessageLabel = statusLabel<ElidedLabel>(this, QStringLiteral("statusMessageLabel"));
+    m_saveState = statusLabel<QLabel>(this, QStringLiteral("saveState"));
     statusMessage = statusLabel<QLabel>(this, QStringLiteral("statusMessage"));
+    m_noticeBar = m_ui->noticeBar;
     m_ui->statusBar->addWidget(statusMessageLabel, 1);
+    m_ui->statusBar->addPermanentWidget(m_saveState);
     m_ui->statusBar->addPermanentWidget(statusMessage);
 
     for (QAction *action : findChildren<QAction *>()) {

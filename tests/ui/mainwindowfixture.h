@@ -6,6 +6,7 @@
 
 #include <platform/documents.h>
 #include <platform/notificationcenter.h>
+#include <platform/widgets/noticelabel.h>
 #include <ui/uiutil.h>
 #include <ui/viewcontroller.h>
 
@@ -54,6 +55,10 @@ public:
     [[nodiscard]] QLineEdit &searchField() const { return find<QLineEdit>(*window, "searchField"); }
     [[nodiscard]] QToolButton &button(const char *name) const { return find<QToolButton>(*window, name); }
     [[nodiscard]] QString status() const { return find<QLabel>(*window, "statusMessageLabel").text(); }
+
+    /// What the window tells below the table, and what the status line says of the file.
+    [[nodiscard]] QString notice() const { return find<NoticeLabel>(*window, "notice").notice(); }
+    [[nodiscard]] QString saveState() const { return find<QLabel>(*window, "saveState").text(); }
 
     [[nodiscard]] QString cell(int row, int column) const
     {

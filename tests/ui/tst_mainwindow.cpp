@@ -288,7 +288,7 @@ private Q_SLOTS:
                 QFile::remove(main.home.listPath());
                 QVERIFY(QDir().mkdir(main.home.listPath()));
                 main.click("cloneButton");
-                QVERIFY(main.status().contains(u"could not be saved"_s));
+                QVERIFY(main.notice().contains(u"could not be saved"_s));
             }
             main.appearance.setInterfaceStyle(u"Dark"_s);
             QVERIFY(main.store.tasks().first().color == Color(0.75, 0.9, 1, 0.5));
@@ -320,13 +320,12 @@ private Q_SLOTS:
         MainWindow main({});
         TemporaryHome::write(main.home.listPath(), "broken|row^" + Row{.name = "apple"}.bytes());
         main.interfaceChange();
-        QVERIFY2(main.status().startsWith(u"1 row of ltodolist.txt cannot be read."_s),
-                 qPrintable(main.status()));
+        QVERIFY2(main.notice().contains(u"1 row of ltodolist.txt cannot be read."_s), qPrintable(main.notice()));
         main.clickRow(u"apple"_s);
         main.click("cloneButton");
         const QList<EarlierVersion> kept = main.documents.versions(u"ltodolist.txt"_s).list();
         QVERIFY(!kept.isEmpty() && kept.first().reason == VersionReason::SetAside);
-        QVERIFY(main.status().contains(kept.first().path));
+        QVERIFY(main.notice().contains(kept.first().path));
         QCOMPARE(TemporaryHome::content(kept.first().path), "broken|row^");
     }
 

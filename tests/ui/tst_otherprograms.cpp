@@ -1,0 +1,243 @@
+#include "mainwindowfixture.h"
+
+#include <support/table.h>
+#include <support/testmain.h>
+
+#include <ui/viewcontrolleredit.h>
+
+#include <functional>
+
+using namespace oblino;
+using Deed = std::function<void(const MainWindow &)>;
+using Deeds = Table<Deed>;
+using Changes = Table<QByteArray, QString>;
+
+namespace {
+
+const QList<Row> threeTasks = {{.name = "apple", .date = "3/1/26"},
+                               {.name = "banana", .date = "3/2/26", .color = "0.25|0.1|0.0|0.5"},
+                               {.name = "cherry", .date = "3/3/26"}};
+
+QByteArray listOf(const QList<Row> &rows)
+{
+    QByteArray bytes;
+    for (const Row &row : rows)
+        bytes += row.bytes();
+    return bytes;
+}
+
+QByteArrayList sortedRows(const QByteArray &bytes)
+{
+    QByteArrayList rows = bytes.split('^');
+    std::sort(rows.begin(), rows.end());
+    return rows;
+}
+
+// Another program's way of writing: a new file in the place of the old one.
+void replaceList(const MainWindow &main, const QByteArray &bytes)
+{
+    TemporaryHome::write(main.home.listPath() + u".new"_s, bytes);
+    QVERIFY(QDir().rename(main.home.documents(), main.home.documents() + u".moving"_s));
+    QVERIFY(QFile::remove(main.home.documents() + u".moving/ltodolist.txt"_s));
+    QVERIFY(QFile::rename(main.home.documents() + u".moving/ltodolist.txt.new"_s,
+                          main.home.documents() + u".moving/ltodolist.txt"_s));
+    QVERIFY(QDir().rename(main.home.documents() + u".moving"_s, main.home.documents()));
+}
+
+// Nobody can write the list while a folder is in its place.
+void block(const MainWindow &main)
+{
+    QVERIFY(QFile::rename(main.home.listPath(), main.home.listPath() + u".away"_s));
+    QVERIFY(QDir().mkdir(main.home.listPath()));
+}
+
+void unblock(const MainWindow &main)
+{
+    QVERIFY(QDir().rmdir(main.home.listPath()));
+    QVERIFY(QFile::rename(main.home.listPath() + u".away"_s, main.home.listPath()));
+}
+
+} // namespace
+
+/// What other programs do to the list's file while it is open.
+class tst_otherprograms : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void aChangeOfAppearanceKeepsTheList_data()
+    {
+        const auto writing = [](const QByteArray &bytes) {
+            return Deed(
+                [bytes](const MainWindow &main) { TemporaryHome::write(main.home.listPath(), bytes); });
+        };
+        Deeds row;
+        row("deleted", [](const MainWindow &main) { QVERIFY(QFile::remove(main.home.listPath())); });
+        row("emptied", writing({}));
+        row("cut within a row", writing(listOf(threeTasks).chopped(30)));
+        row("zeroes, as after a power cut", writing(QByteArray(400, '\0')));
+        row("a folder in its place", block);
+        row("its folder is away", [](const MainWindow &main) {
+            QVERIFY(QFile::rename(main.home.documents(), main.home.documents() + u".away"_s));
+        });
+    }
+    void aChangeOfAppearanceKeepsTheList()
+    {
+        const auto [deed] = Deeds::cells();
+        MainWindow main(threeTasks);
+        deed(main);
+        main.appearance.setInterfaceStyle(u"Dark"_s);
+        QCOMPARE(main.shown(), u"apple banana cherry"_s);
+        QVERIFY(main.store.tasks().at(1).color == Color(0.75, 0.9, 1, 0.5));
+        main.appearance.setInterfaceStyle(std::nullopt);
+        QVERIFY(main.store.tasks().at(1).color == Color(0.25, 0.1, 0, 0.5));
+        if (QFileInfo(main.home.listPath()).isDir())
+            unblock(main);
+        QVERIFY(QDir().mkpath(main.home.documents()));
+        main.clickRow(u"cherry"_s);
+        main.click("deleteButton");
+        QCOMPARE(TemporaryHome::content(main.home.listPath()), listOf(threeTasks.first(2)));
+    }
+
+    void takesUpWhatAnotherProgramWrites_data()
+    {
+        Changes row; // the file, and what is shown then in the view of every task, sorted by date
+        row("a task more", listOf(threeTasks) + Row{.name = "fig", .date = "3/4/26"}.bytes(),
+            u"apple banana cherry fig"_s);
+        row("a task less", listOf(threeTasks.first(2)), u"apple banana"_s);
+        row("another order, which the shown one hides",
+            listOf({threeTasks.at(2), threeTasks.at(0), threeTasks.at(1)}), u"apple banana cherry"_s);
+        row("other scripts", listOf(threeTasks.first(2)) + Row{.name = "मेरा日本🎉", .date = "3/5/26"}.bytes(),
+            u"apple banana मेरा日本🎉"_s);
+        row("the last two cut off at a row's end", listOf(threeTasks.first(1)), u"apple"_s);
+        row("cut off within a row: ours stays", listOf(threeTasks).chopped(9), u"apple banana cherry"_s);
+        row("emptied: ours stays", "", u"apple banana cherry"_s);
+        row("a row that cannot be read: ours stays", listOf(threeTasks.first(2)) + "broken^",
+            u"apple banana cherry"_s);
+    }
+    void takesUpWhatAnotherProgramWrites()
+    {
+        const auto [bytes, shown] = Changes::cells();
+        for (const bool isReplaced : {false, true}) {
+            const MainWindow main(threeTasks);
+            main.clickRow(u"apple"_s);
+            if (isReplaced)
+                replaceList(main, bytes);
+            else
+                TemporaryHome::write(main.home.listPath(), bytes);
+            QTRY_VERIFY(!main.notice().isEmpty());
+            QCOMPARE(main.shown(), shown);
+            QCOMPARE(main.selectedName(), u"apple"_s);
+            // Nothing that was in the list is nowhere now.
+            for (const Row &row : threeTasks)
+                QVERIFY(!main.home.filesWith(row.bytes()).isEmpty() ||
+                        shown.contains(QLatin1String(row.name)));
+            main.click("deleteButton");
+            QVERIFY(main.home.kept().contains(bytes) ||
+                    sortedRows(TemporaryHome::content(main.home.listPath()) + threeTasks.first().bytes()) ==
+                        sortedRows(bytes));
+        }
+    }
+
+    void keepsViewSearchAndPlaceWhenItReadsAgain()
+    {
+        QList<Row> rows;
+        QList<QByteArray> names;
+        for (int i = 0; i < 200; ++i)
+            names += "task" + QByteArray::number(1000 + i);
+        for (const QByteArray &name : names)
+            rows += Row{.name = name.constData()};
+        const MainWindow main(rows);
+        main.views().setCurrentIndex(6);
+        QTest::keyClicks(&main.searchField(), u"task"_s);
+        main.clickRow(u"task1004"_s);
+        main.table().verticalScrollBar()->setValue(main.table().verticalScrollBar()->maximum() / 2);
+        const int scrolled = main.table().verticalScrollBar()->value();
+        TemporaryHome::write(main.home.listPath(), listOf(rows) + Row{.name = "other"}.bytes());
+        QTRY_VERIFY(!main.notice().isEmpty());
+        QCOMPARE(main.store.fullList().size(), 201);
+        QCOMPARE(main.table().model()->rowCount(), 200);
+        QCOMPARE(main.selectedName(), u"task1004"_s);
+        QCOMPARE(main.table().verticalScrollBar()->value(), scrolled);
+        QCOMPARE(main.views().currentIndex(), 6);
+    }
+
+    void mergesWhatCouldNotBeSaved()
+    {
+        MainWindow main(threeTasks);
+        block(main);
+        main.clickRow(u"apple"_s);
+        main.click("closeButton");
+        main.clickRow(u"banana"_s);
+        main.click("deleteButton");
+        QVERIFY(main.window->isUnsaved());
+        // The other side hid the first, closed the third and added a fourth.
+        const QByteArray theirs = listOf({{.name = "apple", .date = "3/1/26", .hidden = true},
+                                          threeTasks.at(1),
+                                          {.name = "cherry", .date = "3/3/26", .status = 1},
+                                          {.name = "fig", .date = "3/4/26"}});
+        unblock(main);
+        replaceList(main, theirs);
+        QTRY_VERIFY(!main.window->isUnsaved());
+        QCOMPARE(main.shown(), u"apple cherry fig"_s);
+        QCOMPARE(TemporaryHome::content(main.home.listPath()),
+                 listOf({{.name = "apple", .date = "3/1/26", .status = 1},
+                         {.name = "cherry", .date = "3/3/26", .status = 1},
+                         {.name = "fig", .date = "3/4/26"}}));
+        QVERIFY(main.home.kept().contains(Row{.name = "apple", .date = "3/1/26", .hidden = true}.bytes()));
+    }
+
+    void waitsForAForm()
+    {
+        const MainWindow main(threeTasks);
+        main.clickRow(u"banana"_s);
+        main.click("editButton");
+        auto *form = main.window->findChild<ViewControllerEdit *>();
+        TemporaryHome::write(main.home.listPath(), listOf(threeTasks.first(2)) + Row{.name = "fig"}.bytes());
+        find<QLineEdit>(*form, "txtTaskName").setText(u"typed"_s);
+        click(*form, "saveButton");
+        QTRY_COMPARE(main.saved(), u"apple typed fig"_s);
+        QCOMPARE(main.shown(), u"apple typed fig"_s);
+    }
+
+    void readsAFileThatAppearsLate()
+    {
+        MainWindow main({});
+        QCOMPARE(main.shown(), QString());
+        TemporaryHome::write(main.home.listPath(), listOf(threeTasks));
+        QTRY_COMPARE(main.shown(), u"apple banana cherry"_s);
+        // The same while something was entered that found no place.
+        MainWindow late({});
+        QVERIFY(QDir().rmdir(late.home.documents()));
+        late.store.addTask({.key = u"KEY-fig"_s, .name = u"fig"_s});
+        late.notifications.post(u"reload"_s);
+        QVERIFY(late.window->isUnsaved());
+        QVERIFY(QDir().mkdir(late.home.documents()));
+        TemporaryHome::write(late.home.listPath(), listOf(threeTasks));
+        QTRY_COMPARE(late.saved().split(u' ').size(), 4);
+        QVERIFY(late.saved().contains(u"apple"_s) && late.saved().contains(u"fig"_s));
+    }
+
+    void saysWhetherTheListIsSaved()
+    {
+        const MainWindow main(threeTasks);
+        QCOMPARE(main.saveState(), QString());
+        block(main);
+        main.clickRow(u"apple"_s);
+        main.click("deleteButton");
+        QVERIFY2(main.saveState().startsWith(u"Not saved: "_s), qPrintable(main.saveState()));
+        QVERIFY(main.notice().contains(u"could not be saved"_s));
+        unblock(main);
+        main.clickRow(u"banana"_s);
+        main.click("deleteButton");
+        QVERIFY2(QRegularExpression(u"^Saved \\d+:\\d\\d"_s).match(main.saveState()).hasMatch(),
+                 qPrintable(main.saveState()));
+        QCOMPARE(main.notice(), QString());
+        QVERIFY(QFile::remove(main.home.listPath()));
+        QTRY_COMPARE(main.saveState(), u"Not saved: the file is gone"_s);
+    }
+};
+
+OBLINO_TEST(tst_otherprograms, QApplication)
+
+#include "tst_otherprograms.moc"
