@@ -12,6 +12,8 @@
 #include <messaging/windows/viewcontrollersettings.h>
 #include <platform/appearance.h>
 #include <platform/documents.h>
+#include <platform/earlierversions.h>
+#include <platform/filecalls.h>
 #include <platform/notificationcenter.h>
 #include <platform/singleinstance.h>
 #include <platform/trace.h>
@@ -27,7 +29,11 @@
 #include <QApplication>
 #include <QDBusConnection>
 #include <QMessageBox>
+#include <QPushButton>
 #include <QStandardPaths>
+
+#include <cstdlib>
+#include <utility>
 
 namespace oblino {
 
@@ -60,6 +66,8 @@ Application::Application(SingleInstance &instance)
 
 Application::~Application()
 {
+    s_running = nullptr;
+    // PH
     tskMgr().setCloud(nullptr, nullptr);
     if (m_sendingRun.isRunning()) { // else the gateway would be made only to be stopped
         m_sendingRun.stop();
@@ -82,14 +90,54 @@ void Application::start()
                                                     NotificationCenter::standard(), contactsFolder());
     connect(m_mainWindow.get(), &ViewController::terminationRequested, this, &Application::terminate);
     connectWindows();
+    m_lastSave = std::make_unique<LastSave>(*m_mainWindow, uiUtil());
     m_mainWindow->setBeforeEnd([this] { return mayEnd(); });
     m_mainWindow->setBeforeCloud([this] { return ensurePassword(m_cloud, m_mainWindow.get()); });
     connect(&m_cloud, &CloudSession::rememberingFailed, this, &Application::tellNotRemembered);
     connect(&m_instance, &SingleInstance::raiseRequested, m_mainWindow.get(), &ViewController::comeToFront);
     connect(&m_signals, &UnixSignals::endRequested, this, &Application::terminate);
     m_signals.listen();
+    // PH // a large file takes its time
     Trace::flushWhenIdle();
     m_mainWindow->show();
+    offerRescued();
+    s_running = this;
+    std::atexit(&Application::saveAtExit); // last, as what is made after it is gone before it is called
+}
+
+void Application::saveAtExit()
+{
+    if (Application *running = std::exchange(s_running, nullptr))
+        running->m_lastSave->carryOut();
+}
+
+// What could not be saved at the last end, unless it has come into its file since.
+void Application::offerRescued()
+{
+    Documents &documents = Documents::standard();
+    bool isAnyLeft = false;
+    for (const QString &name : {TaskListFile::name, NotesFile::name}) {
+        EarlierVersions versions = documents.versions(name);
+        SafeFile *file = documents.file(name);
+        for (const EarlierVersion &version : versions.rescued()) {
+            const bool isSaved = file && file->look().bytes == versions.read(version).bytes;
+            if (!isSaved || !versions.remove(version).isEmpty())
+                isAnyLeft = true;
+        }
+    }
+    if (!isAnyLeft)
+        return;
+    auto *box =
+        new QMessageBox(QMessageBox::Information, QApplication::applicationDisplayName(),
+                        tr("When Oblino last ended, not everything could be saved. What was missing is kept "
+                           "among the earlier versions, from where you can restore it."),
+                        QMessageBox::NoButton, m_mainWindow.get());
+    QPushButton *show = box->addButton(tr("Earlier &Versions…"), QMessageBox::AcceptRole);
+    box->setDefaultButton(show);
+    box->setEscapeButton(box->addButton(tr("&Later"), QMessageBox::RejectRole));
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    connect(show, &QPushButton::clicked, m_mainWindow.get(), &ViewController::notesRequested);
+    box->open();
 }
 
 template<typename Window, typename... Arguments>
@@ -199,9 +247,10 @@ void Application::followAppearance()
 
 bool Application::mayEnd()
 {
-    return !m_sendingRun.isRunning() ||
-           uiUtil().dialogYesNo(tr("Messages are still being sent. End all the same?"),
-                                tr("The messages that have not been sent yet will not be sent."));
+    return (!m_sendingRun.isRunning() ||
+            uiUtil().dialogYesNo(tr("Messages are still being sent. End all the same?"),
+                                 tr("The messages that have not been sent yet will not be sent."))) &&
+           m_lastSave->confirmed();
 }
 
 // Windows save what they save on closing. An open question is not closed, which would answer it: it ends
@@ -215,6 +264,8 @@ void Application::terminate()
         if (window->isVisible() && !qobject_cast<QMessageBox *>(window))
             window->close();
     }
+    m_lastSave->carryOut();
+    s_running = nullptr;
     QCoreApplication::exit(0);
 }
 

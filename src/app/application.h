@@ -1,5 +1,6 @@
 #pragma once
 
+#include <app/lastsave.h>
 #include <messaging/sendingrun.h>
 #include <platform/cloud/cloudsession.h>
 #include <platform/keyring.h>
@@ -41,6 +42,11 @@ private:
     /// Asks where something would be broken off.
     [[nodiscard]] bool mayEnd();
     void terminate();
+    /// Saves what can be saved when the windowing system has gone, which ends the process at once.
+    static void saveAtExit();
+    void offerRescued();
+
+    static inline Application *s_running = nullptr;
 
     UnixSignals m_signals;
     PortalAppearance m_portal;
@@ -49,6 +55,7 @@ private:
     CloudSession m_cloud;
     SendingRun m_sendingRun;
     std::unique_ptr<ViewController> m_mainWindow;
+    std::unique_ptr<LastSave> m_lastSave;
     SingleInstance &m_instance;
 };
 
