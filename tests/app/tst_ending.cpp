@@ -19,11 +19,42 @@
 using namespace oblino;
 using namespace Qt::Literals::StringLiterals;
 using Acts = Table<QByteArray, std::function<void(const StartedApplication &)>>;
+using Ends = Table<QStringList, bool, bool>;
 
 namespace {
 
 const QByteArray list = "3/7/24|Paint fence|Two "
                         "coats|1.0|0.5|0.0|1.0|3/9/24|0|2|Open|High|key-1|false|9|30|17|0|Harbor Cafe|Dana^";
+
+const QByteArray secondRow = "3/8/24|Call||1.0|1.0|1.0|1.0|3/9/24|0|0|Open|Low|key-2|false|9|30|17|0||^";
+
+// Nobody can write a file while a folder is in its place.
+void block(const QString &path)
+{
+    QFile::rename(path, path + u".away"_s);
+    QVERIFY(QDir().mkdir(path));
+}
+
+void unblock(const QString &path)
+{
+    QVERIFY(QDir().rmdir(path));
+    QFile::rename(path + u".away"_s, path);
+}
+
+// Saves as that file in the dialog that comes next.
+void chooseFile(QObject *context, const QString &path)
+{
+    auto *timer = new QTimer(context);
+    QObject::connect(timer, &QTimer::timeout, timer, [timer, path] {
+        auto *dialog = qobject_cast<QFileDialog *>(QApplication::activeModalWidget());
+        if (!dialog)
+            return;
+        find<QLineEdit>(*dialog, "fileNameEdit").setText(path);
+        timer->deleteLater();
+        QMetaObject::invokeMethod(dialog, "accept", Qt::QueuedConnection);
+    });
+    timer->start(5);
+}
 
 } // namespace
 
@@ -124,6 +155,72 @@ private Q_SLOTS:
         QVERIFY(!opened.isActive());
         QCOMPARE(TemporaryHome::content(m_home.listPath()), list);
         QVERIFY(saved.isEmpty() || m_home.filesWith(saved).size() == 1);
+    }
+
+    void keepsWhatCouldNotBeSaved_data()
+    {
+        const Ends
+            row; // answers on the user's own quit, or none for a signal; has the disk room again; does it end
+        row("the user quits when there is room again", {u""_s}, true, true);
+        row("a signal when there is room again", {}, true, true);
+        row("a signal", {}, false, true);
+        row("the user cancels", {u"Cancel"_s}, false, false);
+        row("the user quits all the same", {u"Quit without saving"_s}, false, true);
+        row("the user saves elsewhere", {u"Save elsewhere…"_s}, false, true);
+    }
+    void keepsWhatCouldNotBeSaved()
+    {
+        const auto [answers, hasRoom, ends] = Ends::cells();
+        const QString notesPath = m_home.documents() + u"/ltodonotes.txt"_s;
+        const QString elsewhere = m_home.path(u"elsewhere.txt"_s);
+        TemporaryHome::write(m_home.listPath(), list + secondRow);
+        {
+            const StartedApplication program;
+            program.choose("notesAction");
+            for (const QString &path : {m_home.listPath(), notesPath})
+                block(path);
+            find<QPlainTextEdit>(*program.window, "textEdit").insertPlainText(u"Ä note, 日本"_s);
+            find<QTableView>(*program.window, "tblView").selectRow(0);
+            answering({u"Yes"_s}, [&] { click(*program.window, "deleteButton"); });
+            for (const QString &path : hasRoom ? QStringList{m_home.listPath(), notesPath} : QStringList())
+                unblock(path);
+            QTimer::singleShot(0, this, [&, answers = answers] {
+                if (answers.isEmpty())
+                    QCOMPARE(::raise(SIGTERM), 0);
+                else if (hasRoom)
+                    program.window->close();
+                else
+                    answering(answers, [&] { program.window->close(); });
+            });
+            if (answers == QStringList(u"Save elsewhere…"_s)) {
+                chooseFile(this, elsewhere);
+                chooseFile(this, elsewhere);
+            }
+            if (ends)
+                QCOMPARE(QApplication::exec(), 0);
+            else
+                QTRY_VERIFY(!QApplication::activeModalWidget());
+            ::alarm(0);
+            QCOMPARE(program.window->isVisible(), !ends);
+        }
+        const bool isElsewhere = QFile::exists(elsewhere);
+        if (!hasRoom) {
+            for (const QString &path : {m_home.listPath(), notesPath})
+                unblock(path);
+        }
+        // The list and the notes are whole somewhere, each in one place.
+        QVERIFY(!m_home.filesWith("Ä note, 日本").isEmpty());
+        bool isListWhole = false;
+        for (const QString &path : m_home.filesWith(secondRow))
+            isListWhole = isListWhole || TemporaryHome::content(path) == secondRow;
+        QVERIFY(isListWhole);
+        QCOMPARE(TemporaryHome::content(m_home.listPath()) == secondRow, hasRoom);
+        // And what is not where it belongs is offered at the next start.
+        const StartedApplication next;
+        QCOMPARE(next.window->findChild<QMessageBox *>() != nullptr, ends && !hasRoom && !isElsewhere);
+        QDir(m_home.path(u".local"_s)).removeRecursively();
+        for (const QString &path : {notesPath, elsewhere})
+            QFile::remove(path);
     }
 
 private:
