@@ -1,30 +1,54 @@
 #include <tools/notesfile.h>
 
-#include <platform/trace.h>
+#include <tools/lineends.h>
 
 #include <QStringDecoder>
 
-#include <algorithm>
+#include <cstring>
+#include <utility>
 
 namespace oblino {
 
 namespace {
 
-QString firstLineEnd(const QString &text)
+QString sentence(const QString &words)
 {
-    const auto end = std::find_if(text.begin(), text.end(),
-                                  [](QChar character) { return character == u'\n' || character == u'\r'; });
-    if (end == text.end() || *end == u'\n')
-        return QStringLiteral("\n");
-    const bool isPair = end + 1 != text.end() && end[1] == u'\n';
-    return isPair ? QStringLiteral("\r\n") : QStringLiteral("\r");
+    return words.arg(NotesFile::name);
+}
+
+// A byte order mark is a character like others here, or an edit would lose it.
+std::optional<QString> decoded(const QByteArray &bytes)
+{
+    QStringDecoder decoder(QStringDecoder::Utf8,
+                           QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
+    QString text = decoder(bytes);
+    return decoder.hasError() ? std::nullopt : std::optional(std::move(text));
+}
+
+NotesFile::Reading textIn(const FileReading &reading)
+{
+    if (reading.outcome == FileReading::Outcome::Missing)
+        return {{}, sentence(QStringLiteral("There is no file “%1”.")), {}};
+    if (reading.outcome == FileReading::Outcome::Failed)
+        return {{}, reading.error, {reading.error}};
+    if (std::optional<QString> text = decoded(reading.bytes))
+        return {std::move(text), {}, {}};
+    const QString error = sentence(QStringLiteral("“%1” is not valid UTF-8."));
+    return {{}, error, {error, QStringLiteral("It will be copied before a save replaces it.")}};
+}
+
+// Whether `bytes` are the start of `whole`, up to the midst of a line.
+bool isCutShort(const QByteArray &bytes, const QByteArray &whole)
+{
+    constexpr char lineEnds[] = "\n\r";
+    return bytes.size() < whole.size() && whole.startsWith(bytes) &&
+           !std::strchr(lineEnds, whole[bytes.size()]) && !std::strchr(lineEnds, bytes.back());
 }
 
 } // namespace
 
 NotesFile::NotesFile(Documents &documents)
     : m_documents(documents)
-    , m_lineEnd(QStringLiteral("\n"))
 {
 }
 
@@ -33,53 +57,86 @@ bool NotesFile::hasPlace() const
     return m_documents.folder().has_value();
 }
 
+bool NotesFile::isAsSeen()
+{
+    SafeFile *file = m_documents.file(name);
+    return file && file->isAsSeen();
+}
+
 NotesFile::Reading NotesFile::read()
 {
     SafeFile *file = m_documents.file(name);
     if (!file)
         return {};
     FileReading reading = file->read();
-    if (reading.outcome == FileReading::Outcome::Missing)
-        return {{}, QStringLiteral("There is no file “%1”.").arg(name)};
-    if (reading.outcome == FileReading::Outcome::Failed)
-        return {{}, reading.error};
-    // A byte order mark is a character like others here, or an edit would lose it.
-    QStringDecoder decoder(QStringDecoder::Utf8,
-                           QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
-    QString text = decoder(reading.bytes);
-    if (decoder.hasError()) {
+    Reading result = textIn(reading);
+    if (result.text)
+        m_bytes = std::move(reading.bytes);
+    else
         file->forget();
-        return {{}, QStringLiteral("“%1” is not valid UTF-8.").arg(name)};
-    }
-    m_bytes = std::move(reading.bytes);
-    m_lineEnd = firstLineEnd(text);
-    return {std::move(text), {}};
+    result.notices = m_documents.takeNotices() + result.notices;
+    return result;
 }
 
-QString NotesFile::write(QString text)
-{
-    text.replace(QChar::ParagraphSeparator, m_lineEnd);
-    return write(text.toUtf8());
-}
-
-QString NotesFile::writeUnchanged()
-{
-    SafeFile *file = m_documents.file(name);
-    return !file || file->isAsSeen() ? QString() : write(m_bytes);
-}
-
-QString NotesFile::write(const QByteArray &bytes)
+NotesFile::Reading NotesFile::readAgain()
 {
     SafeFile *file = m_documents.file(name);
     if (!file)
         return {};
-    const FileWriting writing = file->write(bytes);
-    for (const QString &notice : writing.notices)
-        trace(notice);
-    if (!writing.written)
-        return writing.error;
-    m_bytes = bytes;
-    return {};
+    const FileReading reading = file->look();
+    Reading result = textIn(reading);
+    if (result.text && reading.bytes != m_bytes) {
+        if (reading.bytes.isEmpty())
+            return {{}, sentence(QStringLiteral("another program has emptied “%1”")), {}};
+        if (isCutShort(reading.bytes, m_bytes))
+            return {{}, sentence(QStringLiteral("another program has cut “%1” short")), {}};
+        result.notices << sentence(
+            QStringLiteral("“%1” was changed by another program and has been read again."));
+        if (!reading.bytes.startsWith(m_bytes)) {
+            const QString error = m_documents.versions(name).keep(m_bytes, VersionReason::Replaced);
+            if (!error.isEmpty())
+                return {{}, error, {}};
+            result.notices << QStringLiteral("What was here before is kept in the earlier versions.");
+        }
+    }
+    if (result.text) {
+        file->take(reading);
+        m_bytes = reading.bytes;
+    }
+    return result;
+}
+
+QByteArray NotesFile::bytesOf(const QString &text) const
+{
+    return withLineEnds(text, decoded(m_bytes).value_or(QString())).toUtf8();
+}
+
+QString NotesFile::rescue(const QByteArray &bytes)
+{
+    return m_documents.versions(name).rescue(bytes);
+}
+
+FileWriting NotesFile::write(const QString &text)
+{
+    return writeBytes(bytesOf(text));
+}
+
+FileWriting NotesFile::writeUnchanged()
+{
+    if (isAsSeen())
+        return {.written = true, .error = {}, .reason = {}, .notices = {}};
+    return writeBytes(m_bytes);
+}
+
+FileWriting NotesFile::writeBytes(const QByteArray &bytes)
+{
+    SafeFile *file = m_documents.file(name);
+    if (!file)
+        return {};
+    FileWriting writing = file->write(bytes);
+    if (writing.written)
+        m_bytes = bytes;
+    return writing;
 }
 
 } // namespace oblino

@@ -4,6 +4,7 @@
 
 #include <QByteArray>
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 
@@ -17,8 +18,9 @@ class NotesFile
 public:
     struct Reading
     {
-        std::optional<QString> text; ///< none where the file could not be read
+        std::optional<QString> text; ///< none where there is none that can be read
         QString error;               ///< why, in words
+        QStringList notices;         ///< what the user should know, in whole sentences
     };
 
     static inline const QString name = QStringLiteral("ltodonotes.txt");
@@ -27,25 +29,39 @@ public:
 
     /// Whether there is a documents folder, without which nothing is read or written.
     [[nodiscard]] bool hasPlace() const;
+    [[nodiscard]] QString path() const { return m_documents.path(name); }
 
     [[nodiscard]] Reading read();
 
-    /// Writes an edited text, in which U+2029 ends a line. It becomes the first line end of the file that was
-    /// read, or a line feed.
-    /// @return an error in words, empty when it was written
-    [[nodiscard]] QString write(QString text);
+    /// Whether nobody has touched the file since it was last read or written. Cheap.
+    [[nodiscard]] bool isAsSeen();
+
+    /// Reads what another program has made of the file. What was in it before is kept among the earlier
+    /// versions, unless the new text goes on from there. A file that is gone, emptied, cut short in the midst
+    /// of a line or not valid UTF-8 answers no text, and is copied before the next save replaces it.
+    [[nodiscard]] Reading readAgain();
+
+    /// Writes an edited text, in which U+2029 ends a line (see withLineEnds()).
+    [[nodiscard]] FileWriting write(const QString &text);
 
     /// Sees to it that the file holds what was last read or written, which costs next to nothing where nobody
     /// has touched it since.
-    /// @return an error in words, empty when it does
-    [[nodiscard]] QString writeUnchanged();
+    [[nodiscard]] FileWriting writeUnchanged();
+
+    /// What write() would put into the file.
+    [[nodiscard]] QByteArray bytesOf(const QString &text) const;
+    /// What was last read or written.
+    [[nodiscard]] QByteArray bytes() const { return m_bytes; }
+
+    /// Puts `bytes` to the first place that takes them.
+    /// @return the path there, empty where no place does
+    [[nodiscard]] QString rescue(const QByteArray &bytes);
 
 private:
-    [[nodiscard]] QString write(const QByteArray &bytes);
+    [[nodiscard]] FileWriting writeBytes(const QByteArray &bytes);
 
     Documents &m_documents;
     QByteArray m_bytes; // last read or written
-    QString m_lineEnd;
 };
 
 } // namespace oblino

@@ -2,18 +2,22 @@
 
 #include <core/taskmanager.h>
 #include <platform/trace.h>
+#include <platform/widgets/noticelabel.h>
 #include <platform/widgets/windowsize.h>
+#include <tools/lineends.h>
 #include <ui_viewcontrollernotes.h>
 
 #include <QApplication>
 #include <QKeyEvent>
 #include <QPlainTextEdit>
-#include <QTimer>
+
+#include <algorithm>
 
 namespace oblino {
 
 ViewControllerNotes::ViewControllerNotes(TaskManager &store, Documents &documents, QWidget *parent,
-                                         std::chrono::milliseconds interval)
+                                         std::chrono::milliseconds interval,
+                                         std::chrono::milliseconds afterLastKey)
     : QDialog(parent)
     , m_store(store)
     , m_file(documents)
@@ -24,14 +28,22 @@ ViewControllerNotes::ViewControllerNotes(TaskManager &store, Documents &document
     textEdit = m_ui->textEdit;
     textEdit->document()->setDocumentMargin(16);
     textEdit->installEventFilter(this);
+    m_afterLastKey.setSingleShot(true);
+    m_afterLastKey.setInterval(afterLastKey);
+    connect(&m_afterLastKey, &QTimer::timeout, this, &ViewControllerNotes::saveSoon);
     viewDidLoad();
+    connect(textEdit, &QPlainTextEdit::textChanged, &m_afterLastKey, qOverload<>(&QTimer::start));
+    if (m_file.hasPlace()) {
+        m_watch = std::make_unique<FileWatch>(m_file.path());
+        connect(m_watch.get(), &FileWatch::changed, this, &ViewControllerNotes::readWhatOthersWrote);
+    }
 }
 
 ViewControllerNotes::~ViewControllerNotes()
 {
     timer.reset();
     // The last chance of a text that could not be saved when the window went away.
-    if (textEdit->document()->isModified())
+    if (isUnsaved())
         saveToFile();
 }
 
@@ -65,13 +77,14 @@ void ViewControllerNotes::viewWillDisappear()
 void ViewControllerNotes::viewDidDisappear()
 {
     saveToFile();
-    if (textEdit->document()->isModified())
+    if (isUnsaved())
         setAttribute(Qt::WA_DeleteOnClose, false);
 }
 
 void ViewControllerNotes::discard()
 {
     textEdit->document()->setModified(false);
+    m_isOnlyHere = false;
 }
 
 void ViewControllerNotes::tick(const QTimer & /*firing*/)
@@ -80,15 +93,29 @@ void ViewControllerNotes::tick(const QTimer & /*firing*/)
     trace("Saved File");
 }
 
+void ViewControllerNotes::saveSoon()
+{
+    if (isEdited())
+        saveToFile();
+}
+
 bool ViewControllerNotes::saveToFile()
 {
-    if (!m_file.hasPlace())
+    m_afterLastKey.stop();
+    if (!m_file.hasPlace()) {
+        m_error = isEdited() ? tr("The notes could not be saved: there is no documents folder.") : QString();
+        setFailure(isEdited() ? tr("there is no documents folder") : QString());
         return true;
+    }
+    readWhatOthersWrote();
     QTextDocument &document = *textEdit->document();
-    const QString error =
-        document.isModified() ? m_file.write(document.toRawText()) : m_file.writeUnchanged();
-    if (!error.isEmpty()) {
-        trace("Error", error);
+    const FileWriting writing = isEdited() ? m_file.write(document.toRawText()) : m_file.writeUnchanged();
+    m_error = writing.error;
+    tell(writing.notices);
+    setFailure(writing.reason);
+    m_isOnlyHere = !writing.written && !m_file.bytes().isEmpty();
+    if (!writing.written) {
+        trace("Error", writing.error);
         return false;
     }
     document.setModified(false);
@@ -101,6 +128,7 @@ QString ViewControllerNotes::readFromFile()
     if (!m_file.hasPlace())
         return {};
     const NotesFile::Reading reading = m_file.read();
+    tell(reading.notices);
     if (reading.text) {
         textEdit->setPlainText(*reading.text);
         textEdit->document()->setModified(false);
@@ -109,6 +137,93 @@ QString ViewControllerNotes::readFromFile()
         trace("Error", reading.error);
     }
     return {};
+}
+
+void ViewControllerNotes::readWhatOthersWrote()
+{
+    if (isEdited() || m_file.isAsSeen())
+        return;
+    const NotesFile::Reading reading = m_file.readAgain();
+    if (reading.text) {
+        showText(*reading.text);
+        tell(reading.notices);
+        setFailure({});
+        m_isOnlyHere = false;
+        trace("Read File");
+    } else if (!m_file.bytes().isEmpty()) {
+        setFailure(reading.error);
+        m_isOnlyHere = true;
+    }
+}
+
+// Only what differs is replaced, so that cursor and view stay, and the text before comes back with Undo.
+void ViewControllerNotes::showText(const QString &text)
+{
+    QTextDocument &document = *textEdit->document();
+    const QString before = document.toRawText();
+    const QString after = withControlLineEnds(text);
+    const auto [oldStart, newStart] = std::mismatch(before.begin(), before.end(), after.begin(), after.end());
+    const auto oldEnd = std::mismatch(before.rbegin(), std::make_reverse_iterator(oldStart), after.rbegin(),
+                                      std::make_reverse_iterator(newStart))
+                            .first;
+    const qsizetype start = oldStart - before.begin();
+    const qsizetype sameAtEnd = oldEnd - before.rbegin();
+    QTextCursor cursor(&document);
+    cursor.setPosition(int(start));
+    cursor.setPosition(int(before.size() - sameAtEnd), QTextCursor::KeepAnchor);
+    cursor.insertText(after.sliced(start, after.size() - sameAtEnd - start));
+    document.setModified(false);
+}
+
+void ViewControllerNotes::tell(const QStringList &notices)
+{
+    for (const QString &notice : notices)
+        trace(notice);
+    m_notices.tell(notices);
+    m_ui->notice->setNotice(m_notices.text());
+}
+
+void ViewControllerNotes::setFailure(const QString &reason)
+{
+    m_notices.setFailure(reason);
+    m_ui->notice->setNotice(m_notices.text());
+}
+
+bool ViewControllerNotes::isEdited() const
+{
+    return textEdit->document()->isModified();
+}
+
+QString ViewControllerNotes::workTitle() const
+{
+    return tr("The notes");
+}
+
+bool ViewControllerNotes::isUnsaved() const
+{
+    return isEdited() || m_isOnlyHere;
+}
+
+QString ViewControllerNotes::saveNow()
+{
+    if (isUnsaved())
+        saveToFile();
+    return isUnsaved() ? m_error : QString();
+}
+
+QByteArray ViewControllerNotes::unsavedContent() const
+{
+    return isEdited() ? m_file.bytesOf(textEdit->document()->toRawText()) : m_file.bytes();
+}
+
+QString ViewControllerNotes::unsavedFileName() const
+{
+    return NotesFile::name;
+}
+
+QString ViewControllerNotes::rescue()
+{
+    return m_file.rescue(unsavedContent());
 }
 
 void ViewControllerNotes::showEvent(QShowEvent *event)

@@ -1,14 +1,17 @@
 #pragma once
 
+#include <platform/filewatch.h>
+#include <platform/unsavedwork.h>
+#include <tools/filenotices.h>
 #include <tools/notesfile.h>
 
 #include <QDialog>
+#include <QTimer>
 
 #include <chrono>
 #include <memory>
 
 class QPlainTextEdit;
-class QTimer;
 
 namespace oblino {
 
@@ -18,18 +21,21 @@ class ViewControllerNotes;
 
 class TaskManager;
 
-/// The notes pad: one text, loaded when the window is made, saved every 30 seconds while it is shown and once
-/// more when it goes away. With Qt::WA_DeleteOnClose the window all the same outlives its closing while its
-/// text is in no file.
-class ViewControllerNotes : public QDialog
+/// The notes pad: one text, loaded when the window is made, saved while it is shown, every 30 seconds and
+/// soon after the last key, and once more when it goes away. What another program makes of the file is shown,
+/// unless the text here is not saved. With Qt::WA_DeleteOnClose the window all the same outlives its closing
+/// while its text is in no file.
+class ViewControllerNotes : public QDialog, public UnsavedWork
 {
     Q_OBJECT
 
 public:
-    /// @param store     says whether the appearance is dark
-    /// @param interval  between two savings
+    /// @param store         says whether the appearance is dark
+    /// @param interval      between two savings
+    /// @param afterLastKey  how long nothing more must be typed before what was is saved
     ViewControllerNotes(TaskManager &store, Documents &documents, QWidget *parent = nullptr,
-                        std::chrono::milliseconds interval = std::chrono::seconds(30));
+                        std::chrono::milliseconds interval = std::chrono::seconds(30),
+                        std::chrono::milliseconds afterLastKey = std::chrono::seconds(2));
     ~ViewControllerNotes() override;
 
     /// @return false when writing failed; without a documents folder nothing is written
@@ -44,6 +50,15 @@ public:
     /// Gives up a text that is in no file.
     void discard();
 
+    // The text while it is in no file
+
+    [[nodiscard]] QString workTitle() const override;
+    [[nodiscard]] bool isUnsaved() const override;
+    [[nodiscard]] QString saveNow() override;
+    [[nodiscard]] QByteArray unsavedContent() const override;
+    [[nodiscard]] QString unsavedFileName() const override;
+    [[nodiscard]] QString rescue() override;
+
 protected:
     void showEvent(QShowEvent *event) override;
     void hideEvent(QHideEvent *event) override;
@@ -54,6 +69,12 @@ private:
     void viewDidAppear();
     void viewWillDisappear();
     void viewDidDisappear();
+    [[nodiscard]] bool isEdited() const;
+    void saveSoon();
+    void readWhatOthersWrote();
+    void showText(const QString &text);
+    void tell(const QStringList &notices);
+    void setFailure(const QString &reason);
 
     TaskManager &m_store;
     NotesFile m_file;
@@ -61,6 +82,11 @@ private:
     std::unique_ptr<Ui::ViewControllerNotes> m_ui;
     QPlainTextEdit *textEdit = nullptr;
     std::unique_ptr<QTimer> timer; // none while the window is not shown
+    QTimer m_afterLastKey;
+    std::unique_ptr<FileWatch> m_watch; // none without a documents folder
+    FileNotices m_notices;
+    QString m_error;           // of the last save, a sentence
+    bool m_isOnlyHere = false; // the file no longer has the text that it had
 };
 
 } // namespace oblino
