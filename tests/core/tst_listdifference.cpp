@@ -80,7 +80,7 @@ private Q_SLOTS:
              "== 2026-10-01 10:31:07 ltodolist.txt ==\n" + row("A") + "junk^\n" +
                  "== 2026-10-02 09:00:00 ltodolist.txt ==\n" + row("B") + "\n",
              u"AB"_s);
-        data("a heading in a description", "3/7/24|Paint|== a ==\n" + row("A").sliced(29), u"A"_s);
+        data("a heading in a description", "3/7/24|Paint|== a ==\n" + row("A").sliced(28), u"A"_s);
     }
     void readsTheTasksOfAnyText()
     {
