@@ -1,5 +1,7 @@
 #pragma once
 
+#include <tools/datakind.h>
+
 #include <QDialog>
 #include <QString>
 
@@ -23,9 +25,6 @@ class TaskListFile;
 class TaskManager;
 class UIUtil;
 struct FetchRequest;
-
-/// A kind of data that can be erased.
-enum class DataKind { Tasks, Notes, Whiteboard, Clients, TeamMembers, Settings, Cloud };
 
 /// What the data eraser works on.
 struct ErasableData
