@@ -19,6 +19,7 @@
 #include <platform/trace.h>
 #include <platform/widgets/cloudaccountwindow.h>
 #include <platform/widgets/passwordprompt.h>
+#include <tools/windows/earlierversionswindow.h>
 #include <tools/windows/viewcontrollerdestroy.h>
 #include <tools/windows/viewcontrollernotes.h>
 #include <tools/windows/viewcontrollerwhiteboard.h>
@@ -165,6 +166,8 @@ void Application::connectWindows()
     connect(m_mainWindow.get(), &ViewController::messagingSettingsRequested, this,
             [this] { open<ViewControllerSettings>(tskMgr(), uiUtil(), sendSMS); });
     connect(m_mainWindow.get(), &ViewController::eraserRequested, this, &Application::openEraser);
+    connect(m_mainWindow.get(), &ViewController::earlierVersionsRequested, this,
+            &Application::openEarlierVersions);
     connect(m_mainWindow.get(), &ViewController::startPageRequested, this,
             [this] { open<ViewControllerEnhancement>(); });
     connect(&m_sendingRun, &SendingRun::finished, m_mainWindow.get(), [this] {
@@ -190,9 +193,46 @@ void Application::openEraser()
                      .erased = [this](DataKind kind) { forget(kind); }});
 }
 
+void Application::openEarlierVersions()
+{
+    open<EarlierVersionsWindow>(
+        EarlierVersionsData{.store = tskMgr(),
+                            .taskList = m_mainWindow->taskListFile(),
+                            .documents = Documents::standard(),
+                            .notifications = NotificationCenter::standard(),
+                            .utilities = uiUtil(),
+                            .notices = m_notices,
+                            .privateFolder = contactsFolder(),
+                            .saveOpen = [this](DataKind kind) { return saveOpen(kind); }});
+    connect(m_mainWindow->findChild<EarlierVersionsWindow *>(), &EarlierVersionsWindow::restored, this,
+            &Application::readAgain, Qt::UniqueConnection);
+}
+
+QString Application::saveOpen(DataKind kind)
+{
+    if (auto *board = m_mainWindow->findChild<ViewControllerWhiteboard *>();
+        board && kind == DataKind::Whiteboard)
+        board->capture();
+    auto *pad = m_mainWindow->findChild<ViewControllerNotes *>();
+    return kind != DataKind::Notes || !pad || pad->saveToFile()
+               ? QString()
+               : tr("The open notes could not be saved, so nothing was restored.");
+}
+
+void Application::readAgain(DataKind kind)
+{
+    if (auto *pad = m_mainWindow->findChild<ViewControllerNotes *>(); pad && kind == DataKind::Notes)
+        pad->readFromFile();
+    if (auto *board = m_mainWindow->findChild<ViewControllerWhiteboard *>();
+        board && kind == DataKind::Whiteboard)
+        board->revertToImage(nullptr);
+}
+
 // What windows hold that nobody sees would come back with their next save.
 void Application::forget(DataKind kind)
 {
+    if (auto *versions = m_mainWindow->findChild<EarlierVersionsWindow *>())
+        versions->refresh();
     switch (kind) {
     case DataKind::Notes:
         if (auto *pad = m_mainWindow->findChild<ViewControllerNotes *>(); pad && !pad->isVisible()) {

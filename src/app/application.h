@@ -4,6 +4,7 @@
 #include <messaging/sendingrun.h>
 #include <platform/cloud/cloudsession.h>
 #include <platform/keyring.h>
+#include <platform/noticelog.h>
 #include <platform/portalappearance.h>
 #include <platform/unixsignals.h>
 #include <platform/widgets/sharingmenu.h>
@@ -35,6 +36,9 @@ private:
     template<typename Window, typename... Arguments>
     void open(Arguments &&...arguments);
     void openEraser();
+    void openEarlierVersions();
+    [[nodiscard]] QString saveOpen(DataKind kind);
+    void readAgain(DataKind kind);
     void forget(DataKind kind);
     void reloadContacts(const FetchRequest &request);
     void tellNotRemembered();
@@ -53,6 +57,7 @@ private:
     SharingMenu m_sharingMenu;
     Keyring m_keyring;
     CloudSession m_cloud;
+    NoticeLog m_notices;
     SendingRun m_sendingRun;
     std::unique_ptr<ViewController> m_mainWindow;
     std::unique_ptr<LastSave> m_lastSave;

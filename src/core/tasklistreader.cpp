@@ -50,7 +50,7 @@ QStringView forEachRow(QStringView text, Each each)
     return text;
 }
 
-// A row of a file of rows that were set aside stands under a heading line (see RecoveryFolder::append()).
+// Rows that an earlier release set aside stand under heading lines, as in "== 2026-10-01 10:31:07 NAME ==".
 QStringView withoutHeading(QStringView row)
 {
     const QStringView start = row.trimmed();

@@ -116,6 +116,7 @@ Q_SIGNALS:
     void cloudAccountRequested();
     void notesRequested();
     void whiteboardRequested();
+    void earlierVersionsRequested();
     void eraserRequested();
     void startPageRequested();
 

@@ -147,6 +147,7 @@ void ViewController::connectCommands()
     command(m_ui->cloudAccountAction, &ViewController::cloudAccountRequested);
     command(m_ui->notesAction, &ViewController::notesRequested);
     command(m_ui->whiteboardAction, &ViewController::whiteboardRequested);
+    command(m_ui->earlierVersionsAction, &ViewController::earlierVersionsRequested);
     command(m_ui->eraserAction, &ViewController::eraserRequested);
     command(m_ui->startPageAction, [this] { addEnhancement(m_ui->startPageAction); });
     command(m_ui->newTaskAction, [this] { newTask(); });

@@ -59,4 +59,25 @@ private:
     QTemporaryDir m_folder;
 };
 
+/// Leads the state folder and the folder for temporary files into a home, as long as it lives.
+class OwnFolders
+{
+public:
+    explicit OwnFolders(const TemporaryHome &home)
+    {
+        for (const char *name : {"XDG_STATE_HOME", "TMPDIR"}) {
+            const QString folder = home.path(QString::fromLatin1(name));
+            QDir().mkdir(folder);
+            qputenv(name, QFile::encodeName(folder));
+        }
+    }
+    OwnFolders(const OwnFolders &) = delete;
+    OwnFolders &operator=(const OwnFolders &) = delete;
+    ~OwnFolders()
+    {
+        qunsetenv("XDG_STATE_HOME");
+        qunsetenv("TMPDIR");
+    }
+};
+
 } // namespace oblino

@@ -104,6 +104,7 @@ struct Eraser : Store
         QCOMPARE(recovery.keep(bytes, name, VersionReason::Unread).error, 0);
     }
 
+    OwnFolders ownFolders{home};
     QString notes = home.documents() + u"/ltodonotes.txt"_s;
     QString board = home.path(u"ltodolistwhiteboard.png"_s);
     Documents documents{home.documents(), home.privateFolder()};
@@ -133,13 +134,19 @@ private Q_SLOTS:
             QCOMPARE(file.setAside("secret").error, QString());
             TemporaryHome::write(path, "secret");
             TemporaryHome::write(file.journalPath(), "secret");
+            for (const QString &folder :
+                 EarlierVersions::standardFolders(eraser.home.privateFolder(), eraser.home.documents())) {
+                RecoveryFolder recovery(folder, FileCalls::posix());
+                const QString name = QFileInfo(path).fileName();
+                QCOMPARE(recovery.keep("secret", name, VersionReason::Rescued).error, 0);
+            }
             const QByteArray elsewhere = "/elsewhere/" + QFileInfo(path).fileName().toUtf8();
             TemporaryHome::write(file.journalPath() + u".of-another-folder.journal"_s,
                                  Journal{elsewhere, {}, sha256("secret"), "secret"}.encoded());
         }
         TemporaryHome::write(eraser.home.listPath(), row + "secret^"); // with a row that cannot be read
         (void)eraser.list.splitStringFile(eraser.list.readFromFile());
-        QCOMPARE(eraser.home.filesWith("secret").size(), 3 * 5 + 3); // and contacts, cloud, settings
+        QCOMPARE(eraser.home.filesWith("secret").size(), 3 * 9 + 3); // and contacts, cloud, settings
 
         eraser.erase(allBoxes);
         QCOMPARE(eraser.told(), allGone);

@@ -6,12 +6,14 @@
 #include <platform/notificationcenter.h>
 #include <platform/trace.h>
 #include <tools/notesfile.h>
+#include <tools/restoring.h>
 #include <tools/whiteboardfile.h>
 #include <ui/uiutil.h>
 #include <ui_viewcontrollerdestroy.h>
 
 #include <QCloseEvent>
 #include <QDir>
+#include <QFileInfo>
 
 #include <utility>
 
@@ -162,7 +164,11 @@ bool ViewControllerDestroy::eraseNotes()
 
 bool ViewControllerDestroy::eraseWhiteboard()
 {
-    const QString error = WhiteboardFile(m_data.privateFolder).erase(WhiteboardFile::name);
+    QString error = WhiteboardFile(m_data.privateFolder).erase(WhiteboardFile::name);
+    if (!QFileInfo::exists(WhiteboardFile::name)) {
+        const QString left = whiteboardVersions(m_data.privateFolder, m_data.documents).removeAll();
+        error = error.isEmpty() ? left : error;
+    }
     return report(QStringLiteral("Error Deleting Whiteboard File:") + QDir::currentPath() +
                       WhiteboardFile::name,
                   error);

@@ -1,0 +1,55 @@
+#pragma once
+
+#include <tools/versioncontent.h>
+#include <ui/tasktablemodel.h>
+
+#include <QStackedWidget>
+
+class QLabel;
+class QPlainTextEdit;
+class QTableView;
+
+namespace oblino {
+
+class BoardView;
+
+/// A read-only look at an earlier version: a table of tasks, a text, or a picture.
+class VersionLook : public QStackedWidget, private TaskTableSource
+{
+    Q_OBJECT
+
+public:
+    explicit VersionLook(QWidget *parent = nullptr);
+
+    /// @param dark    whether tasks are shown in the inverted colours of the dark appearance
+    /// @param asText  whether a list is shown as the bytes that were kept, rows that are no tasks included
+    void show(const VersionContent &content, bool dark, bool asText);
+    /// Shows a sentence, and holds nothing of a version any more.
+    void say(const QString &sentence);
+
+    /// The tasks whose rows are selected, in their order and in the colours of the light appearance.
+    [[nodiscard]] QList<task> selectedTasks() const;
+
+Q_SIGNALS:
+    void selectionChanged();
+
+private:
+    [[nodiscard]] int numberOfRows() override;
+    [[nodiscard]] QString objectValueFor(int column, int row) const override;
+    [[nodiscard]] QString wholeTextFor(int column, int row) const override;
+    [[nodiscard]] QColor didAdd(int row) const override;
+    [[nodiscard]] int markFor(int column, int row) const override;
+
+    void prepareTable();
+    void clear();
+
+    QList<task> m_tasks;
+    bool m_dark = false;
+    TaskTableModel m_model;
+    QTableView *m_table;
+    QPlainTextEdit *m_text;
+    BoardView *m_picture;
+    QLabel *m_message;
+};
+
+} // namespace oblino
