@@ -7,6 +7,7 @@
 #include <contacts/windows/viewcontrollerteammgmt.h>
 #include <messaging/windows/viewcontrollersending.h>
 #include <messaging/windows/viewcontrollersettings.h>
+#include <tools/windows/earlierversionswindow.h>
 #include <tools/windows/viewcontrollerdestroy.h>
 #include <tools/windows/viewcontrollernotes.h>
 #include <tools/windows/viewcontrollerwhiteboard.h>
@@ -187,6 +188,33 @@ private Q_SLOTS:
         QCOMPARE(m_home.filesWith("Berg"), QStringList());
         for (const QString &path : inTheWay)
             QVERIFY2(!QFile::exists(path), qPrintable(path));
+    }
+
+    void openWindowsFollowWhatIsRestored()
+    {
+        const QString notes = m_home.documents() + u"/ltodonotes.txt"_s;
+        const Walk walk;
+        QCOMPARE(Documents::standard().versions(u"ltodonotes.txt"_s).keep("of before", VersionReason::Daily),
+                 QString());
+        const QPointer pad = walk.chosen<ViewControllerNotes>(Qt::Key_N);
+        QVERIFY(pad);
+        Walk::type(pad, u"textEdit"_s, u"just typed"_s);
+        auto *versions = walk.chosen<EarlierVersionsWindow>(Qt::Key_V);
+        QVERIFY(versions);
+        auto &tabs = find<QTabBar>(*versions, "tabs");
+        QTest::mouseClick(&tabs, Qt::LeftButton, {}, tabs.tabRect(1).center());
+        const auto &table = find<QTableView>(*versions, "versionTable");
+        for (int row = 0; row < table.model()->rowCount(); ++row) {
+            if (table.model()->index(row, 1).data().toString().startsWith(u"Before the first"))
+                clickCell(table, row, 1);
+        }
+        click(*versions, "restoreButton");
+        QCOMPARE(find<QPlainTextEdit>(*pad, "textEdit").toPlainText(), u"of before"_s);
+        pad->close();
+        QCOMPARE(TemporaryHome::content(notes), "of before");
+        QCOMPARE(m_home.filesWith("just typed").size(), 1);
+        versions->close();
+        walk.window->close();
     }
 
 private:
