@@ -91,6 +91,8 @@ void Application::start()
                                                     NotificationCenter::standard(), contactsFolder());
     connect(m_mainWindow.get(), &ViewController::terminationRequested, this, &Application::terminate);
     connectWindows();
+    connect(m_mainWindow.get(), &ViewController::told, &m_notices, &NoticeLog::add);
+    m_notices.add(m_mainWindow->notice());
     m_lastSave = std::make_unique<LastSave>(*m_mainWindow, uiUtil());
     m_mainWindow->setBeforeEnd([this] { return mayEnd(); });
     m_mainWindow->setBeforeCloud([this] { return ensurePassword(m_cloud, m_mainWindow.get()); });
@@ -137,7 +139,7 @@ void Application::offerRescued()
     box->setDefaultButton(show);
     box->setEscapeButton(box->addButton(tr("&Later"), QMessageBox::RejectRole));
     box->setAttribute(Qt::WA_DeleteOnClose);
-    connect(show, &QPushButton::clicked, m_mainWindow.get(), &ViewController::notesRequested);
+    connect(show, &QPushButton::clicked, m_mainWindow.get(), &ViewController::earlierVersionsRequested);
     box->open();
 }
 

@@ -47,6 +47,11 @@ void NoticeBar::tell(const QStringList &notices, bool isFailing)
     m_wasFailing = isFailing;
 }
 
+QString NoticeBar::notice() const
+{
+    return m_notice->notice();
+}
+
 void NoticeBar::putAway()
 {
     m_notice->setNotice({});

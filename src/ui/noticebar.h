@@ -21,6 +21,7 @@ public:
     /// has passed.
     /// @param isFailing  whether something is not as it should be now
     void tell(const QStringList &notices, bool isFailing);
+    [[nodiscard]] QString notice() const;
     /// Tells nothing any more.
     void putAway();
 

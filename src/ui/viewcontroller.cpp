@@ -245,8 +245,16 @@ QString ViewController::rescue()
 
 void ViewController::showNotices()
 {
+    const QStringList notices = m_file.takeNotices();
     m_saveState->setText(m_file.saveState(QLocale()));
-    m_noticeBar->tell(m_file.takeNotices(), m_file.hasUnsavedChanges());
+    m_noticeBar->tell(notices, m_file.hasUnsavedChanges());
+    for (const QString &notice : notices)
+        Q_EMIT told(notice);
+}
+
+QString ViewController::notice() const
+{
+    return m_noticeBar->notice();
 }
 
 } // namespace oblino

@@ -106,7 +106,12 @@ public:
     /// Sets what is called before the window closes. It answers whether the application may end.
     void setBeforeEnd(std::function<bool()> beforeEnd) { m_beforeEnd = std::move(beforeEnd); }
 
+    /// What the window tells the user at this moment; usually nothing.
+    [[nodiscard]] QString notice() const;
+
 Q_SIGNALS:
+    /// The user was told something.
+    void told(const QString &notice);
     /// The window was closed, which ends the application.
     void terminationRequested();
     void clientsRequested();

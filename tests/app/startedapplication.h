@@ -16,6 +16,7 @@ inline void moveTo(const TemporaryHome &home)
 {
     qputenv("HOME", QFile::encodeName(home.path({})));
     qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
+    qputenv("QT_MEDIA_BACKEND", "ffmpeg"); // as the program chooses
     QDir::setCurrent(home.path({}));
 }
 
