@@ -38,9 +38,11 @@ public:
     {
         constexpr int padding = 5; // to what the style leaves free
         QStyleOptionViewItem cell = option;
+        cell.state &= ~QStyle::State_HasFocus; // the selected row says enough
+        const QStyleOptionViewItem whole = cell;
         initStyleOption(&cell, index);
         cell.widget->style()->drawPrimitive(QStyle::PE_PanelItemViewItem, &cell, painter, cell.widget);
-        cell = option;
+        cell = whole;
         cell.rect.adjust(padding, 0, -padding, 0);
         QStyledItemDelegate::paint(painter, cell, index);
     }
