@@ -79,16 +79,24 @@ void VersionLook::prepareTable()
 void VersionLook::show(const VersionContent &content, bool dark, bool asText)
 {
     clear();
-    if (!content.error.isEmpty())
-        return say(content.error);
-    if (content.kind == DataKind::Whiteboard && !content.picture.isNull()) {
+    fill(content, dark, asText);
+    Q_EMIT selectionChanged();
+}
+
+void VersionLook::fill(const VersionContent &content, bool dark, bool asText)
+{
+    const bool isList = content.kind == DataKind::Tasks;
+    const bool isBoard = content.kind == DataKind::Whiteboard;
+    if (!content.error.isEmpty()) {
+        say(content.error);
+    } else if (content.bytes.isEmpty()) {
+        say(isList ? tr("It holds no tasks.") : tr("It is empty."));
+    } else if (isBoard && content.picture.isNull()) {
+        say(tr("It is not a picture that can be shown."));
+    } else if (isBoard) {
         m_picture->setImage(content.picture);
         setCurrentWidget(m_picture);
-    } else if (content.bytes.isEmpty()) {
-        say(content.kind == DataKind::Tasks ? tr("It holds no tasks.") : tr("It is empty."));
-    } else if (content.kind == DataKind::Whiteboard) {
-        say(tr("It is not a picture that can be shown."));
-    } else if (content.kind == DataKind::Tasks && !content.tasks.isEmpty() && !asText) {
+    } else if (isList && !content.tasks.isEmpty() && !asText) {
         m_tasks = content.tasks;
         m_dark = dark;
         m_model.reload();
@@ -98,7 +106,6 @@ void VersionLook::show(const VersionContent &content, bool dark, bool asText)
         m_text->setPlainText(QString::fromUtf8(content.bytes));
         setCurrentWidget(m_text);
     }
-    Q_EMIT selectionChanged();
 }
 
 void VersionLook::say(const QString &sentence)

@@ -42,6 +42,7 @@ private:
 
     void prepareTable();
     void clear();
+    void fill(const VersionContent &content, bool dark, bool asText);
 
     QList<task> m_tasks;
     bool m_dark = false;
