@@ -172,7 +172,7 @@ private Q_SLOTS:
     {
         const auto [answers, hasRoom, ends] = Ends::cells();
         const QString notesPath = m_home.documents() + u"/ltodonotes.txt"_s;
-        const QString elsewhere = m_home.path(u"elsewhere.txt"_s);
+        const QString elsewhere = m_home.path(u"elsewhere"_s);
         TemporaryHome::write(m_home.listPath(), list + secondRow);
         {
             const StartedApplication program;
@@ -184,26 +184,28 @@ private Q_SLOTS:
             answering({u"Yes"_s}, [&] { click(*program.window, "deleteButton"); });
             for (const QString &path : hasRoom ? QStringList{m_home.listPath(), notesPath} : QStringList())
                 unblock(path);
-            QTimer::singleShot(0, this, [&, answers = answers] {
+            if (answers == QStringList(u"Save elsewhere…"_s)) {
+                chooseFile(this, elsewhere + u".list"_s);
+                chooseFile(this, elsewhere + u".notes"_s);
+            }
+            const auto end = [&, answers = answers] {
                 if (answers.isEmpty())
                     QCOMPARE(::raise(SIGTERM), 0);
                 else if (hasRoom)
                     program.window->close();
                 else
                     answering(answers, [&] { program.window->close(); });
-            });
-            if (answers == QStringList(u"Save elsewhere…"_s)) {
-                chooseFile(this, elsewhere);
-                chooseFile(this, elsewhere);
-            }
-            if (ends)
+            };
+            if (ends) {
+                QTimer::singleShot(0, this, end);
                 QCOMPARE(QApplication::exec(), 0);
-            else
-                QTRY_VERIFY(!QApplication::activeModalWidget());
+            } else {
+                end();
+            }
             ::alarm(0);
             QCOMPARE(program.window->isVisible(), !ends);
         }
-        const bool isElsewhere = QFile::exists(elsewhere);
+        const bool isElsewhere = QFile::exists(elsewhere + u".list"_s);
         if (!hasRoom) {
             for (const QString &path : {m_home.listPath(), notesPath})
                 unblock(path);
@@ -219,7 +221,7 @@ private Q_SLOTS:
         const StartedApplication next;
         QCOMPARE(next.window->findChild<QMessageBox *>() != nullptr, ends && !hasRoom && !isElsewhere);
         QDir(m_home.path(u".local"_s)).removeRecursively();
-        for (const QString &path : {notesPath, elsewhere})
+        for (const QString &path : {notesPath, elsewhere + u".list"_s, elsewhere + u".notes"_s})
             QFile::remove(path);
     }
 
