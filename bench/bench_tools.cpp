@@ -117,7 +117,7 @@ void measureBoard(UIUtil &utilities, const QString &folder)
 {
     QDir::setCurrent(folder);
     NoPicker picker;
-    ViewControllerWhiteboard board(utilities, picker, folder + QStringLiteral("/private"));
+    ViewControllerWhiteboard board(utilities, picker, folder + QStringLiteral("/private"), folder);
     board.show();
     QCoreApplication::processEvents();
     auto *line =

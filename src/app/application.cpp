@@ -178,8 +178,10 @@ void Application::connectWindows()
     });
     connect(m_mainWindow.get(), &ViewController::notesRequested, this,
             [this] { open<ViewControllerNotes>(tskMgr(), Documents::standard()); });
-    connect(m_mainWindow.get(), &ViewController::whiteboardRequested, this,
-            [this] { open<ViewControllerWhiteboard>(uiUtil(), m_sharingMenu, contactsFolder()); });
+    connect(m_mainWindow.get(), &ViewController::whiteboardRequested, this, [this] {
+        open<ViewControllerWhiteboard>(uiUtil(), m_sharingMenu, contactsFolder(),
+                                       Documents::standard().folder().value_or(QString()));
+    });
 }
 
 void Application::openEraser()
@@ -244,8 +246,11 @@ void Application::forget(DataKind kind)
         break;
     case DataKind::Whiteboard:
         m_sharingMenu.forget();
-        if (auto *board = m_mainWindow->findChild<ViewControllerWhiteboard *>(); board && !board->isVisible())
+        if (auto *board = m_mainWindow->findChild<ViewControllerWhiteboard *>();
+            board && !board->isVisible()) {
+            board->discard();
             delete board;
+        }
         break;
     case DataKind::Clients:
         reloadContacts(Clients::fetchRequest());

@@ -60,7 +60,8 @@ bool NotesFile::hasPlace() const
 bool NotesFile::isAsSeen()
 {
     SafeFile *file = m_documents.file(name);
-    return file && file->isAsSeen();
+    // An earlier version may have been restored through the same object.
+    return file && file->isAsSeen() && file->lastSeen() == m_bytes;
 }
 
 NotesFile::Reading NotesFile::read()

@@ -1,7 +1,8 @@
 #include <tools/whiteboardfile.h>
 
 #include <platform/openfile.h>
-#include <platform/trace.h>
+#include <tools/foreignlink.h>
+#include <tools/pngtext.h>
 
 #include <QDir>
 #include <QFileInfo>
@@ -16,72 +17,103 @@ namespace {
 // Far above any board, and small enough to be read at once.
 constexpr qint64 largestFile = 64 << 20; // bytes
 
+const QString foreignLinkWords =
+    QStringLiteral("it is a link of another user in a folder that others may write");
+
 bool isOfBoard(QSize picture, QSize board)
 {
     const double scale = double(picture.width()) / board.width();
     return std::abs(picture.height() - board.height() * scale) <= 1;
 }
 
-void traceAll(const QStringList &notices)
+QString fileName(const QString &path)
 {
-    for (const QString &notice : notices)
-        trace(notice);
+    return QFileInfo(path).fileName();
 }
 
 } // namespace
 
-WhiteboardFile::WhiteboardFile(QString privateFolder)
+WhiteboardFile::WhiteboardFile(QString privateFolder, FileCalls &calls)
     : m_privateFolder(std::move(privateFolder))
+    , m_calls(calls)
 {
 }
 
-QImage WhiteboardFile::read(const QString &path, QSize board)
+WhiteboardFile::Reading WhiteboardFile::read(const QString &path, QSize board)
 {
-    SafeFile &file = fileAt(path);
-    file.forget();
-    if (QFileInfo(path).size() > largestFile)
-        return {};
-    const FileReading reading = file.read();
-    // A picture of more than 128 MiB is refused before anything is decoded.
-    QImage picture = QImage::fromData(reading.bytes, "PNG");
-    if (!reading.bytes.isEmpty() && (picture.isNull() || !isOfBoard(picture.size(), board)))
+    const QString unreadWords = QStringLiteral("“%1” was not read: %2.").arg(fileName(path));
+    if (leadsOverForeignLink(path))
+        return {{}, false, {unreadWords.arg(foreignLinkWords)}};
+    Reading result;
+    SafeFile &file = fileAt(path, result.notices);
+    if (QFileInfo(path).size() > largestFile) {
         file.forget();
-    return picture;
+        result.notices << unreadWords.arg(QStringLiteral("it has more than 64 MiB"));
+        return result;
+    }
+    const FileReading reading = file.read();
+    result.hasFailed = reading.outcome == FileReading::Outcome::Failed;
+    if (result.hasFailed)
+        result.notices << reading.error;
+    // A picture of more than 128 MiB is refused before anything is decoded.
+    result.picture = QImage::fromData(withoutPngText(reading.bytes), "PNG");
+    if (reading.bytes.isEmpty())
+        return result;
+    if (result.picture.isNull())
+        result.notices << unreadWords.arg(QStringLiteral("it holds no picture that can be shown"));
+    if (result.picture.isNull() || !isOfBoard(result.picture.size(), board))
+        file.forget();
+    return result;
 }
 
-QString WhiteboardFile::write(const QByteArray &png, const QString &path)
+FileWriting WhiteboardFile::write(const QByteArray &png, const QString &path)
 {
-    SafeFile &file = fileAt(path);
-    if (QString error = moveHuge(path); !error.isEmpty())
-        return error;
-    FileWriting writing = file.write(png);
-    traceAll(writing.notices);
-    return std::move(writing.error);
+    FileWriting writing;
+    if (leadsOverForeignLink(path)) {
+        writing.reason = foreignLinkWords;
+    } else {
+        QStringList notices;
+        SafeFile &file = fileAt(path, notices);
+        writing.reason = moveHuge(path, notices);
+        if (writing.reason.isEmpty())
+            writing = file.write(png);
+        writing.notices = notices + writing.notices;
+    }
+    if (!writing.written && writing.error.isEmpty()) {
+        writing.error = QStringLiteral("“%1” could not be saved: %2.").arg(fileName(path), writing.reason);
+    }
+    return writing;
 }
 
 QString WhiteboardFile::erase(const QString &path)
 {
-    return fileAt(path).erase();
+    if (leadsOverForeignLink(path))
+        return QStringLiteral("“%1” could not be removed: %2.").arg(fileName(path), foreignLinkWords);
+    QStringList notices;
+    return fileAt(path, notices).erase();
 }
 
-SafeFile &WhiteboardFile::fileAt(const QString &path)
+SafeFile &WhiteboardFile::fileAt(const QString &path, QStringList &notices)
 {
     const QString absolute = QDir::current().absoluteFilePath(path);
     if (!m_file || m_file->path() != absolute)
-        traceAll(m_file.emplace(absolute, m_privateFolder).recover());
+        notices += m_file.emplace(absolute, m_privateFolder, m_calls).recover();
     return *m_file;
 }
 
-QString WhiteboardFile::moveHuge(const QString &path)
+QString WhiteboardFile::moveHuge(const QString &path, QStringList &notices)
 {
     const QFileInfo info(path);
     if (!info.isFile() || info.size() <= largestFile)
         return {};
-    RecoveryFolder recovery(m_file->recoveryFolder(), FileCalls::posix());
+    RecoveryFolder recovery(m_file->recoveryFolder(), m_calls);
     const RecoveryFolder::Kept kept =
         recovery.move(QFile::encodeName(info.canonicalFilePath()), info.fileName(), VersionReason::Unread);
-    return kept.error == 0 ? QString()
-                           : QStringLiteral("“%1” could not be kept: %2.").arg(path, errorWords(kept.error));
+    if (kept.error != 0)
+        return QStringLiteral("what it held could not be kept (%1)").arg(errorWords(kept.error));
+    notices << QStringLiteral("“%1” held something that had not been read. It was moved to %2.")
+                   .arg(info.fileName(), kept.path);
+    return {};
 }
 
 } // namespace oblino

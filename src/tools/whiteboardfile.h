@@ -6,40 +6,48 @@
 #include <QImage>
 #include <QSize>
 #include <QString>
+#include <QStringList>
 
 #include <optional>
 
 namespace oblino {
 
 /// The picture file of the whiteboard, rewritten in place. A file that is no picture of a board, or that
-/// another program has changed, is kept in the recovery folder before the first picture replaces it.
+/// another program has changed, is kept in the recovery folder before the first picture replaces it. What a
+/// link of another user leads to, in a folder that others may write, is neither read, written nor removed.
 class WhiteboardFile
 {
 public:
+    struct Reading
+    {
+        QImage picture;         ///< null where there is none that can be read
+        bool hasFailed = false; ///< there is one, perhaps, but the system could not read it
+        QStringList notices;    ///< what the user should know, in whole sentences
+    };
+
     static inline const QString name = QStringLiteral("ltodolistwhiteboard.png");
 
-    explicit WhiteboardFile(QString privateFolder);
+    explicit WhiteboardFile(QString privateFolder, FileCalls &calls = FileCalls::posix());
 
-    /// The picture; null where there is none that can be read. A PNG picture of other proportions than the
-    /// board's is read all the same.
+    /// A PNG picture of other proportions than the board's is read all the same; texts in it are not.
     /// @param board  the size of the board, in any unit
-    [[nodiscard]] QImage read(const QString &path, QSize board);
+    [[nodiscard]] Reading read(const QString &path, QSize board);
 
     /// Whether the file still holds the picture of a board that was last read or written. Cheap.
     [[nodiscard]] bool isAsSeen() { return m_file && m_file->isAsSeen(); }
 
-    /// @return an error in words, empty when it was written
-    [[nodiscard]] QString write(const QByteArray &png, const QString &path);
+    [[nodiscard]] FileWriting write(const QByteArray &png, const QString &path);
 
     /// Removes the picture, and every copy of one that was kept.
     /// @return an error in words, empty when nothing is left; a file that is missing is an error
     [[nodiscard]] QString erase(const QString &path);
 
 private:
-    [[nodiscard]] SafeFile &fileAt(const QString &path);
-    [[nodiscard]] QString moveHuge(const QString &path);
+    [[nodiscard]] SafeFile &fileAt(const QString &path, QStringList &notices);
+    [[nodiscard]] QString moveHuge(const QString &path, QStringList &notices);
 
     QString m_privateFolder;
+    FileCalls &m_calls;
     std::optional<SafeFile> m_file; // the one used last
 };
 

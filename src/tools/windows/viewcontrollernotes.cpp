@@ -131,7 +131,8 @@ QString ViewControllerNotes::readFromFile()
     tell(reading.notices);
     if (reading.text) {
         textEdit->setPlainText(*reading.text);
-        textEdit->document()->setModified(false);
+        discard();
+        setFailure({});
         trace("Read File");
     } else {
         trace("Error", reading.error);

@@ -2,14 +2,13 @@
 
 #include <platform/sharingpicker.h>
 #include <platform/trace.h>
+#include <platform/widgets/noticelabel.h>
 #include <tools/windows/boardview.h>
 #include <ui/colorbutton.h>
 #include <ui/icons.h>
 #include <ui/uiutil.h>
 #include <ui_viewcontrollerwhiteboard.h>
 
-#include <QBuffer>
-#include <QPainter>
 #include <QPushButton>
 #include <QShowEvent>
 
@@ -25,17 +24,19 @@ constexpr int strip = 60;        // points below it, for the controls
 constexpr double penWidth = 5;   // points
 constexpr double eraserWidth = 10;
 constexpr Color white = {1, 1, 1, 1};
-constexpr int quickly = 80; // a PNG quality: half the time of the usual one, for a file of the same size
 
 } // namespace
 
 ViewControllerWhiteboard::ViewControllerWhiteboard(UIUtil &utilities, SharingPicker &picker,
-                                                   const QString &privateFolder, QWidget *parent)
+                                                   QString privateFolder, QString documentsFolder,
+                                                   QWidget *parent, FileCalls &calls)
     : QDialog(parent)
     , m_utilities(utilities)
     , m_picker(picker)
     , m_ui(std::make_unique<Ui::ViewControllerWhiteboard>())
-    , m_file(privateFolder)
+    , m_privateFolder(std::move(privateFolder))
+    , m_documentsFolder(std::move(documentsFolder))
+    , m_file(m_privateFolder, calls)
 {
     m_ui->setupUi(this);
     lineButton = m_ui->lineButton;
@@ -49,7 +50,11 @@ ViewControllerWhiteboard::ViewControllerWhiteboard(UIUtil &utilities, SharingPic
     viewDidLoad();
 }
 
-ViewControllerWhiteboard::~ViewControllerWhiteboard() = default;
+ViewControllerWhiteboard::~ViewControllerWhiteboard()
+{
+    // The last chance of a picture that could not be saved when the window went away.
+    capture();
+}
 
 void ViewControllerWhiteboard::connectControls()
 {
@@ -63,7 +68,7 @@ void ViewControllerWhiteboard::connectControls()
 
 void ViewControllerWhiteboard::viewDidLoad()
 {
-    setFixedSize(board + QSize(0, strip));
+    showNotice();
     color->setColor(GlobalVariable::colorWell);
     addLine();
 }
@@ -78,12 +83,13 @@ void ViewControllerWhiteboard::viewDidAppear()
 void ViewControllerWhiteboard::viewWillDisappear()
 {
     capture();
+    endStroke();
 }
 
 void ViewControllerWhiteboard::viewDidDisappear()
 {
     color->deactivate();
-    if (!m_unsaved.isNull())
+    if (isUnsaved())
         setAttribute(Qt::WA_DeleteOnClose, false);
 }
 
@@ -129,6 +135,7 @@ void ViewControllerWhiteboard::deleteImage(QObject * /*sender*/)
 
 void ViewControllerWhiteboard::shareImage(QObject *sender)
 {
+    m_isChanged = m_isChanged || !m_file.isAsSeen(); // the file is to hold what is shared
     capture();
     color->deactivate();
     const QString header = QStringLiteral("Whiteboard\n");
@@ -136,49 +143,11 @@ void ViewControllerWhiteboard::shareImage(QObject *sender)
         "Sent with Oblino. Download from the App Store for Mac:\n\n" OBLINO_STORE_ADDRESS "\n");
     if (!m_path)
         return;
-    const QImage picture = m_unsaved.isNull()
-                               ? m_file.read(*m_path + QLatin1Char('/') + WhiteboardFile::name, board)
-                               : m_unsaved;
-    m_picker.show({header, picture, footer}, sender);
+    const QImage shared = m_unsaved.isNull()
+                              ? m_file.read(*m_path + QLatin1Char('/') + WhiteboardFile::name, board).picture
+                              : m_unsaved;
+    m_picker.show({header, shared, footer}, sender);
     close();
-}
-
-void ViewControllerWhiteboard::loadImage()
-{
-    if (!m_unsaved.isNull()) {
-        whiteboard->setImage(m_unsaved);
-    } else if (m_path) {
-        m_isChanged = false;
-        whiteboard->setImage(m_file.read(*m_path + QLatin1Char('/') + WhiteboardFile::name, board));
-    }
-}
-
-void ViewControllerWhiteboard::capture()
-{
-    // On a screen of fewer pixels the picture would lose some for nothing.
-    if (!m_isChanged && m_unsaved.isNull() && m_file.isAsSeen())
-        return;
-    const qreal pixels = devicePixelRatioF();
-    QImage bitmap((QSizeF(board) * pixels).toSize(), QImage::Format_RGB32);
-    if (bitmap.isNull())
-        return;
-    bitmap.setDevicePixelRatio(pixels);
-    bitmap.fill(Qt::white);
-    render(&bitmap, {}, drawingArea(), QWidget::DrawChildren);
-    savePNG(bitmap, WhiteboardFile::name);
-}
-
-void ViewControllerWhiteboard::savePNG(const QImage &image, const QString &path)
-{
-    QByteArray png;
-    QBuffer buffer(&png);
-    if (!image.save(&buffer, "PNG", quickly))
-        return;
-    const QString error = m_file.write(png, path);
-    m_unsaved = error.isEmpty() ? QImage() : image;
-    m_isChanged = false;
-    if (!error.isEmpty())
-        trace("caught:", error);
 }
 
 void ViewControllerWhiteboard::eraseDrawing()
@@ -218,6 +187,14 @@ void ViewControllerWhiteboard::showMode()
 QRect ViewControllerWhiteboard::drawingArea() const
 {
     return {{}, board};
+}
+
+// The board keeps its size and place when the window grows for a notice.
+void ViewControllerWhiteboard::showNotice()
+{
+    const NoticeLabel &notice = *m_ui->notice;
+    m_ui->notice->setNotice(m_notices.text());
+    setFixedSize(board + QSize(0, strip + (notice.isHidden() ? 0 : notice.heightForWidth(board.width()))));
 }
 
 void ViewControllerWhiteboard::showEvent(QShowEvent *event)

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <platform/color.h>
+#include <platform/unsavedwork.h>
+#include <tools/filenotices.h>
 #include <tools/whiteboardfile.h>
 
 #include <QDialog>
@@ -27,7 +29,7 @@ class UIUtil;
 /// The whiteboard: freehand sketches in a window of fixed size. The picture lies in one PNG file of the
 /// working folder, into which every stroke goes as it ends. With Qt::WA_DeleteOnClose the window all the same
 /// outlives its closing while its picture is in no file.
-class ViewControllerWhiteboard : public QDialog
+class ViewControllerWhiteboard : public QDialog, public UnsavedWork
 {
     Q_OBJECT
 
@@ -42,10 +44,12 @@ public:
         static inline bool lineDraw = false;          ///< whether strokes are straight lines
     };
 
-    /// @param picker         offers the picture to other programs
-    /// @param privateFolder  in whose recovery folder files are kept that a picture replaces
-    ViewControllerWhiteboard(UIUtil &utilities, SharingPicker &picker, const QString &privateFolder,
-                             QWidget *parent = nullptr);
+    /// @param picker           offers the picture to other programs
+    /// @param privateFolder    in whose recovery folder files are kept that a picture replaces
+    /// @param documentsFolder  for a picture that neither its file nor that folder takes; empty for none
+    ViewControllerWhiteboard(UIUtil &utilities, SharingPicker &picker, QString privateFolder,
+                             QString documentsFolder, QWidget *parent = nullptr,
+                             FileCalls &calls = FileCalls::posix());
     ~ViewControllerWhiteboard() override;
 
     // What the controls call
@@ -64,6 +68,17 @@ public:
     void savePNG(const QImage &image, const QString &path);
     void eraseDrawing();
     void eraseAllContent();
+    /// Gives up a picture that is in no file.
+    void discard();
+
+    // The picture while it is in no file
+
+    [[nodiscard]] QString workTitle() const override;
+    [[nodiscard]] bool isUnsaved() const override;
+    [[nodiscard]] QString saveNow() override;
+    [[nodiscard]] QByteArray unsavedContent() const override;
+    [[nodiscard]] QString unsavedFileName() const override;
+    [[nodiscard]] QString rescue() override;
 
 protected:
     void showEvent(QShowEvent *event) override;
@@ -77,14 +92,26 @@ private:
     void connectControls();
     void addLine();
     void showMode();
+    void endStroke();
+    void tell(const QStringList &notices);
+    void setFailure(const QString &reason);
+    void showNotice();
     [[nodiscard]] QRect drawingArea() const;
+    [[nodiscard]] bool hasUnsavedStroke() const;
+    [[nodiscard]] QImage picture() const;
 
     UIUtil &m_utilities;
     SharingPicker &m_picker;
     std::unique_ptr<Ui::ViewControllerWhiteboard> m_ui;
+    QString m_privateFolder;
+    QString m_documentsFolder;
     WhiteboardFile m_file;
     QImage m_unsaved;         // the picture that could not be written; null where the file holds it
+    QImage m_last;            // what the file was last known to hold
     bool m_isChanged = false; // since it was last written or read
+    QPainterPath m_captured;  // how far the stroke under way is in the picture that was last written
+    QString m_error;          // of the last writing, a sentence
+    FileNotices m_notices;
     Line *m_line = nullptr;
     std::optional<QDir> fileManager;
     std::optional<QString> m_path; // the folder of the file
@@ -107,6 +134,10 @@ public:
     void mouseUp(const QPointF &point);
     void mouseMoved(const QPointF &point);
     void draw(QPainter &painter);
+
+    /// The stroke that is being drawn; empty when none is.
+    [[nodiscard]] QPainterPath path() const { return myPath; }
+    void clear();
 
 protected:
     void mousePressEvent(QMouseEvent *event) override;

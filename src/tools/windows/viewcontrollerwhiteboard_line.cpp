@@ -43,6 +43,11 @@ void ViewControllerWhiteboard::Line::mouseUp(const QPointF &point)
     parentVC.capture();
     parentVC.loadImage();
     // The stroke is in the picture now. Over it, its edges would grow darker with the next capture.
+    clear();
+}
+
+void ViewControllerWhiteboard::Line::clear()
+{
     myPath = {};
     update();
 }

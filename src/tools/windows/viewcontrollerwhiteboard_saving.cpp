@@ -1,0 +1,153 @@
+#include <tools/windows/viewcontrollerwhiteboard.h>
+
+#include <platform/earlierversions.h>
+#include <platform/trace.h>
+#include <tools/windows/boardview.h>
+
+#include <QBuffer>
+
+namespace oblino {
+
+namespace {
+
+constexpr int quickly = 80; // a PNG quality: half the time of the usual one, for a file of the same size
+
+QByteArray pngOf(const QImage &image)
+{
+    QByteArray png;
+    QBuffer buffer(&png);
+    return image.save(&buffer, "PNG", quickly) ? png : QByteArray();
+}
+
+} // namespace
+
+void ViewControllerWhiteboard::loadImage()
+{
+    if (!m_unsaved.isNull()) {
+        whiteboard->setImage(m_unsaved);
+        return;
+    }
+    if (!m_path)
+        return;
+    const WhiteboardFile::Reading reading =
+        m_file.read(*m_path + QLatin1Char('/') + WhiteboardFile::name, drawingArea().size());
+    tell(reading.notices);
+    setFailure({});
+    // What was there a moment ago is written again rather than drawn over.
+    m_isChanged = reading.hasFailed && !m_last.isNull();
+    if (!m_isChanged)
+        m_last = reading.picture;
+    whiteboard->setImage(m_last);
+}
+
+QImage ViewControllerWhiteboard::picture() const
+{
+    const qreal pixels = devicePixelRatioF();
+    QImage bitmap((QSizeF(drawingArea().size()) * pixels).toSize(), QImage::Format_RGB32);
+    if (bitmap.isNull())
+        return {};
+    bitmap.setDevicePixelRatio(pixels);
+    bitmap.fill(Qt::white);
+    whiteboard->render(&bitmap, {}, {}, {});
+    m_line->render(&bitmap, {}, {}, {});
+    return bitmap;
+}
+
+void ViewControllerWhiteboard::capture()
+{
+    // On a screen of fewer pixels the picture would lose some for nothing.
+    if (!isUnsaved())
+        return;
+    const QImage bitmap = picture();
+    if (bitmap.isNull())
+        return;
+    const QPainterPath stroke = m_line->path();
+    savePNG(bitmap, WhiteboardFile::name);
+    m_captured = stroke;
+}
+
+void ViewControllerWhiteboard::savePNG(const QImage &image, const QString &path)
+{
+    const QByteArray png = pngOf(image);
+    if (png.isEmpty())
+        return;
+    const FileWriting writing = m_file.write(png, path);
+    m_error = writing.error;
+    m_unsaved = writing.written ? QImage() : image;
+    m_last = writing.written ? image : m_last;
+    m_isChanged = false;
+    tell(writing.notices);
+    setFailure(writing.reason);
+    if (!writing.written)
+        trace("caught:", writing.error);
+}
+
+// A stroke that the window's end cuts off is in the picture as far as it was drawn.
+void ViewControllerWhiteboard::endStroke()
+{
+    m_line->clear();
+    if (!m_unsaved.isNull())
+        whiteboard->setImage(m_unsaved);
+}
+
+void ViewControllerWhiteboard::discard()
+{
+    m_unsaved = {};
+    m_isChanged = false;
+    m_line->clear();
+}
+
+void ViewControllerWhiteboard::tell(const QStringList &notices)
+{
+    for (const QString &notice : notices)
+        trace(notice);
+    m_notices.tell(notices);
+    showNotice();
+}
+
+void ViewControllerWhiteboard::setFailure(const QString &reason)
+{
+    m_notices.setFailure(reason);
+    showNotice();
+}
+
+bool ViewControllerWhiteboard::hasUnsavedStroke() const
+{
+    const QPainterPath stroke = m_line->path();
+    return stroke.elementCount() > 1 && stroke != m_captured;
+}
+
+QString ViewControllerWhiteboard::workTitle() const
+{
+    return tr("The whiteboard");
+}
+
+bool ViewControllerWhiteboard::isUnsaved() const
+{
+    return m_isChanged || !m_unsaved.isNull() || hasUnsavedStroke();
+}
+
+QString ViewControllerWhiteboard::saveNow()
+{
+    m_error = tr("The picture of the whiteboard could not be made.");
+    capture();
+    return isUnsaved() ? m_error : QString();
+}
+
+QByteArray ViewControllerWhiteboard::unsavedContent() const
+{
+    return pngOf(picture());
+}
+
+QString ViewControllerWhiteboard::unsavedFileName() const
+{
+    return WhiteboardFile::name;
+}
+
+QString ViewControllerWhiteboard::rescue()
+{
+    const QStringList folders = EarlierVersions::standardFolders(m_privateFolder, m_documentsFolder);
+    return EarlierVersions(WhiteboardFile::name, folders).rescue(unsavedContent());
+}
+
+} // namespace oblino
