@@ -25,6 +25,8 @@ class tst_notessaving : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase() { useMemoryForTemporaryFiles(); }
+
     void savesSoonAfterTheLastKey()
     {
         const Notes notes({}, 30s, 5ms);

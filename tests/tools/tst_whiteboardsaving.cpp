@@ -60,6 +60,8 @@ class tst_whiteboardsaving : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void initTestCase() { useMemoryForTemporaryFiles(); }
+
     void openingAndClosingNeverWrites_data()
     {
         const Table<QByteArray> row;
