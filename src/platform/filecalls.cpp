@@ -22,6 +22,11 @@ int FileCalls::fstat(int fd, struct stat *status)
     return ::fstat(fd, status);
 }
 
+int FileCalls::stat(const QByteArray &path, struct stat *status)
+{
+    return ::stat(path.constData(), status);
+}
+
 ssize_t FileCalls::pread(int fd, char *data, size_t size, off_t offset)
 {
     return ::pread(fd, data, size, offset);

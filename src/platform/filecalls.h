@@ -21,6 +21,7 @@ public:
     virtual int open(const QByteArray &path, int flags, mode_t mode = 0600);
     virtual int close(int fd);
     virtual int fstat(int fd, struct stat *status);
+    virtual int stat(const QByteArray &path, struct stat *status);
     virtual ssize_t pread(int fd, char *data, size_t size, off_t offset);
     virtual ssize_t pwrite(int fd, const char *data, size_t size, off_t offset);
     virtual int ftruncate(int fd, off_t size);

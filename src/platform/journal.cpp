@@ -1,7 +1,10 @@
 #include <platform/journal.h>
 
-#include <QByteArrayView>
+#include <platform/tornfile.h>
+
 #include <QtEndian>
+
+#include <algorithm>
 
 #include <openssl/evp.h>
 
@@ -10,7 +13,7 @@ namespace oblino {
 namespace {
 
 constexpr QByteArrayView magic("oblino journal\n");
-constexpr quint32 version = 1;
+constexpr quint32 version = 2; // the first one held a hash in place of the old text
 constexpr qsizetype hashSize = 32;
 
 template<typename Number>
@@ -54,11 +57,30 @@ private:
 };
 
 // Where every journal begins. @return nothing where this is none
-QByteArrayView takePath(Pieces &pieces)
+QByteArrayView takePath(Pieces &pieces, quint32 &foundVersion)
 {
-    if (pieces.take(static_cast<quint64>(magic.size())) != magic || pieces.takeNumber<quint32>() != version)
+    if (pieces.take(static_cast<quint64>(magic.size())) != magic)
         return {};
+    foundVersion = pieces.takeNumber<quint32>();
     return pieces.take(pieces.takeNumber<quint32>());
+}
+
+/// The old text as what is left of it without the start and the end that the new text shares.
+struct Difference
+{
+    qsizetype start = 0;
+    qsizetype end = 0;
+    QByteArrayView middle;
+};
+
+Difference differenceOf(QByteArrayView old, QByteArrayView text)
+{
+    const auto start = std::ranges::mismatch(old, text).in1 - old.begin();
+    const QByteArrayView oldRest = old.sliced(start);
+    const QByteArrayView rest = text.sliced(start);
+    const auto end =
+        std::mismatch(oldRest.rbegin(), oldRest.rend(), rest.rbegin(), rest.rend()).first - oldRest.rbegin();
+    return {start, end, oldRest.chopped(end)};
 }
 
 } // namespace
@@ -74,16 +96,32 @@ QByteArray sha256(QByteArrayView bytes)
     return done ? hash : QByteArray();
 }
 
+Journal::State Journal::stateOf(QByteArrayView found) const
+{
+    if (found == text)
+        return State::New;
+    if (old && found == *old)
+        return State::Old;
+    const QByteArray before = old.value_or(QByteArray());
+    if (!isTornBetween(found, before, text))
+        return State::Other;
+    const bool isShort = found.size() < std::min(before.size(), text.size());
+    return isShort || before.startsWith(found) ? State::CutShort : State::Torn;
+}
+
 QByteArray Journal::encoded() const
 {
+    const Difference difference = old ? differenceOf(*old, text) : Difference();
     QByteArray bytes;
-    bytes.reserve(magic.size() + path.size() + text.size() + 3 * hashSize + 16);
+    bytes.reserve(magic.size() + path.size() + difference.middle.size() + text.size() + hashSize + 48);
     bytes.append(magic);
     appendNumber(bytes, version);
     appendNumber(bytes, static_cast<quint32>(path.size()));
     bytes.append(path);
-    bytes.append(oldHash.leftJustified(hashSize, '\0', true));
-    bytes.append(newHash);
+    appendNumber(bytes, quint32{old ? 1U : 0U});
+    for (const qsizetype size : {difference.start, difference.end, difference.middle.size()})
+        appendNumber(bytes, static_cast<quint64>(size));
+    bytes.append(difference.middle);
     appendNumber(bytes, static_cast<quint64>(text.size()));
     bytes.append(text);
     bytes.append(sha256(bytes));
@@ -93,25 +131,33 @@ QByteArray Journal::encoded() const
 std::optional<Journal> Journal::decoded(const QByteArray &bytes)
 {
     Pieces pieces(bytes);
-    const QByteArrayView path = takePath(pieces);
-    const QByteArrayView oldHash = pieces.take(hashSize);
-    const QByteArrayView newHash = pieces.take(hashSize);
+    quint32 foundVersion = 0;
+    const QByteArrayView path = takePath(pieces, foundVersion);
+    const bool oldIsKnown = pieces.takeNumber<quint32>() != 0;
+    const auto start = pieces.takeNumber<quint64>();
+    const auto end = pieces.takeNumber<quint64>();
+    const QByteArrayView middle = pieces.take(pieces.takeNumber<quint64>());
     const QByteArrayView text = pieces.take(pieces.takeNumber<quint64>());
     const QByteArrayView checksum = pieces.take(hashSize);
-    if (path.isEmpty() || !pieces.areUsedUp())
+    if (foundVersion != version || path.isEmpty() || !pieces.areUsedUp())
         return std::nullopt;
     const QByteArrayView covered(bytes.constData(), bytes.size() - hashSize);
-    if (sha256(covered) != checksum)
+    const auto size = static_cast<quint64>(text.size());
+    if (sha256(covered) != checksum || start > size || end > size - start)
         return std::nullopt;
-    const bool oldIsKnown = oldHash != QByteArray(hashSize, '\0');
-    return Journal{path.toByteArray(), oldIsKnown ? oldHash.toByteArray() : QByteArray(),
-                   newHash.toByteArray(), text.toByteArray()};
+    Journal journal{path.toByteArray(), std::nullopt, text.toByteArray()};
+    if (oldIsKnown) {
+        journal.old = journal.text.first(static_cast<qsizetype>(start)) + middle.toByteArray() +
+                      journal.text.last(static_cast<qsizetype>(end));
+    }
+    return journal;
 }
 
 QByteArray Journal::pathIn(const QByteArray &bytes)
 {
     Pieces pieces(bytes);
-    return takePath(pieces).toByteArray();
+    quint32 foundVersion = 0;
+    return takePath(pieces, foundVersion).toByteArray();
 }
 
 } // namespace oblino

@@ -37,7 +37,7 @@ int JournalStore::load(const QByteArray &path, std::optional<Journal> &journal)
         error = file.readAll(bytes);
     if (error == 0)
         journal = Journal::decoded(bytes);
-    return error;
+    return error == ENOTDIR ? ENOENT : error; // in what is no folder there is no journal
 }
 
 int JournalStore::store(const Journal &journal, bool &isInPlace)

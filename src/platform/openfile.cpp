@@ -3,6 +3,7 @@
 #include <QFile>
 #include <QFileInfo>
 
+#include <algorithm>
 #include <cerrno>
 #include <filesystem>
 #include <system_error>
@@ -126,6 +127,23 @@ int OpenFile::readAll(QByteArray &bytes)
     return 0;
 }
 
+int OpenFile::expect(const QByteArray &bytes)
+{
+    constexpr qsizetype chunk = qsizetype{1} << 20;
+    QByteArray read(std::min(chunk, bytes.size() + 1), Qt::Uninitialized);
+    for (qsizetype done = 0;;) {
+        const ssize_t count = uninterrupted(
+            [&] { return m_calls.pread(m_fd, read.data(), static_cast<size_t>(read.size()), done); });
+        if (count == -1)
+            return errno;
+        if (count == 0)
+            return done == bytes.size() ? 0 : changed;
+        if (!QByteArrayView(bytes).sliced(done).startsWith(QByteArrayView(read).first(count)))
+            return changed;
+        done += count;
+    }
+}
+
 int OpenFile::writeAll(const QByteArray &bytes, off_t offset)
 {
     qsizetype done = 0;
@@ -161,11 +179,16 @@ int OpenFile::reserve(off_t size)
     return error == EOPNOTSUPP || error == ENOSYS || error == EINVAL ? 0 : error;
 }
 
+bool isSameFile(const struct stat &a, const struct stat &b)
+{
+    return a.st_dev == b.st_dev && a.st_ino == b.st_ino;
+}
+
 bool isUntouched(const struct stat &a, const struct stat &b)
 {
     // A program may set the time of modification back, but not that of the last change.
-    return a.st_dev == b.st_dev && a.st_ino == b.st_ino && a.st_size == b.st_size &&
-           isSameTime(a.st_mtim, b.st_mtim) && isSameTime(a.st_ctim, b.st_ctim);
+    return isSameFile(a, b) && a.st_size == b.st_size && isSameTime(a.st_mtim, b.st_mtim) &&
+           isSameTime(a.st_ctim, b.st_ctim);
 }
 
 QByteArray withoutLinks(const QString &path)
@@ -190,6 +213,11 @@ QByteArray parentFolder(const QByteArray &path)
 {
     const qsizetype slash = path.lastIndexOf('/');
     return slash > 0 ? path.first(slash) : QByteArray("/");
+}
+
+int statusOfFile(FileCalls &calls, const QByteArray &path, struct stat &status)
+{
+    return outcome([&] { return calls.stat(path, &status); });
 }
 
 int renameFile(FileCalls &calls, const QByteArray &from, const QByteArray &to)
@@ -230,6 +258,8 @@ QString errorWords(int error)
         return u"it is not a regular file"_s;
     case ENOSPC:
         return u"disk full"_s;
+    case OpenFile::changed:
+        return u"another program keeps changing it"_s;
     default:
         return qt_error_string(error);
     }

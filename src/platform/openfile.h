@@ -8,11 +8,12 @@
 namespace oblino {
 
 /// One open file, closed when it goes. Calls that a signal interrupts are made again. Every function answers
-/// 0, or what went wrong: an `errno` or notRegular.
+/// 0, or what went wrong: an `errno`, notRegular or changed.
 class OpenFile
 {
 public:
     static constexpr int notRegular = -1;
+    static constexpr int changed = -2; ///< another program did something to it
 
     explicit OpenFile(FileCalls &calls)
         : m_calls(calls)
@@ -37,6 +38,8 @@ public:
     [[nodiscard]] const struct stat &status() const { return m_status; }
 
     [[nodiscard]] int readAll(QByteArray &bytes);
+    /// Reads whether the file holds `bytes` and nothing else; `changed` where it does not.
+    [[nodiscard]] int expect(const QByteArray &bytes);
     [[nodiscard]] int writeAll(const QByteArray &bytes, off_t offset = 0);
     [[nodiscard]] int resize(off_t size);
     [[nodiscard]] int sync();
@@ -50,6 +53,9 @@ private:
     struct stat m_status = {};
 };
 
+/// Whether `a` and `b` are of the same file.
+[[nodiscard]] bool isSameFile(const struct stat &a, const struct stat &b);
+
 /// Whether `a` and `b` are of the same file, and nobody wrote to it between them.
 [[nodiscard]] bool isUntouched(const struct stat &a, const struct stat &b);
 
@@ -62,6 +68,9 @@ private:
 /// Makes an empty file (0600) in a private folder (0700) where there is no file of that name.
 /// @return in words why there is none, empty when there is one
 [[nodiscard]] QString makePrivateFile(const QString &path);
+
+/// The status of the file that `path` leads to.
+[[nodiscard]] int statusOfFile(FileCalls &calls, const QByteArray &path, struct stat &status);
 
 [[nodiscard]] int renameFile(FileCalls &calls, const QByteArray &from, const QByteArray &to);
 

@@ -5,7 +5,7 @@
 #include <platform/recoveryfolder.h>
 
 #include <QByteArray>
-#include <QList>
+#include <QDate>
 #include <QString>
 #include <QStringList>
 
@@ -13,6 +13,7 @@
 
 namespace oblino {
 
+class EarlierVersions;
 class OpenFile;
 
 /// What came of reading a whole file.
@@ -54,17 +55,20 @@ public:
     SafeFile(QString path, const QString &privateFolder, FileCalls &calls = FileCalls::posix());
 
     /// Ends a save that a crash cut short. To be called once, before the first read(). Where that fails, the
-    /// journal stays, and read() answers its text until a write() succeeds.
+    /// journal stays, and read() answers its text until a write() succeeds. A file that another program wrote
+    /// meanwhile stays as it is; the text of the save becomes an earlier version.
     /// @return what the user should know of it, in whole sentences; usually nothing
     [[nodiscard]] QStringList recover();
 
     /// Reads the whole file and remembers what was seen. Anything but a regular file fails without waiting.
-    /// While a save is unfinished, a file that can be read is answered with the text of that save.
+    /// While a save is unfinished, a file that still holds what that save found or left is answered with the
+    /// text of that save.
     [[nodiscard]] FileReading read();
 
-    /// Replaces the content. When another program changed the file since it was last read or written, that
-    /// version is copied into the recovery folder first. On failure the old content stays, or the new one
-    /// lies complete in the journal.
+    /// Replaces the content. When another program changed the file since it was last read or written, or does
+    /// so meanwhile, that version is copied into the recovery folder first; so is, once a day, what was last
+    /// seen. On failure the old content stays or the new one lies complete in the journal, if that can be
+    /// written, and the next recover() tries again.
     [[nodiscard]] FileWriting write(const QByteArray &bytes);
 
     /// Reads the whole file as it is, as read() does, but neither remembers it nor answers the text of an
@@ -101,6 +105,9 @@ public:
     [[nodiscard]] QString recoveryFolder() const;
 
 private:
+    /// How often a save is done again when another program changes the file meanwhile.
+    static constexpr int mostRounds = 5;
+
     /// What is known of the file.
     struct Seen
     {
@@ -109,18 +116,33 @@ private:
         std::optional<QByteArray> content; ///< none after a write that failed midway
     };
 
-    [[nodiscard]] QString fileName() const;
+    /// What stopped a save.
+    struct Failure
+    {
+        int error = 0;  ///< see OpenFile
+        QString folder; ///< of the program's own, where it could not be written; else it was the file
 
+        explicit operator bool() const { return error != 0; }
+    };
+
+    [[nodiscard]] QString fileName() const;
+    [[nodiscard]] EarlierVersions versions() const;
     [[nodiscard]] int removeFile(const QByteArray &path);
-    [[nodiscard]] int save(const QByteArray &bytes, QStringList &notices);
+
+    [[nodiscard]] Failure save(const QByteArray &bytes, QStringList &notices);
+    [[nodiscard]] Failure prepare(OpenFile &file, const Journal &next, QStringList &notices);
     [[nodiscard]] int openForSaving(OpenFile &file, const QByteArray &path);
-    [[nodiscard]] int keepOtherVersion(OpenFile &file, QStringList &notices);
-    [[nodiscard]] int keepUnless(const QList<QByteArray> &knownHashes, OpenFile &file, VersionReason reason,
-                                 const QString &words, QStringList &notices);
-    [[nodiscard]] int keepStrayJournal(const Journal &next, QStringList &notices);
+    void keepVersionOfToday(const std::optional<QByteArray> &before, const QByteArray &after,
+                            QStringList &notices);
+    [[nodiscard]] Failure keepOtherVersion(OpenFile &file, QStringList &notices);
+    [[nodiscard]] Failure keepStrayJournal(const Journal &next, QStringList &notices);
+    [[nodiscard]] Failure noteDown(const Journal &journal, QStringList &notices);
     [[nodiscard]] int overwrite(OpenFile &file, const Journal &journal);
-    [[nodiscard]] bool holds(const QByteArray &path, const QByteArray &hash);
+    [[nodiscard]] int expect(const QByteArray &content, OpenFile &file);
+
     void finish(const Journal &journal, QStringList &notices);
+    [[nodiscard]] Failure complete(const Journal &journal, QStringList &notices);
+    [[nodiscard]] Failure keepTextOf(const Journal &journal, QStringList &notices);
     void setJournalAside(const QByteArray &path, QStringList &notices);
 
     QString m_path;
@@ -129,9 +151,10 @@ private:
     JournalStore m_journals;
     RecoveryFolder m_recovery;
     Seen m_seen;
-    std::optional<QByteArray> m_pending; ///< the text of an unfinished save, which the journal holds
-    bool m_nameIsSafe = false;           ///< the file's name was seen safely on disk
-    bool m_strayJournal = true;          ///< a journal may be there whose text nobody has read
+    std::optional<Journal> m_pending; ///< of an unfinished save, as it lies on disk
+    QDate m_dayWithVersion;           ///< for which the file's content before its first change is kept
+    bool m_nameIsSafe = false;        ///< the file's name was seen safely on disk
+    bool m_strayJournal = true;       ///< a journal may be there whose text nobody has read
 };
 
 } // namespace oblino

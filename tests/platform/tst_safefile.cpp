@@ -12,6 +12,7 @@
 
 #include <functional>
 
+#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -25,6 +26,26 @@ namespace {
 const QByteArray oldText = "one\n";
 const QByteArray newText = QByteArray("two and a line\n").repeated(700);
 const QByteArray otherText = "three, something else again\n";
+
+/// The calls of this machine, but the user's file cannot be opened for writing, or the disk is full for it.
+class RefusingFileCalls : public FileCalls
+{
+public:
+    bool mayOpen = true;
+    bool hasSpace = true;
+
+    int open(const QByteArray &path, int flags, mode_t mode) override
+    {
+        errno = EACCES;
+        const bool refuses = !mayOpen && path.endsWith("/plan.txt") && (flags & O_ACCMODE) != O_RDONLY;
+        return refuses ? -1 : FileCalls::open(path, flags, mode);
+    }
+    int reserve(int fd, off_t size) override
+    {
+        errno = ENOSPC;
+        return hasSpace ? FileCalls::reserve(fd, size) : -1;
+    }
+};
 
 } // namespace
 
@@ -41,6 +62,12 @@ private Q_SLOTS:
     void settingAside();
     void looking();
     void documents();
+    void keepsOneVersionADay();
+    void savesWithoutAVersionOfTheDay();
+    void keepsTheTextOfAFileThatCannotBeSaved_data();
+    void keepsTheTextOfAFileThatCannotBeSaved();
+    void namesThePrivateFolderThatFails_data();
+    void namesThePrivateFolderThatFails();
 };
 
 void tst_safefile::otherPrograms_data()
@@ -193,9 +220,108 @@ void tst_safefile::documents()
     SafeFile *file = documents.file(u"plan.txt"_s);
     QVERIFY(file);
     QCOMPARE(documents.file(u"plan.txt"_s), file);
-    QCOMPARE(file->read().bytes, newText);
+    QCOMPARE(file->read().bytes, otherText);
     QCOMPARE(documents.takeNotices().size(), 1);
     QCOMPARE(documents.takeNotices().size(), 0);
+}
+
+void tst_safefile::keepsOneVersionADay()
+{
+    const Place place;
+    const QDate today = QDate::currentDate();
+    const auto version = [&](int daysAgo, const QString &reason) {
+        return place.file().recoveryFolder() + u'/' + today.addDays(-daysAgo).toString(Qt::ISODate) +
+               u" 12.00.00 [%1] plan.txt"_s.arg(reason);
+    };
+    for (int daysAgo : {1, 30, 31, 40})
+        put(version(daysAgo, u"daily"_s), QByteArray::number(daysAgo));
+    put(version(40, u"rescued"_s), "rescued");
+    SafeFile file = place.file();
+    QVERIFY(file.read().outcome == Outcome::Missing && file.write(oldText).written);
+    QCOMPARE(place.keptDaily(), (QByteArrayList{"30", "1"})); // there was nothing before
+    for (int start = 0; start < 3; ++start) {
+        SafeFile another = place.file();
+        QCOMPARE(another.read().bytes, start == 0 ? oldText : otherText);
+        QVERIFY(another.write(another.lastSeen()).written);
+        QCOMPARE(place.keptDaily().contains(oldText), start > 0); // nothing was changed
+        for (const QByteArray &text : {newText, otherText}) {
+            const FileWriting saved = another.write(text);
+            QVERIFY(saved.written && saved.notices.isEmpty());
+            QCOMPARE(place.keptDaily(), (QByteArrayList{"30", "1", oldText}));
+        }
+    }
+    QCOMPARE(place.kept(), QByteArrayList{"rescued"});
+}
+
+void tst_safefile::savesWithoutAVersionOfTheDay()
+{
+    const Place place(oldText);
+    SafeFile file = place.file();
+    put(file.recoveryFolder(), "a file is in the way");
+    QCOMPARE(file.read().bytes, oldText);
+    const FileWriting saved = file.write(newText);
+    QVERIFY2(saved.written, qPrintable(saved.error));
+    QCOMPARE(contentOf(place.path), newText);
+    QVERIFY(saved.notices.size() == 1 && saved.notices.first().contains(file.recoveryFolder()));
+}
+
+void tst_safefile::keepsTheTextOfAFileThatCannotBeSaved_data()
+{
+    using Obstacle = std::function<void(const Place &, RefusingFileCalls &, bool)>;
+    const auto rename = [](const QString &from, const QString &to) { QVERIFY(QFile::rename(from, to)); };
+    const Table<Obstacle> row;
+    row("a folder has its name", [=](const Place &place, RefusingFileCalls &, bool isThere) {
+        QVERIFY(isThere ? QFile::remove(place.path) && QDir().mkdir(place.path) : QDir().rmdir(place.path));
+    });
+    row("its folder is away", [=](const Place &place, RefusingFileCalls &, bool isThere) {
+        const QString docs = QFileInfo(place.path).path();
+        isThere ? rename(docs, docs + u".away"_s) : rename(docs + u".away"_s, docs);
+    });
+    row("it may not be written",
+        [](const Place &, RefusingFileCalls &calls, bool isThere) { calls.mayOpen = !isThere; });
+    row("the disk is full",
+        [](const Place &, RefusingFileCalls &calls, bool isThere) { calls.hasSpace = !isThere; });
+}
+
+void tst_safefile::keepsTheTextOfAFileThatCannotBeSaved()
+{
+    const auto [obstruct] = Table<std::function<void(const Place &, RefusingFileCalls &, bool)>>::cells();
+    const Place place(oldText);
+    RefusingFileCalls calls;
+    SafeFile file(place.path, place.privateFolder, calls);
+    QCOMPARE(file.read().bytes, oldText);
+    obstruct(place, calls, true);
+    for (const QByteArray &text : {otherText, newText}) {
+        const FileWriting saved = file.write(text);
+        QVERIFY(!saved.written && saved.error.startsWith(u"“plan.txt” could not be saved: "_s));
+    }
+    const QStringList notices = SafeFile(place.path, place.privateFolder, calls).recover();
+    QVERIFY(notices.size() == 1 && notices.first().contains(u"could not be completed"_s));
+    obstruct(place, calls, false);
+    QCOMPARE(SafeFile(place.path, place.privateFolder, calls).recover(), QStringList());
+    QCOMPARE(contentOf(place.path), newText);
+    QVERIFY(!QFile::exists(file.journalPath()));
+}
+
+void tst_safefile::namesThePrivateFolderThatFails_data()
+{
+    const Table<QString, QByteArray> row;
+    row("the journal's", QString(), oldText);
+    row("that of earlier versions", u"/recovery"_s, otherText);
+}
+
+void tst_safefile::namesThePrivateFolderThatFails()
+{
+    const auto [folder, found] = Table<QString, QByteArray>::cells();
+    const Place place(oldText);
+    SafeFile file = place.file();
+    put(place.privateFolder + folder, "a file is in the way");
+    QCOMPARE(file.read().bytes, oldText);
+    put(place.path, found);
+    const FileWriting saved = file.write(newText);
+    QVERIFY(!saved.written && contentOf(place.path) == found);
+    QVERIFY2(saved.error.contains(u'“' + place.privateFolder + folder + u"” could not be written"_s),
+             qPrintable(saved.error));
 }
 
 OBLINO_TEST(tst_safefile, QCoreApplication)

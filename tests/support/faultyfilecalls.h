@@ -53,6 +53,10 @@ public:
         return fd;
     }
     int fstat(int fd, struct stat *status) override { return fails() ? -1 : FileCalls::fstat(fd, status); }
+    int stat(const QByteArray &path, struct stat *status) override
+    {
+        return fails() ? -1 : FileCalls::stat(path, status);
+    }
     ssize_t pread(int fd, char *data, size_t size, off_t offset) override
     {
         return fails(size) ? -1 : FileCalls::pread(fd, data, size, offset);

@@ -53,18 +53,13 @@ struct Place
     /// A journal as an interrupted save from `before` to `after` leaves it.
     [[nodiscard]] QByteArray journal(const QByteArray &before, const QByteArray &after) const
     {
-        return Journal{encodedPath(), sha256(before), sha256(after), after}.encoded();
+        return Journal{encodedPath(), before, after}.encoded();
     }
 
-    /// The contents of the recovery folder's files.
-    [[nodiscard]] QByteArrayList kept() const
-    {
-        QByteArrayList contents;
-        const QDir recovery(privateFolder + QStringLiteral("/recovery"));
-        for (const QFileInfo &file : recovery.entryInfoList(QDir::Files, QDir::Name))
-            contents << contentOf(file.filePath());
-        return contents;
-    }
+    /// The contents of the recovery folder's files, but for the versions of a day.
+    [[nodiscard]] QByteArrayList kept() const { return keptIn(privateFolder, false); }
+    /// The versions of a day.
+    [[nodiscard]] QByteArrayList keptDaily() const { return keptIn(privateFolder, true); }
 };
 
 } // namespace oblino

@@ -15,6 +15,8 @@ inline void useMemoryForTemporaryFiles()
         qputenv("TMPDIR", "/dev/shm");
 }
 
+[[nodiscard]] QByteArrayList keptIn(const QString &privateFolder, bool isDaily);
+
 /// A documents folder and a private folder of a test's own, gone with the test.
 class TemporaryHome
 {
@@ -39,15 +41,8 @@ public:
         return files;
     }
 
-    /// What lies in the recovery folder.
-    [[nodiscard]] QByteArrayList kept() const
-    {
-        const QDir recovery(privateFolder() + QStringLiteral("/recovery"));
-        QByteArrayList contents;
-        for (const QString &name : recovery.entryList(QDir::Files))
-            contents += content(recovery.filePath(name));
-        return contents;
-    }
+    /// What lies in the recovery folder, but for the versions of a day.
+    [[nodiscard]] QByteArrayList kept() const { return keptIn(privateFolder(), false); }
 
     static QByteArray content(const QString &path)
     {
@@ -86,5 +81,17 @@ public:
         qunsetenv("TMPDIR");
     }
 };
+
+/// What lies in the recovery folder of that private folder: versions of a day or all others.
+[[nodiscard]] inline QByteArrayList keptIn(const QString &privateFolder, bool isDaily)
+{
+    const QDir recovery(privateFolder + QStringLiteral("/recovery"));
+    QByteArrayList contents;
+    for (const QString &name : recovery.entryList(QDir::Files, QDir::Name)) {
+        if (name.contains(QStringLiteral("[daily]")) == isDaily)
+            contents << TemporaryHome::content(recovery.filePath(name));
+    }
+    return contents;
+}
 
 } // namespace oblino

@@ -142,7 +142,7 @@ private Q_SLOTS:
             }
             const QByteArray elsewhere = "/elsewhere/" + QFileInfo(path).fileName().toUtf8();
             TemporaryHome::write(file.journalPath() + u".of-another-folder.journal"_s,
-                                 Journal{elsewhere, {}, sha256("secret"), "secret"}.encoded());
+                                 Journal{elsewhere, {}, "secret"}.encoded());
         }
         TemporaryHome::write(eraser.home.listPath(), row + "secret^"); // with a row that cannot be read
         (void)eraser.list.splitStringFile(eraser.list.readFromFile());

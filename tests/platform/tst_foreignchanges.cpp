@@ -1,0 +1,218 @@
+#include <support/place.h>
+#include <support/table.h>
+#include <support/testmain.h>
+
+#include <QTest>
+
+#include <functional>
+#include <map>
+
+using namespace oblino;
+using namespace Qt::Literals::StringLiterals;
+using Deed = std::function<void(const Place &)>;
+
+namespace {
+
+const QByteArray oldText = "one\n";
+const QByteArray newText = QByteArray("two and a line\n").repeated(700);
+const QByteArray otherText = "three, something else again\n";
+
+/// The calls of this machine, before one of which another program does something to the user's file.
+class DisturbedFileCalls : public FileCalls
+{
+public:
+    DisturbedFileCalls(QByteArray userFile, std::function<void()> deed)
+        : m_userFile(std::move(userFile))
+        , m_deed(std::move(deed))
+    {
+    }
+
+    void arm(int number) { m_left = number; }
+    [[nodiscard]] bool hasStruck() const { return !struckCall.isEmpty(); }
+
+    QByteArray struckCall;   ///< the call before which that was
+    bool isLookedAt = false; ///< the file's bytes or name were looked at since
+    bool isWritten = false;  ///< the file was written or synced since
+    bool isAtOnce = true;    ///< nothing but the end of a look came between that and the next writing
+
+    int open(const QByteArray &path, int flags, mode_t mode) override
+    {
+        step("open", path, Kind::Else);
+        const int fd = FileCalls::open(path, flags, mode);
+        m_paths[fd] = path;
+        return fd;
+    }
+    int close(int fd) override
+    {
+        step("close", m_paths[fd], Kind::Else);
+        return FileCalls::close(fd);
+    }
+    int fstat(int fd, struct stat *status) override
+    {
+        step("fstat", m_paths[fd], Kind::Else);
+        return FileCalls::fstat(fd, status);
+    }
+    int stat(const QByteArray &path, struct stat *status) override
+    {
+        step("stat", path, Kind::LookAtName);
+        return FileCalls::stat(path, status);
+    }
+    ssize_t pread(int fd, char *data, size_t size, off_t offset) override
+    {
+        step("pread", m_paths[fd], offset == 0 ? Kind::LookAtBytes : Kind::EndOfLook);
+        return FileCalls::pread(fd, data, size, offset);
+    }
+    ssize_t pwrite(int fd, const char *data, size_t size, off_t offset) override
+    {
+        step("pwrite", m_paths[fd], Kind::Write);
+        return FileCalls::pwrite(fd, data, size, offset);
+    }
+    int ftruncate(int fd, off_t size) override
+    {
+        step("ftruncate", m_paths[fd], Kind::Write);
+        return FileCalls::ftruncate(fd, size);
+    }
+    int reserve(int fd, off_t size) override
+    {
+        step("reserve", m_paths[fd], Kind::Else);
+        return FileCalls::reserve(fd, size);
+    }
+    int fsync(int fd) override
+    {
+        step("fsync", m_paths[fd], Kind::Write);
+        return FileCalls::fsync(fd);
+    }
+    int rename(const QByteArray &from, const QByteArray &to) override
+    {
+        step("rename", to, Kind::Else);
+        return FileCalls::rename(from, to);
+    }
+    int unlink(const QByteArray &path) override
+    {
+        step("unlink", path, Kind::Else);
+        return FileCalls::unlink(path);
+    }
+
+private:
+    enum class Kind { Else, LookAtBytes, EndOfLook, LookAtName, Write };
+
+    void step(const char *call, const QByteArray &path, Kind kind)
+    {
+        if (--m_left == 0) {
+            struckCall = QByteArray(call) + " of " + path;
+            m_deed();
+        }
+        if (m_left > 0 || !hasStruck())
+            return;
+        const Kind own = path == m_userFile ? kind : Kind::Else;
+        isAtOnce &= isWritten || own == Kind::EndOfLook || own == Kind::LookAtName || own == Kind::Write;
+        isWritten |= own == Kind::Write;
+        isLookedAt |= own == Kind::LookAtBytes || own == Kind::LookAtName;
+    }
+
+    QByteArray m_userFile;
+    std::function<void()> m_deed;
+    std::map<int, QByteArray> m_paths;
+    int m_left = 0;
+};
+
+void writeInPlace(const Place &place)
+{
+    put(place.path, otherText);
+}
+
+void renameOver(const Place &place)
+{
+    put(place.path + u".other"_s, otherText);
+    QCOMPARE(::rename(QFile::encodeName(place.path + u".other"_s).constData(),
+                      QFile::encodeName(place.path).constData()),
+             0);
+}
+
+void deleteIt(const Place &place)
+{
+    QVERIFY(QFile::remove(place.path));
+}
+
+} // namespace
+
+/// Whatever another program does to the file while it is saved, the file holds the saved text afterwards and
+/// the other one is kept, or the save says that it failed.
+class tst_foreignchanges : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void duringASave_data()
+    {
+        const Table<Deed, QByteArray, QByteArray, bool, QByteArrayList> row;
+        row("another file is renamed over it", renameOver, oldText, newText, false, {otherText});
+        row("renamed over it, shorter text", renameOver, newText, oldText, false, {otherText});
+        row("it is written in place", writeInPlace, oldText, newText, true, {otherText});
+        row("written in place, shorter text", writeInPlace, newText, oldText, true, {otherText});
+        row("it is deleted", deleteIt, oldText, newText, false, {});
+    }
+    void duringASave()
+    {
+        const auto [deed, before, after, isInPlace, kept] =
+            Table<Deed, QByteArray, QByteArray, bool, QByteArrayList>::cells();
+        bool struck = true;
+        int number = 1;
+        for (; struck; ++number) {
+            const Place place(before);
+            DisturbedFileCalls calls(place.encodedPath(), [&] { deed(place); });
+            SafeFile file(place.path, place.privateFolder, calls);
+            QVERIFY(file.read().bytes == before);
+            calls.arm(number);
+            const FileWriting saved = file.write(after);
+            struck = calls.hasStruck();
+            calls.arm(0);
+            const QByteArray where = QByteArray::number(number) + ": before " + calls.struckCall;
+            QVERIFY2(saved.written, qPrintable(saved.error));
+            const bool isAfterTheSave = !calls.isWritten && !(calls.isLookedAt && !isInPlace);
+            if (!struck || !isAfterTheSave)
+                QVERIFY2(contentOf(place.path) == after, where + ", there is " + contentOf(place.path));
+            const FileWriting next = file.write("next");
+            QVERIFY(next.written && contentOf(place.path) == "next");
+            // No look can tell what comes between it and the writing that follows.
+            const bool isUnseen = isInPlace && calls.isWritten && calls.isAtOnce;
+            if (struck && !isUnseen) {
+                for (const QByteArray &text : kept)
+                    QVERIFY2(place.kept().contains(text), where);
+            }
+        }
+        QVERIFY2(number > 15, qPrintable(QString::number(number)));
+    }
+
+    void failsWhereAnotherProgramNeverStops()
+    {
+        const Place place(oldText);
+        class : public FileCalls
+        {
+        public:
+            const Place *place = nullptr;
+            int rounds = 0;
+            ssize_t pwrite(int fd, const char *data, size_t size, off_t offset) override
+            {
+                const ssize_t written = FileCalls::pwrite(fd, data, size, offset);
+                if (size == size_t(newText.size())) {
+                    ++rounds;
+                    renameOver(*place);
+                }
+                return written;
+            }
+        } calls;
+        calls.place = &place;
+        SafeFile file(place.path, place.privateFolder, calls);
+        QCOMPARE(file.read().bytes, oldText);
+        const FileWriting saved = file.write(newText);
+        QVERIFY(!saved.written);
+        QVERIFY2(saved.error.contains(u"another program"_s), qPrintable(saved.error));
+        QVERIFY(calls.rounds > 1 && calls.rounds < 20);
+        QVERIFY(QFile::exists(file.journalPath()));
+        QVERIFY(place.kept().contains(otherText));
+    }
+};
+
+OBLINO_TEST(tst_foreignchanges, QCoreApplication)
+#include "tst_foreignchanges.moc"
