@@ -7,6 +7,8 @@
 #include <contacts/windows/viewcontrollerclientmgmt.h>
 #include <core/taskmanager.h>
 #include <messaging/windows/viewcontrollersending.h>
+#include <platform/documents.h>
+#include <tools/notesfile.h>
 
 #include <QNetworkProxy>
 #include <QTcpServer>
@@ -19,7 +21,7 @@
 using namespace oblino;
 using namespace Qt::Literals::StringLiterals;
 using Acts = Table<QByteArray, std::function<void(const StartedApplication &)>>;
-using Ends = Table<QStringList, bool, bool>;
+using Ends = Table<QStringList, bool>;
 
 namespace {
 
@@ -41,19 +43,19 @@ void unblock(const QString &path)
     QFile::rename(path + u".away"_s, path);
 }
 
-// Saves as that file in the dialog that comes next.
-void chooseFile(QObject *context, const QString &path)
+// Saves as these files in the dialogs that come, one after the other.
+void chooseFiles(QTimer &timer, QStringList paths)
 {
-    auto *timer = new QTimer(context);
-    QObject::connect(timer, &QTimer::timeout, timer, [timer, path] {
+    const auto choose = [paths, last = QPointer<QFileDialog>()]() mutable {
         auto *dialog = qobject_cast<QFileDialog *>(QApplication::activeModalWidget());
-        if (!dialog)
+        if (!dialog || dialog == last || paths.isEmpty())
             return;
-        find<QLineEdit>(*dialog, "fileNameEdit").setText(path);
-        timer->deleteLater();
+        last = dialog;
+        find<QLineEdit>(*dialog, "fileNameEdit").setText(paths.takeFirst());
         QMetaObject::invokeMethod(dialog, "accept", Qt::QueuedConnection);
-    });
-    timer->start(5);
+    };
+    QObject::connect(&timer, &QTimer::timeout, &timer, choose);
+    timer.start(5);
 }
 
 } // namespace
@@ -161,16 +163,17 @@ private Q_SLOTS:
     {
         const Ends
             row; // answers on the user's own quit, or none for a signal; has the disk room again; does it end
-        row("the user quits when there is room again", {u""_s}, true, true);
-        row("a signal when there is room again", {}, true, true);
-        row("a signal", {}, false, true);
-        row("the user cancels", {u"Cancel"_s}, false, false);
-        row("the user quits all the same", {u"Quit without saving"_s}, false, true);
-        row("the user saves elsewhere", {u"Save elsewhere…"_s}, false, true);
+        row("the user quits when there is room again", {u""_s}, true);
+        row("a signal when there is room again", {}, true);
+        row("a signal", {}, false);
+        row("the user cancels, then a signal", {u"Cancel"_s}, false);
+        row("the user quits all the same", {u"Quit without saving"_s}, false);
+        row("the user saves elsewhere", {u"Save elsewhere…"_s}, false);
     }
     void keepsWhatCouldNotBeSaved()
     {
-        const auto [answers, hasRoom, ends] = Ends::cells();
+        const auto [answers, hasRoom] = Ends::cells();
+        const bool isCancelled = answers == QStringList(u"Cancel"_s);
         const QString notesPath = m_home.documents() + u"/ltodonotes.txt"_s;
         const QString elsewhere = m_home.path(u"elsewhere"_s);
         TemporaryHome::write(m_home.listPath(), list + secondRow);
@@ -184,45 +187,45 @@ private Q_SLOTS:
             answering({u"Yes"_s}, [&] { click(*program.window, "deleteButton"); });
             for (const QString &path : hasRoom ? QStringList{m_home.listPath(), notesPath} : QStringList())
                 unblock(path);
-            if (answers == QStringList(u"Save elsewhere…"_s)) {
-                chooseFile(this, elsewhere + u".list"_s);
-                chooseFile(this, elsewhere + u".notes"_s);
+            QTimer chooser;
+            chooseFiles(chooser, {elsewhere + u".list"_s, elsewhere + u".notes"_s});
+            const auto close = [&] { program.window->close(); };
+            if (isCancelled) {
+                QCOMPARE(answering(answers, close), QStringList(u"Not everything could be saved."_s));
+                QVERIFY(program.window->isVisible());
             }
-            const auto end = [&, answers = answers] {
-                if (answers.isEmpty())
+            QTimer::singleShot(0, this, [&, answers = answers] {
+                if (answers.isEmpty() || isCancelled)
                     QCOMPARE(::raise(SIGTERM), 0);
                 else if (hasRoom)
-                    program.window->close();
+                    close();
                 else
-                    answering(answers, [&] { program.window->close(); });
-            };
-            if (ends) {
-                QTimer::singleShot(0, this, end);
-                QCOMPARE(QApplication::exec(), 0);
-            } else {
-                end();
-            }
+                    answering(answers, close);
+            });
+            QCOMPARE(QApplication::exec(), 0);
             ::alarm(0);
-            QCOMPARE(program.window->isVisible(), !ends);
+            QVERIFY(!program.window->isVisible());
         }
-        const bool isElsewhere = QFile::exists(elsewhere + u".list"_s);
+        // The list and the notes are whole somewhere.
+        QVERIFY(!m_home.filesWith("Ä note, 日本").isEmpty());
+        const QStringList found = m_home.filesWith(secondRow);
+        QVERIFY(std::any_of(found.cbegin(), found.cend(),
+                            [](const QString &path) { return TemporaryHome::content(path) == secondRow; }));
+        QCOMPARE(TemporaryHome::content(m_home.listPath()) == secondRow, hasRoom);
+        { // What is not where it belongs is offered at the next start, unless the user knows where it is.
+            const StartedApplication next;
+            const auto *box = next.window->findChild<QMessageBox *>();
+            QCOMPARE(box != nullptr, !hasRoom && !QFile::exists(elsewhere + u".list"_s));
+        }
         if (!hasRoom) {
             for (const QString &path : {m_home.listPath(), notesPath})
                 unblock(path);
         }
-        // The list and the notes are whole somewhere, each in one place.
-        QVERIFY(!m_home.filesWith("Ä note, 日本").isEmpty());
-        bool isListWhole = false;
-        for (const QString &path : m_home.filesWith(secondRow))
-            isListWhole = isListWhole || TemporaryHome::content(path) == secondRow;
-        QVERIFY(isListWhole);
-        QCOMPARE(TemporaryHome::content(m_home.listPath()) == secondRow, hasRoom);
-        // And what is not where it belongs is offered at the next start.
-        const StartedApplication next;
-        QCOMPARE(next.window->findChild<QMessageBox *>() != nullptr, ends && !hasRoom && !isElsewhere);
-        QDir(m_home.path(u".local"_s)).removeRecursively();
-        for (const QString &path : {notesPath, elsewhere + u".list"_s, elsewhere + u".notes"_s})
+        for (const QString &name : {TaskListFile::name, NotesFile::name}) // which the process goes on with
+            QVERIFY(Documents::standard().file(name)->write({}).written);
+        for (const QString &path : {elsewhere + u".list"_s, elsewhere + u".notes"_s})
             QFile::remove(path);
+        QDir(contactsFolder()).removeRecursively();
     }
 
 private:

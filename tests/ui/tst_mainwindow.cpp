@@ -320,7 +320,8 @@ private Q_SLOTS:
         MainWindow main({});
         TemporaryHome::write(main.home.listPath(), "broken|row^" + Row{.name = "apple"}.bytes());
         main.interfaceChange();
-        QVERIFY2(main.notice().contains(u"1 row of ltodolist.txt cannot be read."_s), qPrintable(main.notice()));
+        QVERIFY2(main.notice().contains(u"1 row of ltodolist.txt cannot be read."_s),
+                 qPrintable(main.notice()));
         main.clickRow(u"apple"_s);
         main.click("cloneButton");
         const QList<EarlierVersion> kept = main.documents.versions(u"ltodolist.txt"_s).list();
