@@ -4,6 +4,8 @@
 
 #include <platform/sqlcalls.h>
 
+#include <algorithm>
+
 namespace oblino {
 
 EntityModel::EntityModel(Entity entity)
@@ -54,6 +56,12 @@ void EntityModel::confirmWritten()
             row.key = row.writtenKey;
         row.changed = false;
     }
+}
+
+bool EntityModel::hasChanges() const
+{
+    return !m_removed.isEmpty() || std::any_of(m_rows.begin(), m_rows.end(),
+                                               [](const Row &row) { return row.key == 0 || row.changed; });
 }
 
 void EntityModel::clear()

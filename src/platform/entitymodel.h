@@ -32,6 +32,9 @@ public:
     /// The transaction of the last write() is safe in the store.
     void confirmWritten();
 
+    /// Whether something is pending.
+    [[nodiscard]] bool hasChanges() const;
+
     /// Drops all rows and what is pending.
     void clear();
 

@@ -2,6 +2,8 @@
 
 #include <platform/sqlcalls.h>
 
+#include <algorithm>
+
 namespace oblino {
 
 ManagedObjectContext::ManagedObjectContext(QString connection, const QList<Entity> &entities)
@@ -29,8 +31,15 @@ EntityModel *ManagedObjectContext::objects(const QString &entityName) const
     return nullptr;
 }
 
-QString ManagedObjectContext::save()
+bool ManagedObjectContext::hasChanges() const
 {
+    return std::any_of(m_models.begin(), m_models.end(),
+                       [](const auto &model) { return model->hasChanges(); });
+}
+
+QString ManagedObjectContext::save(std::chrono::milliseconds patience)
+{
+    (void)SqlCall(database(), QStringLiteral("PRAGMA busy_timeout = %1").arg(patience.count()));
     QString error = SqlCall(database(), QStringLiteral("BEGIN IMMEDIATE")).error();
     if (!error.isEmpty())
         return error;

@@ -6,6 +6,7 @@
 #include <QList>
 #include <QString>
 
+#include <chrono>
 #include <memory>
 #include <vector>
 
@@ -26,9 +27,13 @@ public:
     /// The objects of an entity, or null when the store has no entity of that name. The context's own.
     [[nodiscard]] EntityModel *objects(const QString &entityName) const;
 
+    /// Whether something is pending.
+    [[nodiscard]] bool hasChanges() const;
+
     /// Writes all that is pending, of every entity or of none; after a failure it is still pending.
+    /// @param patience  how long to wait for another program that has locked the store
     /// @return an error, empty when it was done
-    [[nodiscard]] QString save();
+    [[nodiscard]] QString save(std::chrono::milliseconds patience = std::chrono::seconds(1));
 
     /// Removes every object of the entity from the store at once, and what is pending of it here.
     /// @return an error, empty when it was done
