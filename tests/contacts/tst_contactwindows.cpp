@@ -8,13 +8,21 @@
 #include <support/traces.h>
 #include <support/widgets.h>
 
+#include <QScopeGuard>
+#include <QSignalSpy>
 #include <QSqlDatabase>
 #include <QSqlQuery>
 
+#include <csignal>
 #include <functional>
+#include <memory>
+
+#include <sys/mount.h>
+#include <sys/resource.h>
 
 using namespace oblino;
 using namespace Qt::Literals::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -29,6 +37,20 @@ QString stored(const TemporaryHome &home)
     for (const Contact &contact : fetch<Contact>(container->viewContext()))
         contacts += contact.name + u':' + contact.phoneNo;
     return contacts.join(u' ');
+}
+
+/// Types into what has the focus; \n stands for Return, \t for Tab, \f for End, \x1b for Escape.
+void type(const QString &text)
+{
+    static const QHash<QChar, Qt::Key> keys = {
+        {u'\n', Qt::Key_Return}, {u'\t', Qt::Key_Tab}, {u'\f', Qt::Key_End}, {u'\x1b', Qt::Key_Escape}};
+    for (const QChar character : text) {
+        if (keys.contains(character))
+            QTest::keyClick(QApplication::focusWidget(), keys.value(character));
+        else
+            QTest::keyClick(QApplication::focusWidget(), character.toLatin1());
+        QCoreApplication::processEvents(); // the delegate ends editing with the next turn of the loop
+    }
 }
 
 /// A management window, shown, driven by real events.
@@ -48,25 +70,54 @@ struct Window
     /// The line edit in which something is being edited, or null.
     [[nodiscard]] QLineEdit *field() const { return qobject_cast<QLineEdit *>(QApplication::focusWidget()); }
 
-    /// Types into what has the focus; \n stands for Return, \t for Tab, \f for End, \x1b for Escape.
-    void type(const QString &text) const
-    {
-        static const QHash<QChar, Qt::Key> keys = {
-            {u'\n', Qt::Key_Return}, {u'\t', Qt::Key_Tab}, {u'\f', Qt::Key_End}, {u'\x1b', Qt::Key_Escape}};
-        for (const QChar character : text) {
-            if (keys.contains(character))
-                QTest::keyClick(QApplication::focusWidget(), keys.value(character));
-            else
-                QTest::keyClick(QApplication::focusWidget(), character.toLatin1());
-            QCoreApplication::processEvents(); // the delegate ends editing with the next turn of the loop
-        }
-    }
-
+    static void type(const QString &text) { ::type(text); }
     [[nodiscard]] QString shown() const { return columnOf(table, NameColumn); }
 
     std::unique_ptr<Controller> controller;
     QTableView &table;
 };
+
+/// The clients that another program finds in the store, as in "Ann:1 Bob:2".
+QString rowsIn(const TemporaryHome &home)
+{
+    QStringList rows;
+    {
+        QSqlDatabase database = QSqlDatabase::addDatabase(u"QSQLITE"_s, u"reader"_s);
+        database.setDatabaseName(home.privateFolder() + u"/Model.sqlite"_s);
+        QSqlQuery query(database.open() ? database : QSqlDatabase());
+        query.exec(u"SELECT name || ':' || coalesce(phoneNo, '') FROM Clients ORDER BY id"_s);
+        while (query.next())
+            rows += query.value(0).toString();
+    }
+    QSqlDatabase::removeDatabase(u"reader"_s);
+    return rows.join(u' ');
+}
+
+/// The window of the clients as the program opens it, gone by itself after it was closed.
+ViewControllerClientMgmt *openToDelete(const TemporaryHome &home, std::chrono::milliseconds retryInterval)
+{
+    auto *controller = new ViewControllerClientMgmt(home.privateFolder(), nullptr, retryInterval);
+    controller->setAttribute(Qt::WA_DeleteOnClose);
+    showActive(*controller);
+    return controller;
+}
+
+/// What keeps a store from being written, as long as it is held.
+using Spoilt = std::shared_ptr<void>;
+using Spoil = std::function<Spoilt(const QString &file)>;
+
+/// Locks the store as another program does, by the connection "other".
+Spoilt lockStore(const QString &file)
+{
+    QSqlDatabase other = QSqlDatabase::addDatabase(u"QSQLITE"_s, u"other"_s);
+    other.setDatabaseName(file);
+    const bool isLocked = other.open() && QSqlQuery(other).exec(u"BEGIN EXCLUSIVE"_s);
+    return {isLocked ? new int : nullptr, [](int *held) {
+                delete held;
+                QSqlDatabase::database(u"other"_s).close();
+                QSqlDatabase::removeDatabase(u"other"_s);
+            }};
+}
 
 using Act = std::function<void(Window<> &)>;
 using Edits = Table<QString, Act>;
@@ -218,25 +269,126 @@ private Q_SLOTS:
         QCOMPARE(TemporaryHome::content(file), "Not at all");
     }
 
-    void closesThoughTheStoreCannotBeWritten()
+    void outlivesItsClosingUntilItsEditsAreInTheStore_data()
+    {
+        const Table<Spoil> row;
+        row("another program has locked it", lockStore);
+        row("files may not grow", [](const QString &) -> Spoilt {
+            std::signal(SIGXFSZ, SIG_IGN);
+            const auto limit = std::make_shared<rlimit>();
+            ::getrlimit(RLIMIT_FSIZE, limit.get());
+            const rlimit none = {1, limit->rlim_max};
+            ::setrlimit(RLIMIT_FSIZE, &none);
+            return {limit.get(), [limit](rlimit *before) {
+                        ::setrlimit(RLIMIT_FSIZE, before);
+                        std::signal(SIGXFSZ, SIG_DFL);
+                    }};
+        });
+        row("the disk is full", [](const QString &file) -> Spoilt {
+            const QString filler = QFileInfo(file).path() + u"/filler"_s;
+            QFile rest(filler);
+            if (rest.open(QIODevice::WriteOnly)) {
+                while (rest.write(QByteArray(4096, 'x')) > 0 && rest.flush()) {
+                }
+            }
+            return {new QString(filler), [](QString *path) {
+                        QFile::remove(*path);
+                        delete path;
+                    }};
+        });
+    }
+    void outlivesItsClosingUntilItsEditsAreInTheStore()
+    {
+        const auto [spoil] = Table<Spoil>::cells();
+        const TemporaryHome home;
+        const QByteArray folder = QFile::encodeName(home.privateFolder());
+        QVERIFY(QDir().mkpath(home.privateFolder()));
+        const bool needsDisk = QLatin1String(QTest::currentDataTag()) == u"the disk is full"_s;
+        if (needsDisk && ::mount("tmpfs", folder.constData(), "tmpfs", 0, "size=128k") != 0)
+            QSKIP("No file system may be mounted here.");
+        const auto unmount = qScopeGuard([&] {
+            if (needsDisk)
+                ::umount2(folder.constData(), MNT_DETACH);
+        });
+        storeContacts<Clients>(home.privateFolder(), {{u"Ann"_s, u"1"_s}});
+        QPointer<ViewControllerClientMgmt> controller = openToDelete(home, 20ms);
+        const QSignalSpy failures(controller, &ContactWindow::savingFailed);
+        const QSignalSpy successes(controller, &ContactWindow::saved);
+        clickCell(find<QTableView>(*controller, "clientTable"), 0, 0);
+        type(u"Bob"_s);
+        Spoilt spoilt = spoil(home.privateFolder() + u"/Model.sqlite"_s);
+        QTest::keyClick(controller, Qt::Key_Escape);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        const bool isKept = controller && !controller->isVisible();
+        spoilt.reset();
+        QVERIFY(isKept);
+        const QString told = failures.value(0).value(0).toString();
+        QVERIFY2(told.startsWith(u"The clients could not be saved: "_s), qPrintable(told));
+        QTRY_VERIFY(!controller);
+        QCOMPARE(rowsIn(home), u"Bob:1"_s);
+        QCOMPARE(failures.size(), 1);
+        QCOMPARE(successes.size(), 1);
+    }
+
+    void savesWhatItStillHasWhenItIsShownAgain()
     {
         const TemporaryHome home;
-        storeContacts<Clients>(home.privateFolder(), {{u"Ann"_s, {}}});
-        const QByteArray traces = tracesOf([&home] {
-            const Window window(home);
-            QSqlDatabase other = QSqlDatabase::addDatabase(u"QSQLITE"_s, u"other"_s);
-            other.setDatabaseName(home.privateFolder() + u"/Model.sqlite"_s);
-            QVERIFY(other.open());
-            QVERIFY(QSqlQuery(other).exec(u"BEGIN EXCLUSIVE"_s));
-            window.clickCell(0, 0);
-            window.type(u"Bob\n"_s);
-            window.controller->close();
-            QVERIFY(!window.controller->isVisible());
-            other.close();
-            QCOMPARE(stored(home), u"Ann:"_s);
-        });
-        QSqlDatabase::removeDatabase(u"other"_s);
-        QVERIFY2(traces.contains("Unable to Save Contacts database is locked\n"), traces.constData());
+        const QPointer<ViewControllerClientMgmt> controller = openToDelete(home, 1h);
+        click(*controller, "addButton");
+        type(u"Ann"_s);
+        Spoilt lock = lockStore(home.privateFolder() + u"/Model.sqlite"_s);
+        controller->close();
+        QVERIFY(controller && !controller->isVisible());
+        lock.reset();
+        showActive(*controller);
+        QCOMPARE(rowsIn(home), u"Ann:"_s);
+        QTest::keyClick(controller, Qt::Key_Escape);
+        QTRY_VERIFY(!controller);
+    }
+
+    // What was erased must not come back with what the window still has, though it cannot read the store.
+    void dropsWhatItStillHasWhenTheEraserSaysSo()
+    {
+        const TemporaryHome home;
+        storeContacts<Clients>(home.privateFolder(), {{u"Ann"_s, u"1"_s}});
+        const QPointer<ViewControllerClientMgmt> controller = openToDelete(home, 20ms);
+        click(*controller, "addButton");
+        type(u"Bob"_s);
+        Spoilt lock = lockStore(home.privateFolder() + u"/Model.sqlite"_s);
+        controller->close();
+        QVERIFY(QSqlQuery(QSqlDatabase::database(u"other"_s)).exec(u"DELETE FROM Clients"_s));
+        controller->reload(TeamMembers::fetchRequest());
+        QVERIFY(controller->isUnsaved());
+        controller->reload(Clients::fetchRequest());
+        QVERIFY(!controller->isUnsaved());
+        QVERIFY(QSqlQuery(QSqlDatabase::database(u"other"_s)).exec(u"COMMIT"_s));
+        lock.reset();
+        QTRY_VERIFY(!controller);
+        QCOMPARE(rowsIn(home), QString());
+    }
+
+    void putsElsewhereWhatCannotBeSaved()
+    {
+        const TemporaryHome home;
+        storeContacts<TeamMembers>(home.privateFolder(), {{u"Zoë"_s, u"1\n2"_s}});
+        const Window<ViewControllerTeamMgmt> window(home);
+        UnsavedWork &work = *window.controller;
+        QVERIFY(!work.isUnsaved());
+        window.click("addButton");
+        window.type(u"Dana"_s);
+        QVERIFY(work.isUnsaved());
+        Spoilt lock = lockStore(home.privateFolder() + u"/Model.sqlite"_s);
+        const QString error = work.saveNow();
+        QVERIFY2(error.startsWith(u"The team members could not be saved: database is locked."_s),
+                 qPrintable(error));
+        QVERIFY(work.isUnsaved());
+        const QString path = work.rescue();
+        QVERIFY2(path.startsWith(home.privateFolder()) && path.contains(u"team members"_s), qPrintable(path));
+        QCOMPARE(TemporaryHome::content(path), "Zoë\t1 2\nDana\t\n");
+        lock.reset();
+        QCOMPARE(work.saveNow(), QString());
+        QVERIFY(!work.isUnsaved());
+        QCOMPARE(stored<TeamMembers>(home), u"Zoë:1\n2 Dana:"_s);
     }
 };
 

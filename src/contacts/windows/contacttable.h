@@ -22,6 +22,8 @@ public:
 
     void setModel(QAbstractItemModel *model) override;
 
+    [[nodiscard]] bool isEditing() const { return indexWidget(currentIndex()) != nullptr; }
+
     /// Commits and closes the editor that is open, if any.
     void endEditing();
 

@@ -7,8 +7,9 @@
 
 namespace oblino {
 
-ViewControllerClientMgmt::ViewControllerClientMgmt(const QString &folder, QWidget *parent)
-    : ContactWindow(folder, parent)
+ViewControllerClientMgmt::ViewControllerClientMgmt(const QString &folder, QWidget *parent,
+                                                   std::chrono::milliseconds retryInterval)
+    : ContactWindow(folder, parent, retryInterval)
     , m_ui(std::make_unique<Ui::ViewControllerClientMgmt>())
 {
     loadView();
@@ -31,7 +32,7 @@ void ViewControllerClientMgmt::loadView()
     connect(&clientTable->delegate(), &ContactDelegate::nameChanged, this,
             [this] { nameChange(clientTable); });
     openStore({clientTable, clientTableArray, m_ui->addButton, m_ui->removeButton}, Clients::fetchRequest(),
-              tr("clients"));
+              {.plural = tr("clients"), .title = tr("The clients"), .file = QStringLiteral("clients.txt")});
 }
 
 void ViewControllerClientMgmt::AddCient(QObject * /*sender*/)

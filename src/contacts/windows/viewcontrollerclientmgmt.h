@@ -14,7 +14,8 @@ class ViewControllerClientMgmt : public ContactWindow
     Q_OBJECT
 
 public:
-    explicit ViewControllerClientMgmt(const QString &folder = contactsFolder(), QWidget *parent = nullptr);
+    explicit ViewControllerClientMgmt(const QString &folder = contactsFolder(), QWidget *parent = nullptr,
+                                      std::chrono::milliseconds retryInterval = std::chrono::seconds(10));
     ~ViewControllerClientMgmt() override;
 
     void loadView();

@@ -5,8 +5,9 @@
 
 namespace oblino {
 
-ViewControllerTeamMgmt::ViewControllerTeamMgmt(const QString &folder, QWidget *parent)
-    : ContactWindow(folder, parent)
+ViewControllerTeamMgmt::ViewControllerTeamMgmt(const QString &folder, QWidget *parent,
+                                               std::chrono::milliseconds retryInterval)
+    : ContactWindow(folder, parent, retryInterval)
     , m_ui(std::make_unique<Ui::ViewControllerTeamMgmt>())
 {
     m_ui->setupUi(this);
@@ -26,7 +27,10 @@ void ViewControllerTeamMgmt::viewDidLoad()
             [this] { RemoveTeamMember(m_ui->removeButton); });
     connect(m_ui->okButton, &QPushButton::clicked, this, [this] { OkPressed(m_ui->okButton); });
     openStore({teamTable, new ContactList(this), m_ui->addButton, m_ui->removeButton},
-              TeamMembers::fetchRequest(), tr("team members"));
+              TeamMembers::fetchRequest(),
+              {.plural = tr("team members"),
+               .title = tr("The team members"),
+               .file = QStringLiteral("team members.txt")});
 }
 
 void ViewControllerTeamMgmt::AddTeamMember(QObject * /*sender*/)

@@ -14,7 +14,8 @@ class ViewControllerTeamMgmt : public ContactWindow
     Q_OBJECT
 
 public:
-    explicit ViewControllerTeamMgmt(const QString &folder = contactsFolder(), QWidget *parent = nullptr);
+    explicit ViewControllerTeamMgmt(const QString &folder = contactsFolder(), QWidget *parent = nullptr,
+                                    std::chrono::milliseconds retryInterval = std::chrono::seconds(10));
     ~ViewControllerTeamMgmt() override;
 
     void viewDidLoad();
