@@ -3,6 +3,9 @@
 #include <core/taskkey.h>
 #include <platform/trace.h>
 
+#include <QUuid>
+
+#include <cmath>
 #include <utility>
 
 namespace oblino {
@@ -41,21 +44,32 @@ void read(Value &value, const CloudRecord &record, TaskField field)
         value = held.value<Value>();
 }
 
+double readComponent(const CloudRecord &record, TaskField field)
+{
+    double component = 1;
+    read(component, record, field);
+    return std::isfinite(component) ? component : 1;
+}
+
 Color readColor(const CloudRecord &record, bool inDark)
 {
-    double red = 1;
-    double green = 1;
-    double blue = 1;
-    double alpha = 1;
-    read(red, record, ColorRedField);
-    read(green, record, ColorGreenField);
-    read(blue, record, ColorBlueField);
-    read(alpha, record, ColorAlphaField);
-    const Color color(red, green, blue, alpha);
+    const Color color(readComponent(record, ColorRedField), readComponent(record, ColorGreenField),
+                      readComponent(record, ColorBlueField), readComponent(record, ColorAlphaField));
     if (!inDark)
         return color;
     trace("In dark mode -> Invert");
     return color.inverted();
+}
+
+// Made of the record's name, so that the next merge finds the task that the record has become.
+QString readKey(const CloudRecord &record)
+{
+    static const QUuid keyless(QStringLiteral("{5d3c8d3e-6b0c-4f0b-9c53-2f6a1f1f6c6b}"));
+    QString key;
+    read(key, record, KeyField);
+    return key.isEmpty()
+               ? QUuid::createUuidV5(keyless, record.recordName()).toString(QUuid::WithoutBraces).toUpper()
+               : key;
 }
 
 // The components of a Color are those of the device already.
@@ -131,7 +145,7 @@ task taskOfRecord(const CloudRecord &record, bool inDark, task made)
 {
     task t = std::move(made);
     t.color = readColor(record, inDark);
-    read(t.key, record, KeyField);
+    t.key = readKey(record);
     read(t.date, record, DateField);
     read(t.name, record, NameField);
     read(t.desc, record, DescField);

@@ -5,7 +5,11 @@
 #include <support/testmain.h>
 #include <support/traces.h>
 
+#include <QRegularExpression>
+#include <QSet>
 #include <QTimer>
+
+#include <limits>
 
 using namespace oblino;
 using namespace Qt::Literals::StringLiterals;
@@ -16,6 +20,7 @@ namespace {
 using Request = ScriptedContainer::Request;
 using Fate = ScriptedContainer::Fate;
 
+const QRegularExpression isKey(u"^[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}$"_s);
 const Color light(0.1, 0.3, 0.7, 0.5);
 
 task named(const char *key, const char *name = "Name", bool hidden = false)
@@ -113,16 +118,49 @@ private Q_SLOTS:
     {
         Cloud cloud;
         cloud.put({named("A")});
-        runAt(cloud.place, u"UPDATE \"cloud_private_Task\" SET \"key\" = NULL, \"client\" = NULL, "
+        runAt(cloud.place, u"UPDATE \"cloud_private_Task\" SET \"client\" = NULL, "
                            "\"colorRed\" = NULL, \"status\" = 'words', \"date\" = 'words'"_s);
         QVERIFY(cloud.store.syncToLocalFromCloud());
         const task merged = cloud.store.tasks().value(0);
         const task made;
-        QCOMPARE(merged.key, made.key);
         QCOMPARE(merged.client, made.client);
         QCOMPARE(merged.status, 0);
         QCOMPARE(merged.name, u"Name"_s);
         QVERIFY(merged.color == Color(1, 0.3, 0.7, 0.5) && merged.date.isValid());
+    }
+
+    // A key that is made of the record's name is the same with the next merge.
+    void givesEachRecordWithoutAKeyATaskOfItsOwn()
+    {
+        Cloud cloud;
+        cloud.put({named("A", "one"), named("B", "two"), named("C", "three"), named("NoKey", "four")});
+        runAt(cloud.place, u"UPDATE \"cloud_private_Task\" SET \"key\" = NULL WHERE \"key\" = 'A'"_s);
+        runAt(cloud.place, u"UPDATE \"cloud_private_Task\" SET \"key\" = '' WHERE \"key\" IN ('B', 'C')"_s);
+        for (int merge = 0; merge < 2; ++merge) {
+            QVERIFY(cloud.store.syncToLocalFromCloud());
+            QStringList names;
+            QSet<QString> different;
+            for (const task &t : cloud.store.tasks()) {
+                names += t.name;
+                different += t.key;
+                QVERIFY2(t.key == u"NoKey"_s || isKey.match(t.key).hasMatch(), qPrintable(t.key));
+            }
+            QCOMPARE(names.join(u' '), u"one two three four"_s);
+            QCOMPARE(different.size(), 4);
+        }
+    }
+
+    void takesColorsThatAreNoNumbersForMissing()
+    {
+        Cloud cloud;
+        cloud.put({named("A")});
+        runAt(cloud.place, u"UPDATE \"cloud_private_Task\" SET \"colorRed\" = 9e999, "
+                           "\"colorBlue\" = -9e999, \"colorAlpha\" = 9e999"_s);
+        QVERIFY(cloud.store.syncToLocalFromCloud());
+        QVERIFY(cloud.store.tasks().value(0).color == Color(1, 0.3, 1, 1));
+        CloudRecord record = newTaskRecord(named("A"), false);
+        record.setValue(u"colorGreen"_s, std::numeric_limits<double>::quiet_NaN());
+        QVERIFY(taskOfRecord(record, false).color == Color(0.1, 1, 0.7, 0.5));
     }
 
     void doesNothingWithNothing()
