@@ -100,6 +100,30 @@ find(CloudContainer &container, const RecordPredicate &predicate = {}, const Rec
     return error ? wordsOf(error) : namesOf(records);
 }
 
+/// A request whose handler does not return until the test lets it, so that other requests wait.
+class HeldAnswer
+{
+public:
+    /// @param afterwards  called on the thread of the service, when it goes on
+    explicit HeldAnswer(
+        CloudContainer &container, const std::function<void()> &afterwards = [] {})
+    {
+        const auto begun = std::make_shared<std::promise<void>>();
+        container.privateCloudDatabase().performQuery(
+            {&noteType(), {}},
+            [begun, go = m_go.get_future().share(), afterwards](const auto &, const auto &) {
+                begun->set_value();
+                go.wait();
+                afterwards();
+            });
+        begun->get_future().wait();
+    }
+    void release() { m_go.set_value(); }
+
+private:
+    std::promise<void> m_go;
+};
+
 struct Answers
 {
     std::atomic<int> good = 0;

@@ -3,6 +3,8 @@
 #include <platform/cloud/calldeadline.h>
 #include <platform/cloud/requestbatch.h>
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <atomic>
 #include <condition_variable>
@@ -36,7 +38,9 @@ struct SqlCloudContainer::Service
     }
 
     void add(CloudRequest request);
+    void move(const RecordPlace &to);
     void run();
+    [[nodiscard]] RecordPlace settleIn();
     void carryOutWaiting(RecordStore &store, RequestBatch &batch);
     void carryOut(std::vector<CloudRequest> &requests, RecordStore &store, RequestBatch &batch);
     [[nodiscard]] bool waitForWork();
@@ -44,8 +48,11 @@ struct SqlCloudContainer::Service
     std::mutex mutex;
     std::condition_variable changed;
     std::vector<CloudRequest> waiting;
+    std::vector<CloudRequest> outdated; // were meant for a place before
     RecordPlace place;
-    bool isElsewhere = false; // the place has changed since it was opened
+    bool isElsewhere = false; // the place, or its password, has changed since it was opened
+    bool hasMoved = false;    // the place itself, and what the thread asks for is meant for the one before
+    std::thread::id thread = {};
     bool isWorking = false;
     bool hasEnded = false;
     std::atomic<bool> ends = false;
@@ -87,21 +94,52 @@ private:
 void SqlCloudContainer::Service::add(CloudRequest request)
 {
     const std::lock_guard lock(mutex);
-    waiting.push_back(std::move(request));
+    // Answers lead to further requests, which belong where the first ones were carried out.
+    const bool isOutdated = hasMoved && std::this_thread::get_id() == thread;
+    (isOutdated ? outdated : waiting).push_back(std::move(request));
     if (waiting.size() == 1)
         changed.notify_all();
+}
+
+void SqlCloudContainer::Service::move(const RecordPlace &to)
+{
+    const std::lock_guard lock(mutex);
+    if (to.account != place.account || to.file != place.file) {
+        hasMoved = true;
+        outdated.insert(outdated.end(), std::move_iterator(waiting.begin()),
+                        std::move_iterator(waiting.end()));
+        waiting.clear();
+    }
+    place = to;
+    isElsewhere = true;
+    changed.notify_all();
+}
+
+// Refuses what was asked of places before. @return the place from now on
+RecordPlace SqlCloudContainer::Service::settleIn()
+{
+    std::unique_lock lock(mutex);
+    thread = std::this_thread::get_id();
+    while (!outdated.empty() && !ends) {
+        std::vector<CloudRequest> requests = std::exchange(outdated, {});
+        lock.unlock();
+        for (CloudRequest &request : requests) {
+            request.error = CloudError{
+                CloudError::Code::Other,
+                QCoreApplication::translate("CloudStore", "The cloud account was changed meanwhile.")};
+            answer(request);
+        }
+        lock.lock();
+    }
+    isElsewhere = false;
+    hasMoved = false;
+    return place;
 }
 
 void SqlCloudContainer::Service::run()
 {
     while (!ends) {
-        RecordPlace here;
-        {
-            const std::lock_guard lock(mutex);
-            here = place;
-            isElsewhere = false;
-        }
-        RecordStore store(here, ends);
+        RecordStore store(settleIn(), ends);
         RequestBatch batch(store, types, ends);
         while (waitForWork())
             carryOutWaiting(store, batch);
@@ -188,10 +226,7 @@ SqlCloudContainer::~SqlCloudContainer()
 
 void SqlCloudContainer::setPlace(const RecordPlace &place)
 {
-    const std::lock_guard lock(m_service->mutex);
-    m_service->place = place;
-    m_service->isElsewhere = true;
-    m_service->changed.notify_all();
+    m_service->move(place);
 }
 
 QString SqlCloudContainer::description() const

@@ -28,7 +28,9 @@ public:
                       std::chrono::milliseconds patience = std::chrono::seconds(20));
     ~SqlCloudContainer() override;
 
-    /// Keeps the records in another place from now on; requests that wait go there too.
+    /// Keeps the records in another place from now on. Requests that wait, and those that the handlers of
+    /// earlier ones make, are answered with an error; none of them reaches that place. They go on where only
+    /// the password is another.
     void setPlace(const RecordPlace &place);
 
     [[nodiscard]] QString description() const override;
