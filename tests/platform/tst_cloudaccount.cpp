@@ -200,6 +200,24 @@ private Q_SLOTS:
         QCOMPARE(desktop.accounts.load(), CloudAccount{});
     }
 
+    void holdsTheAccountWhileTheCloudIsInUse()
+    {
+        Desktop desktop(CloudAccount{});
+        desktop.openWindow();
+        desktop.enter(annsAccount);
+        desktop.session->setInUse(true);
+        QVERIFY(!desktop.find("okButton").isEnabled());
+        QVERIFY(desktop.find("okButton").toolTip().contains(u"The cloud is being used."_s));
+        QTest::keyClick(&desktop.find("passwordField"), Qt::Key_Return);
+        desktop.window->accept();
+        QVERIFY(desktop.window->isVisible());
+        QCOMPARE(desktop.accounts.load(), CloudAccount{});
+        desktop.session->setInUse(false);
+        QCOMPARE(desktop.find("okButton").toolTip(), QString());
+        QTest::keyClick(&desktop.find("passwordField"), Qt::Key_Return);
+        QCOMPARE(desktop.accounts.load(), annsAccount);
+    }
+
     void tellsThePasswordToServerAndKeyringAlone_data()
     {
         const Table<bool> row;

@@ -36,6 +36,12 @@ RecordPlace CloudSession::place(const CloudAccount &account, const QString &pass
     return {m_recordFile, account, password};
 }
 
+void CloudSession::setInUse(bool inUse)
+{
+    if (std::exchange(m_isInUse, inUse) != inUse)
+        Q_EMIT inUseChanged();
+}
+
 void CloudSession::setPassword(const QString &password, bool remembered)
 {
     ++m_question; // an answer that is still to come is out of date

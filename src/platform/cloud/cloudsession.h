@@ -38,6 +38,10 @@ public:
     /// False once it has turned out that there is no keyring.
     [[nodiscard]] bool canRemember() const { return m_canRemember; }
 
+    /// Whether somebody waits for answers of the container, so that the account is not to be changed.
+    [[nodiscard]] bool isInUse() const { return m_isInUse; }
+    void setInUse(bool inUse);
+
     /// @param remember  whether the keyring is to keep the password; otherwise it forgets the one it has
     void setPassword(const QString &password, bool remember);
     /// Keeps the account and uses it from now on. Without a password, that of the keyring is used.
@@ -48,6 +52,7 @@ public:
 Q_SIGNALS:
     /// What is known of the password, or of the keyring, may be another.
     void passwordChanged();
+    void inUseChanged();
     /// The keyring did not take the password.
     void rememberingFailed();
 
@@ -66,6 +71,7 @@ private:
     std::optional<QString> m_password;
     bool m_isRemembered = false;
     bool m_canRemember = true;
+    bool m_isInUse = false;
     int m_question = 0; // the last one that the keyring was asked, or that needs no answer any more
     SqlCloudContainer m_container;
 };

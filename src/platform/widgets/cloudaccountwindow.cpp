@@ -70,7 +70,9 @@ CloudAccountWindow::CloudAccountWindow(CloudSession &session, QWidget *parent)
     , m_ui(std::make_unique<Ui::CloudAccountWindow>())
 {
     m_ui->setupUi(this);
-    m_ui->buttons->addButton(tr("OK"), QDialogButtonBox::AcceptRole)->setDefault(true);
+    m_okButton = m_ui->buttons->addButton(tr("OK"), QDialogButtonBox::AcceptRole);
+    m_okButton->setObjectName(QStringLiteral("okButton"));
+    m_okButton->setDefault(true);
     m_ui->buttons->addButton(tr("Cancel"), QDialogButtonBox::RejectRole);
     for (QLabel *label : findChildren<QLabel *>()) {
         if (label->objectName().endsWith(QLatin1String("Problem")))
@@ -80,6 +82,7 @@ CloudAccountWindow::CloudAccountWindow(CloudSession &session, QWidget *parent)
     m_ui->testResult->hide();
     showAccount(session.account());
     followSession();
+    followUse();
     connectControls();
     showChoice();
     showSecurity();
@@ -111,6 +114,7 @@ void CloudAccountWindow::connectControls()
     connect(m_ui->buttons, &QDialogButtonBox::accepted, this, &CloudAccountWindow::accept);
     connect(m_ui->buttons, &QDialogButtonBox::rejected, this, &CloudAccountWindow::reject);
     connect(&m_session, &CloudSession::passwordChanged, this, &CloudAccountWindow::followSession);
+    connect(&m_session, &CloudSession::inUseChanged, this, &CloudAccountWindow::followUse);
 }
 
 void CloudAccountWindow::showAccount(const CloudAccount &account)
@@ -134,6 +138,15 @@ void CloudAccountWindow::followSession()
     if (!m_session.canRemember())
         m_ui->rememberBox->setChecked(false);
     showChoice();
+}
+
+// Another account would break off what is under way.
+void CloudAccountWindow::followUse()
+{
+    m_okButton->setEnabled(!m_session.isInUse());
+    m_okButton->setToolTip(m_session.isInUse()
+                               ? tr("The cloud is being used. The account can be changed when that is done.")
+                               : QString());
 }
 
 void CloudAccountWindow::showChoice()
@@ -225,7 +238,7 @@ bool CloudAccountWindow::inputIsGood()
 
 void CloudAccountWindow::accept()
 {
-    if (!inputIsGood())
+    if (m_session.isInUse() || !inputIsGood())
         return;
     const CloudAccount account = entered();
     const QString typed = m_ui->passwordField->text();

@@ -8,6 +8,8 @@
 #include <memory>
 #include <optional>
 
+class QPushButton;
+
 namespace oblino {
 
 class CloudSession;
@@ -16,8 +18,8 @@ namespace Ui {
 class CloudAccountWindow;
 }
 
-/// The window in which the user says where the cloud records lie. OK hands it to the session, Cancel changes
-/// nothing.
+/// The window in which the user says where the cloud records lie. OK hands it to the session, unless that is
+/// in use; Cancel changes nothing.
 class CloudAccountWindow : public QDialog
 {
     Q_OBJECT
@@ -39,6 +41,7 @@ private:
     void connectControls();
     void showAccount(const CloudAccount &account);
     void followSession();
+    void followUse();
     void showChoice();
     void showSecurity();
     void fit();
@@ -54,6 +57,7 @@ private:
 
     CloudSession &m_session;
     std::unique_ptr<Ui::CloudAccountWindow> m_ui;
+    QPushButton *m_okButton = nullptr;
     std::shared_ptr<Test> m_test; // the one that runs; null without one
 };
 
