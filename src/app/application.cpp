@@ -96,6 +96,8 @@ void Application::start()
     m_lastSave = std::make_unique<LastSave>(*m_mainWindow, uiUtil());
     m_mainWindow->setBeforeEnd([this] { return mayEnd(); });
     m_mainWindow->setBeforeCloud([this] { return ensurePassword(m_cloud, m_mainWindow.get()); });
+    connect(&tskMgr(), &TaskManager::cloudWaitBegan, &m_cloud, [this] { m_cloud.setInUse(true); });
+    connect(&tskMgr(), &TaskManager::cloudWaitEnded, &m_cloud, [this] { m_cloud.setInUse(false); });
     connect(&m_cloud, &CloudSession::rememberingFailed, this, &Application::tellNotRemembered);
     connect(&m_instance, &SingleInstance::raiseRequested, m_mainWindow.get(), &ViewController::comeToFront);
     connect(&m_signals, &UnixSignals::endRequested, this, &Application::terminate);
