@@ -1,5 +1,6 @@
 #include <cloud/cloudwork.h>
 
+#include <QCoreApplication>
 #include <QEventLoop>
 #include <QTimer>
 
@@ -16,12 +17,46 @@ std::shared_ptr<CloudTicket> CloudWork::ask()
     return std::make_shared<CloudTicket>(shared_from_this());
 }
 
-void CloudWork::answered()
+void CloudWork::fail(const QString &cause)
+{
+    m_failed = true;
+    const std::lock_guard lock(m_mutex);
+    if (m_cause.isEmpty())
+        m_cause = cause;
+}
+
+QString CloudWork::cause()
 {
     const std::lock_guard lock(m_mutex);
-    ++m_answered;
-    if (m_waiter && !std::exchange(m_isTold, true))
-        QMetaObject::invokeMethod(m_waiter, m_onAnswer, Qt::QueuedConnection);
+    return m_cause;
+}
+
+void CloudWork::setOnDone(std::function<void()> onDone)
+{
+    const std::lock_guard lock(m_mutex);
+    m_onDone = std::move(onDone);
+}
+
+void CloudWork::answered()
+{
+    std::function<void()> onDone;
+    {
+        const std::lock_guard lock(m_mutex);
+        ++m_answered;
+        if (m_waiter && !std::exchange(m_isTold, true))
+            QMetaObject::invokeMethod(m_waiter, m_onAnswer, Qt::QueuedConnection);
+        if (m_answered == m_asked)
+            onDone = std::exchange(m_onDone, nullptr);
+    }
+    if (onDone)
+        onDone();
+}
+
+void CloudWork::dropped()
+{
+    fail();
+    setOnDone(nullptr); // perhaps nobody is left who could be told
+    answered();
 }
 
 bool CloudWork::wait(std::chrono::milliseconds patience,
@@ -59,6 +94,11 @@ bool CloudWork::wait(std::chrono::milliseconds patience,
     return done == asked;
 }
 
+QString noTasksInCloud()
+{
+    return QCoreApplication::translate("CloudWork", "There are no tasks in the cloud.");
+}
+
 CloudTicket::CloudTicket(std::shared_ptr<CloudWork> work)
     : m_work(std::move(work))
 {
@@ -66,10 +106,8 @@ CloudTicket::CloudTicket(std::shared_ptr<CloudWork> work)
 
 CloudTicket::~CloudTicket()
 {
-    if (m_settled)
-        return;
-    m_work->fail();
-    m_work->answered();
+    if (!m_settled)
+        m_work->dropped();
 }
 
 void CloudTicket::settle()
@@ -83,10 +121,10 @@ CloudOperation::CloudOperation(std::shared_ptr<CloudWork> work)
 {
 }
 
-void CloudOperation::clear()
+void CloudOperation::clear(const QString &cause)
 {
     m_flag = false;
-    m_work->fail();
+    m_work->fail(cause);
 }
 
 } // namespace oblino

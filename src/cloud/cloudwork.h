@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <QString>
 
 #include <atomic>
 #include <chrono>
@@ -25,8 +26,14 @@ public:
     [[nodiscard]] std::shared_ptr<CloudTicket> ask();
 
     /// Something of the work has failed.
-    void fail() { m_failed = true; }
+    /// @param cause  a sentence for the user; empty where there is nothing to say
+    void fail(const QString &cause = {});
     [[nodiscard]] bool hasFailed() const { return m_failed; }
+    /// The first cause of a failure that was given.
+    [[nodiscard]] QString cause();
+    /// Sets what is called once every request is answered, on the thread of the last answer; never where the
+    /// service has left a request unanswered for good.
+    void setOnDone(std::function<void()> onDone);
     /// Whether nobody waits for it any more, so that nothing further is to be begun.
     [[nodiscard]] bool isAbandoned() const { return m_abandoned; }
 
@@ -41,6 +48,7 @@ private:
     friend class CloudTicket;
 
     void answered();
+    void dropped();
 
     std::mutex m_mutex; // for what follows
     qint64 m_asked = 0;
@@ -48,10 +56,15 @@ private:
     QObject *m_waiter = nullptr; // on the main thread, told of answers
     std::function<void()> m_onAnswer;
     bool m_isTold = false; // and has not looked yet
+    std::function<void()> m_onDone;
+    QString m_cause;
 
     std::atomic<bool> m_failed = false;
     std::atomic<bool> m_abandoned = false;
 };
+
+/// The cause of a failure in words, where the cloud has no record of any task.
+[[nodiscard]] QString noTasksInCloud();
 
 /// Stands for one request of a work. It is settled when the answer has been dealt with; one that goes
 /// unsettled makes the work fail.
@@ -80,7 +93,8 @@ public:
     [[nodiscard]] std::shared_ptr<CloudWork> sharedWork() const { return m_work; }
     [[nodiscard]] bool flag() const { return m_flag; }
     void set(bool flag) { m_flag = flag; }
-    void clear();
+    /// @param cause  as in CloudWork::fail()
+    void clear(const QString &cause = {});
 
 private:
     std::shared_ptr<CloudWork> m_work;

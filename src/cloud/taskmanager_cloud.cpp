@@ -35,6 +35,13 @@ StatusWords wordsFor(AccountStatus status)
     return {"-CloudKit:Cannot Determine Status-", "-iCloud:Cannot Login (Unknown)-"};
 }
 
+// Whether a last message says that the account cannot be used.
+bool isFailure(const QString &message)
+{
+    return message.contains(QLatin1String("iCloud:Cannot Login")) ||
+           message.contains(QLatin1String("iCloud:User is NOT Logged In"));
+}
+
 RecordQuery byKey(const QString &key)
 {
     return {&taskRecordType(), RecordPredicate::equals(QStringLiteral("key"), key)};
@@ -55,21 +62,21 @@ std::shared_ptr<CloudOperation> TaskManager::beginCloudOperation(const std::shar
 {
     trace("Container:", [this] { return m_cloudContainer->description(); });
     auto operation = std::make_shared<CloudOperation>(work);
-    m_cloudContainer->accountStatus(
-        [this, operation, noAccountMessage, ticket = work->ask()](AccountStatus status, const auto &error) {
-            if (error) {
-                ticket->settle();
-                return;
-            }
-            Dispatch::main(this, [this, operation, status, noAccountMessage, ticket] {
-                handleAccountStatus(status, *operation, noAccountMessage);
-                ticket->settle();
-            });
+    m_cloudContainer->accountStatus([this, operation, noAccountMessage, ticket = work->ask()](
+                                        AccountStatus status, const auto &error, const QString &reason) {
+        if (error) {
+            ticket->settle();
+            return;
+        }
+        Dispatch::main(this, [this, operation, status, reason, noAccountMessage, ticket] {
+            handleAccountStatus(status, reason, *operation, noAccountMessage);
+            ticket->settle();
         });
+    });
     return operation;
 }
 
-void TaskManager::handleAccountStatus(AccountStatus status, CloudOperation &operation,
+void TaskManager::handleAccountStatus(AccountStatus status, const QString &reason, CloudOperation &operation,
                                       const char *noAccountMessage)
 {
     const StatusWords words = wordsFor(status);
@@ -77,9 +84,39 @@ void TaskManager::handleAccountStatus(AccountStatus status, CloudOperation &oper
     if (words.message) {
         const bool ownWords = status == AccountStatus::NoAccount && noAccountMessage;
         setLastMessage(QLatin1String(ownWords ? noAccountMessage : words.message));
-        operation.clear();
+        operation.clear(reason);
     }
     m_notifications->post(QStringLiteral("update"));
+}
+
+// For an operation that does not wait. Its outcome is told when it is known.
+bool TaskManager::doInCloud(const std::function<bool(const std::shared_ptr<CloudWork> &work)> &operation)
+{
+    if (!m_cloudContainer)
+        return false;
+    const auto work = std::make_shared<CloudWork>();
+    const auto untilAllIsAsked = work->ask();
+    work->setOnDone([this, done = work.get()] {
+        Dispatch::main(this, [this, succeeded = !done->hasFailed(), cause = done->cause()] {
+            tellOutcome(succeeded, cause);
+        });
+    });
+    const bool flag = operation(work);
+    untilAllIsAsked->settle();
+    return flag;
+}
+
+void TaskManager::tellOutcome(bool succeeded, const QString &cause)
+{
+    if (!succeeded) {
+        Q_EMIT cloudFailed(cause);
+        return;
+    }
+    if (isFailure(m_lastMessage)) { // which is no longer true
+        setLastMessage({});
+        m_notifications->post(QStringLiteral("update"));
+    }
+    Q_EMIT cloudSucceeded();
 }
 
 bool TaskManager::addTaskToCloud(const QString &key, const QDateTime &date, const QString &name,
@@ -88,10 +125,9 @@ bool TaskManager::addTaskToCloud(const QString &key, const QDateTime &date, cons
                                  bool hidden, qint64 startHour, qint64 startMin, qint64 endHour,
                                  qint64 endMin, const QString &client, const QString &teamMember)
 {
-    return m_cloudContainer &&
-           addToCloud(makeTask(key, date, name, desc, color, due, status, priority, statusName, priorityName,
-                               hidden, startHour, startMin, endHour, endMin, client, teamMember),
-                      std::make_shared<CloudWork>());
+    const task t = makeTask(key, date, name, desc, color, due, status, priority, statusName, priorityName,
+                            hidden, startHour, startMin, endHour, endMin, client, teamMember);
+    return doInCloud([&](const auto &work) { return addToCloud(t, work); });
 }
 
 bool TaskManager::editTaskToCloud(const QString &key, const QDateTime &date, const QString &name,
@@ -101,10 +137,9 @@ bool TaskManager::editTaskToCloud(const QString &key, const QDateTime &date, con
                                   qint64 endHour, qint64 endMin, const QString &client,
                                   const QString &teamMember)
 {
-    return m_cloudContainer &&
-           editInCloud(makeTask(key, date, name, desc, color, due, status, priority, statusName, priorityName,
-                                hidden, startHour, startMin, endHour, endMin, client, teamMember),
-                       std::make_shared<CloudWork>());
+    const task t = makeTask(key, date, name, desc, color, due, status, priority, statusName, priorityName,
+                            hidden, startHour, startMin, endHour, endMin, client, teamMember);
+    return doInCloud([&](const auto &work) { return editInCloud(t, work); });
 }
 
 bool TaskManager::addToCloud(const task &t, const std::shared_ptr<CloudWork> &work)
@@ -121,7 +156,7 @@ bool TaskManager::editInCloud(const task &t, const std::shared_ptr<CloudWork> &w
     m_cloudContainer->privateCloudDatabase().performQuery(
         byKey(t.key), [this, t, operation, ticket = work->ask()](const auto &records, const auto &error) {
             if (error) {
-                operation->clear();
+                operation->clear(error->localizedDescription);
             } else if (operation->work().isAbandoned()) {
                 // Nobody is told any more whether it has worked.
             } else if (records.isEmpty()) {
@@ -144,11 +179,10 @@ void TaskManager::saveToCloud(const CloudRecord &record, const std::shared_ptr<C
     trace("Record:", record);
     m_cloudContainer->privateCloudDatabase().saveRecord(
         record, [this, operation, ticket = operation->work().ask()](const auto &, const auto &error) {
-            const bool failed = error.has_value();
-            Dispatch::main(this, [operation, ticket, failed] {
-                trace(failed ? "-CloudKit:Save Error-" : "-CloudKit:Save Success-");
-                if (failed)
-                    operation->clear();
+            Dispatch::main(this, [operation, ticket, error] {
+                trace(error ? "-CloudKit:Save Error-" : "-CloudKit:Save Success-");
+                if (error)
+                    operation->clear(error->localizedDescription);
                 ticket->settle();
             });
         });
@@ -156,29 +190,30 @@ void TaskManager::saveToCloud(const CloudRecord &record, const std::shared_ptr<C
 
 bool TaskManager::deleteTaskToCloud(const QString &key)
 {
-    return m_cloudContainer && deleteFromCloud(byKey(key), std::make_shared<CloudWork>());
+    return doInCloud([&](const auto &work) { return deleteFromCloud(byKey(key), work); });
 }
 
 bool TaskManager::deleteFromCloud(const RecordQuery &query, const std::shared_ptr<CloudWork> &work)
 {
     const std::shared_ptr<CloudOperation> operation = beginCloudOperation(work);
     CloudDatabase &database = m_cloudContainer->privateCloudDatabase();
-    database.performQuery(
-        query, [&database, operation, ticket = work->ask()](const auto &records, const auto &error) {
-            if (error || records.isEmpty())
-                operation->clear();
-            for (const CloudRecord &record : records) {
-                if (operation->work().isAbandoned())
-                    break;
-                database.deleteRecord(record.recordID(),
-                                      [operation, deletion = operation->work().ask()](const auto &failure) {
-                                          if (failure)
-                                              operation->clear();
-                                          deletion->settle();
-                                      });
-            }
-            ticket->settle();
-        });
+    const QString onNothing = query.predicate.key.isEmpty() ? noTasksInCloud() : QString();
+    database.performQuery(query, [&database, operation, onNothing, ticket = work->ask()](const auto &records,
+                                                                                         const auto &error) {
+        if (error || records.isEmpty())
+            operation->clear(error ? error->localizedDescription : onNothing);
+        for (const CloudRecord &record : records) {
+            if (operation->work().isAbandoned())
+                break;
+            database.deleteRecord(record.recordID(),
+                                  [operation, deletion = operation->work().ask()](const auto &failure) {
+                                      if (failure)
+                                          operation->clear(failure->localizedDescription);
+                                      deletion->settle();
+                                  });
+        }
+        ticket->settle();
+    });
     return operation->flag();
 }
 

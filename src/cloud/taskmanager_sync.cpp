@@ -51,7 +51,7 @@ bool TaskManager::syncToLocalFromCloud()
     m_cloudContainer->privateCloudDatabase().performQuery(
         allTasks(), [this, operation, ticket = work->ask()](const auto &records, const auto &error) {
             if (error || records.isEmpty()) {
-                operation->clear();
+                operation->clear(error ? error->localizedDescription : noTasksInCloud());
                 ticket->settle();
                 return;
             }
@@ -78,7 +78,10 @@ bool TaskManager::hasSucceeded(CloudWork &work)
     });
     if (--m_cloudWaits == 0)
         Q_EMIT cloudWaitEnded();
-    return answered && !work.hasFailed();
+    const bool succeeded = answered && !work.hasFailed();
+    const QString cause = work.cause();
+    tellOutcome(succeeded, cause.isEmpty() ? tr("The cloud does not answer.") : cause);
+    return succeeded;
 }
 
 } // namespace oblino

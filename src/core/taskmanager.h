@@ -236,6 +236,11 @@ Q_SIGNALS:
     /// @param percent  how much of what has been asked for so far is answered
     void cloudProgressed(int percent);
     void cloudWaitEnded();
+    /// An operation on the cloud copy has failed.
+    /// @param cause  why, a sentence for the user; empty where only the records were missing
+    void cloudFailed(const QString &cause);
+    /// An operation on the cloud copy has done all that it was to do.
+    void cloudSucceeded();
 
 private:
     [[nodiscard]] QList<task> &selectedList() { return m_isSearching ? m_backupTasks : m_tasks; }
@@ -245,7 +250,11 @@ private:
 
     [[nodiscard]] std::shared_ptr<CloudOperation> beginCloudOperation(const std::shared_ptr<CloudWork> &work,
                                                                       const char *noAccountMessage = nullptr);
-    void handleAccountStatus(AccountStatus status, CloudOperation &operation, const char *noAccountMessage);
+    void handleAccountStatus(AccountStatus status, const QString &reason, CloudOperation &operation,
+                             const char *noAccountMessage);
+    [[nodiscard]] bool
+    doInCloud(const std::function<bool(const std::shared_ptr<CloudWork> &work)> &operation);
+    void tellOutcome(bool succeeded, const QString &cause);
     [[nodiscard]] bool addToCloud(const task &t, const std::shared_ptr<CloudWork> &work);
     [[nodiscard]] bool editInCloud(const task &t, const std::shared_ptr<CloudWork> &work);
     void saveToCloud(const CloudRecord &record, const std::shared_ptr<CloudOperation> &operation);

@@ -7,8 +7,10 @@
 
 #include <QRegularExpression>
 #include <QSet>
+#include <QSignalSpy>
 #include <QTimer>
 
+#include <functional>
 #include <limits>
 
 using namespace oblino;
@@ -268,6 +270,55 @@ private Q_SLOTS:
         QVERIFY(cloud.told.contains("update"));
         QCOMPARE(cloud.store.syncToLocalFromCloud(), downMessage.isEmpty());
         QVERIFY(succeeded || cloud.store.lastMessage() == downMessage);
+    }
+
+    void saysWhyItHasFailedUntilItWorks_data()
+    {
+        using Operation = std::function<void(TaskManager &)>;
+        const Table<Request, Fate, Operation, QString> row;
+        const Operation send = [](TaskManager &store) { (void)store.syncToCloudFromLocal(); };
+        const Operation merge = [](TaskManager &store) { (void)store.syncToLocalFromCloud(); };
+        const Operation erase = [](TaskManager &store) { (void)store.deleteAllTasksToCloud(); };
+        const Operation remove = [](TaskManager &store) { (void)store.deleteTaskToCloud(u"A"_s); };
+        const QString silence = u"The cloud does not answer."_s;
+        row("a save fails", Request::Save, Fate::Fail, send, u"scripted"_s);
+        row("a query fails", Request::Query, Fate::Fail, merge, u"scripted"_s);
+        row("a deletion fails", Request::Delete, Fate::Fail, erase, u"scripted"_s);
+        row("a deletion fails for which nobody waits", Request::Delete, Fate::Fail, remove, u"scripted"_s);
+        row("no answer", Request::Query, Fate::Hold, merge, silence);
+        row("an answer is lost", Request::Query, Fate::Drop, merge, silence);
+    }
+    void saysWhyItHasFailedUntilItWorks()
+    {
+        const auto [request, fate, operation, cause] =
+            Table<Request, Fate, std::function<void(TaskManager &)>, QString>::cells();
+        Cloud cloud(300ms);
+        const QSignalSpy failures(&cloud.store, &TaskManager::cloudFailed);
+        const QSignalSpy successes(&cloud.store, &TaskManager::cloudSucceeded);
+        cloud.put({named("A")});
+        cloud.store.setTasks({named("A")});
+        cloud.container.setFate(request, fate);
+        operation(cloud.store);
+        QTRY_COMPARE(failures.size(), 1);
+        QCOMPARE(failures.first().first().toString(), cause);
+        QCOMPARE(successes.size(), 0);
+        cloud.container.setFate(request, Fate::Pass);
+        cloud.store.setLastMessage(u"-iCloud:Cannot Login (Unknown)-"_s);
+        operation(cloud.store);
+        QTRY_COMPARE(successes.size(), 1);
+        QCOMPARE(failures.size(), 1);
+        QVERIFY(!cloud.store.lastMessage().contains(u"Cannot Login"_s));
+    }
+
+    void hasNothingToSayOfATaskThatWasNeverThere()
+    {
+        Cloud cloud;
+        const QSignalSpy failures(&cloud.store, &TaskManager::cloudFailed);
+        QVERIFY(cloud.store.deleteTaskToCloud(u"A"_s));
+        QTRY_COMPARE(failures.size(), 1);
+        QCOMPARE(failures.first().first().toString(), QString());
+        QVERIFY(!cloud.store.deleteAllTasksToCloud());
+        QCOMPARE(failures.value(1).value(0).toString(), u"There are no tasks in the cloud."_s);
     }
 
     void tracesEachOperation()

@@ -242,7 +242,8 @@ private Q_SLOTS:
         };
         CloudContainer &container = desktop.session->container();
         const QByteArray traces = tracesOf([&, remember = remember] {
-            QCOMPARE(outcome(u"wrong"_s), u"The server refused the user name or the password."_s);
+            QCOMPARE(outcome(u"wrong"_s),
+                     u"Wrong password: the server refused the user name or the password."_s);
             QCOMPARE(outcome(place.password), u"The server can be used: sign-in and rights are in order."_s);
             QCOMPARE(desktop.accounts.load(), CloudAccount{});
             desktop.find<QCheckBox>("rememberBox").setChecked(remember);
@@ -275,6 +276,41 @@ private Q_SLOTS:
         desktop.enter("userField", u"bob"_s);
         QTRY_COMPARE_WITH_TIMEOUT(guest->state(), QAbstractSocket::UnconnectedState, 3'000);
         QVERIFY(!desktop.isTesting() && !desktop.find("testResult").isVisible());
+    }
+
+    void asksAgainForAPasswordThatTheServerRefuses()
+    {
+        if (!PostgresServer::isInstalled())
+            QSKIP("PostgreSQL is not installed.");
+        PostgresServer server;
+        const RecordPlace place = server.newPlace();
+        Desktop desktop(place.account);
+        desktop.openWindow();
+        const QString words = u"Wrong password: the server refused the user name or the password."_s;
+        for (const QString &password : {u"wrong"_s, QString()}) {
+            desktop.session->setPassword(password, true);
+            desktop.keyring.answer();
+            QVERIFY(!desktop.session->needsPassword());
+            const QString why = save(desktop.session->container(), note(u"one"_s));
+            QCOMPARE(why, password.isEmpty() ? u"The server asks for a password."_s : words);
+            QTRY_VERIFY(desktop.session->needsPassword());
+        }
+        QString asked;
+        bool isRemembered = true;
+        QTimer::singleShot(0, qApp, [&] {
+            const QWidget *prompt = QApplication::activeModalWidget();
+            asked = prompt->findChild<QLabel *>(u"accountLabel"_s)->text();
+            prompt->findChild<QLineEdit *>()->setText(place.password);
+            isRemembered = prompt->findChild<QCheckBox *>()->isChecked();
+            prompt->findChild<QCheckBox *>()->setChecked(false);
+            QTest::keyClick(prompt->findChild<QLineEdit *>(), Qt::Key_Return);
+        });
+        QVERIFY(ensurePassword(*desktop.session, desktop.window.get()));
+        QVERIFY2(asked.startsWith(u"The server refused the password that was used."_s), qPrintable(asked));
+        QVERIFY(isRemembered); // as the one before was
+        QCOMPARE(save(desktop.session->container(), note(u"one"_s)), u""_s);
+        desktop.keyring.answer();
+        QVERIFY(!desktop.keyring.passwords.values().contains(QString())); // the refused one
     }
 
     void asksForThePasswordOnceARun_data()

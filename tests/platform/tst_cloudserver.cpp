@@ -41,7 +41,7 @@ private Q_SLOTS:
         const Table<bool, QString, QString, AccountStatus, QString> row;
         row("all is well", true, password, nothing, AccountStatus::Available, {});
         row("wrong password", true, u"secret"_s, nothing, AccountStatus::NoAccount,
-            u"The server refused the user name or the password."_s);
+            u"Wrong password: the server refused the user name or the password."_s);
         row("no such database", true, password, nothing, AccountStatus::CouldNotDetermine,
             u"The server has no database named n'one."_s);
         row("no right to connect", false, password, u"REVOKE CONNECT ON DATABASE \"%1\" FROM PUBLIC"_s,

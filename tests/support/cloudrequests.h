@@ -81,8 +81,8 @@ find(CloudContainer &container, const RecordPredicate &predicate = {}, const Rec
 
 [[nodiscard]] inline AccountStatus statusOf(CloudContainer &container)
 {
-    return std::get<0>(
-        answerTo<AccountStatus, CloudFailure>([&](auto handler) { container.accountStatus(handler); }));
+    return std::get<0>(answerTo<AccountStatus, CloudFailure, QString>(
+        [&](auto handler) { container.accountStatus(handler); }));
 }
 
 [[nodiscard]] inline QString namesOf(const QList<CloudRecord> &records)

@@ -51,8 +51,11 @@ public:
     {
         decide(
             Request::Status,
-            [=, this] { m_inner.accountStatus([=, this](auto, const auto &) { handler(status, {}); }); },
-            [=, this](const CloudError &error) { handler(status, error); });
+            [=, this] {
+                m_inner.accountStatus(
+                    [=, this](auto, const auto &, const auto &) { handler(status, {}, {}); });
+            },
+            [=, this](const CloudError &error) { handler(status, error, {}); });
     }
     void discoverUserIdentity(const QString &phoneNumber, IdentityHandler handler) override
     {
@@ -93,7 +96,7 @@ private:
         else if (fate == Fate::Hold)
             m_held.push_back(pass);
         else if (fate == Fate::Fail) // on a thread of the service
-            m_inner.accountStatus([refuse](auto, const auto &) {
+            m_inner.accountStatus([refuse](auto, const auto &, const auto &) {
                 refuse({CloudError::Code::Other, QStringLiteral("scripted")});
             });
     }

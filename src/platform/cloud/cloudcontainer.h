@@ -61,7 +61,9 @@ public:
 class CloudContainer
 {
 public:
-    using StatusHandler = std::function<void(AccountStatus status, const std::optional<CloudError> &error)>;
+    /// @param reason  why the account cannot be used, a sentence for the user; empty where it can
+    using StatusHandler = std::function<void(AccountStatus status, const std::optional<CloudError> &error,
+                                             const QString &reason)>;
     using IdentityHandler = std::function<void(const std::optional<UserIdentity> &identity,
                                                const std::optional<CloudError> &error)>;
 

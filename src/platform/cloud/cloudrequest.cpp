@@ -45,7 +45,7 @@ void answerWith(const ZoneRequest &request, const Error &error)
 // What keeps the account from being used is its status, not a failure to tell it.
 void answerWith(const StatusRequest &request, const Error &error)
 {
-    request.handler(statusOf(error), std::nullopt);
+    request.handler(statusOf(error), std::nullopt, error ? error->localizedDescription : QString());
 }
 
 void answerWith(const DiscoveryRequest &request, const Error &error)

@@ -1,5 +1,7 @@
 #include <platform/cloud/cloudsession.h>
 
+#include <platform/dispatch.h>
+
 #include <QPointer>
 
 #include <utility>
@@ -27,6 +29,8 @@ CloudSession::CloudSession(CloudAccounts accounts, QString recordFile, PasswordS
     , m_account(m_accounts.load())
     , m_container(place(m_account, {}), types)
 {
+    m_container.setOnLoginRefused(
+        [this](const RecordPlace &used) { Dispatch::main(this, [this, used] { forgetRefused(used); }); });
     if (m_account.isRemote())
         readPassword();
 }
@@ -72,6 +76,7 @@ void CloudSession::startWithoutPassword(bool remembered)
 {
     ++m_question;
     m_password.reset();
+    m_wasRefused = false;
     if (m_isRemembered && !remembered)
         forget();
     m_isRemembered = false;
@@ -99,7 +104,18 @@ void CloudSession::readPassword()
 void CloudSession::usePassword(const QString &password)
 {
     m_password = password;
+    m_wasRefused = false;
     m_container.setPlace(place(m_account, password));
+    Q_EMIT passwordChanged();
+}
+
+// The keyring's stays until the user has typed another, and said whether that is to be kept.
+void CloudSession::forgetRefused(const RecordPlace &used)
+{
+    if (used.account != m_account || m_password != used.password)
+        return;
+    m_password.reset();
+    m_wasRefused = true;
     Q_EMIT passwordChanged();
 }
 

@@ -11,7 +11,7 @@
 namespace oblino {
 
 /// The cloud container of this desktop's account, with the account's password: out of the keyring, or asked
-/// for once and then in memory only.
+/// for once and then in memory only. A password that the server refuses is needed anew.
 class CloudSession : public QObject
 {
     Q_OBJECT
@@ -33,6 +33,8 @@ public:
     [[nodiscard]] bool needsPassword() const { return m_account.isRemote() && !m_password; }
     /// The password of the account, where it is known.
     [[nodiscard]] const std::optional<QString> &password() const { return m_password; }
+    /// Whether the last password was forgotten because the server refused it.
+    [[nodiscard]] bool wasRefused() const { return m_wasRefused; }
     /// Whether the keyring has the password.
     [[nodiscard]] bool isRemembered() const { return m_isRemembered; }
     /// False once it has turned out that there is no keyring.
@@ -60,6 +62,7 @@ private:
     void startWithoutPassword(bool remembered);
     void readPassword();
     void usePassword(const QString &password);
+    void forgetRefused(const RecordPlace &used);
     void remember(const QString &password);
     void forget();
 
@@ -69,6 +72,7 @@ private:
     QList<const RecordType *> m_types;
     CloudAccount m_account;
     std::optional<QString> m_password;
+    bool m_wasRefused = false;
     bool m_isRemembered = false;
     bool m_canRemember = true;
     bool m_isInUse = false;

@@ -26,6 +26,7 @@ std::optional<PostgresLibrary> loaded()
         resolve(library, pq.connectPoll, "PQconnectPoll") && resolve(library, pq.status, "PQstatus") &&
         resolve(library, pq.socket, "PQsocket") && resolve(library, pq.errorMessage, "PQerrorMessage") &&
         resolve(library, pq.setErrorVerbosity, "PQsetErrorVerbosity") &&
+        resolve(library, pq.needsPassword, "PQconnectionNeedsPassword") &&
         resolve(library, pq.finish, "PQfinish");
     return complete ? std::optional(pq) : std::nullopt;
 }

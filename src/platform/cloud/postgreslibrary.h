@@ -14,6 +14,7 @@ struct PostgresLibrary
     decltype(&PQsocket) socket = nullptr;
     decltype(&PQerrorMessage) errorMessage = nullptr;
     decltype(&PQsetErrorVerbosity) setErrorVerbosity = nullptr;
+    decltype(&PQconnectionNeedsPassword) needsPassword = nullptr;
     decltype(&PQfinish) finish = nullptr;
 
     /// Null where the library cannot be loaded. Safe to call from any thread.

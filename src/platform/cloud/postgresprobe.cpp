@@ -95,7 +95,10 @@ CloudError errorOf(const CloudAccount &account, const QString &message)
     const QString state = match.captured(1);
     switch (codeOfState(state)) {
     case CloudError::Code::LoginRefused:
-        return {CloudError::Code::LoginRefused, words("The server refused the user name or the password.")};
+        return {CloudError::Code::LoginRefused,
+                state == QLatin1String("28P01")
+                    ? words("Wrong password: the server refused the user name or the password.")
+                    : words("The server refused the sign-in: %1").arg(match.captured(2))};
     case CloudError::Code::RightsRefused:
         return {CloudError::Code::RightsRefused,
                 words("The user has no right to use the database %1.").arg(account.database)};
@@ -142,6 +145,8 @@ std::optional<CloudError> probePostgres(const CloudAccount &account, const QStri
     case PGRES_POLLING_OK:
         return std::nullopt;
     case PGRES_POLLING_FAILED:
+        if (pq->needsPassword(connection.get()))
+            return CloudError{CloudError::Code::LoginRefused, words("The server asks for a password.")};
         return errorOf(account, QString::fromUtf8(pq->errorMessage(connection.get())));
     default:
         return unreachable(account, words("It does not answer."));

@@ -258,7 +258,7 @@ RecordStore::Error RecordStore::errorOf(const QSqlError &error)
     return CloudError{isLocked   ? CloudError::Code::Unreachable
                       : isRemote ? codeOfState(state)
                                  : CloudError::Code::Other,
-                      text.simplified()};
+                      isRemote ? text.simplified() : m_place.file + QLatin1String(": ") + text.simplified()};
 }
 
 qint64 RecordStore::nextCreated()

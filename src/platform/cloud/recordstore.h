@@ -45,6 +45,7 @@ public:
     [[nodiscard]] Error open();
     void close();
     [[nodiscard]] bool isOpen() const;
+    [[nodiscard]] const RecordPlace &place() const { return m_place; }
     /// A copy of the descriptor of the connection to a server, which is the caller's; -1 without one.
     [[nodiscard]] int duplicateSocket() const;
 

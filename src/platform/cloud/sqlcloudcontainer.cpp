@@ -43,6 +43,7 @@ struct SqlCloudContainer::Service
     [[nodiscard]] RecordPlace settleIn();
     void carryOutWaiting(RecordStore &store, RequestBatch &batch);
     void carryOut(std::vector<CloudRequest> &requests, RecordStore &store, RequestBatch &batch);
+    void tellRefused(const CloudError &error, const RecordPlace &used);
     [[nodiscard]] bool waitForWork();
 
     std::mutex mutex;
@@ -53,6 +54,7 @@ struct SqlCloudContainer::Service
     bool isElsewhere = false; // the place, or its password, has changed since it was opened
     bool hasMoved = false;    // the place itself, and what the thread asks for is meant for the one before
     std::thread::id thread = {};
+    std::function<void(const RecordPlace &used)> onLoginRefused = [](const RecordPlace &) {};
     bool isWorking = false;
     bool hasEnded = false;
     std::atomic<bool> ends = false;
@@ -191,13 +193,23 @@ void SqlCloudContainer::Service::carryOut(std::vector<CloudRequest> &requests, R
         const std::optional<CloudError> unopened = store.open();
         for (CloudRequest &request : requests)
             request.error = unopened;
-        if (unopened)
+        if (unopened) {
+            tellRefused(*unopened, store.place());
             return;
+        }
         deadline.begin(store.duplicateSocket());
         batch.carryOut(requests);
         if (deadline.end() || store.isOpen() || !mayBeStale)
             return;
     }
+}
+
+// Under the lock, so that nobody is told any more once the container has gone.
+void SqlCloudContainer::Service::tellRefused(const CloudError &error, const RecordPlace &used)
+{
+    const std::lock_guard lock(mutex);
+    if (error.code == CloudError::Code::LoginRefused && !ends)
+        onLoginRefused(used);
 }
 
 SqlCloudContainer::SqlCloudContainer(const RecordPlace &place, const QList<const RecordType *> &types,
@@ -227,6 +239,12 @@ SqlCloudContainer::~SqlCloudContainer()
 void SqlCloudContainer::setPlace(const RecordPlace &place)
 {
     m_service->move(place);
+}
+
+void SqlCloudContainer::setOnLoginRefused(std::function<void(const RecordPlace &used)> onLoginRefused)
+{
+    const std::lock_guard lock(m_service->mutex);
+    m_service->onLoginRefused = std::move(onLoginRefused);
 }
 
 QString SqlCloudContainer::description() const

@@ -7,6 +7,7 @@
 
 #include <atomic>
 #include <chrono>
+#include <functional>
 #include <map>
 #include <memory>
 
@@ -32,6 +33,10 @@ public:
     /// earlier ones make, are answered with an error; none of them reaches that place. They go on where only
     /// the password is another.
     void setPlace(const RecordPlace &place);
+
+    /// Sets what is told when a server refuses to sign in, with the place and the password that were used;
+    /// called on the thread of the service, before the requests are answered, and must not call back.
+    void setOnLoginRefused(std::function<void(const RecordPlace &used)> onLoginRefused);
 
     [[nodiscard]] QString description() const override;
     [[nodiscard]] CloudDatabase &database(DatabaseScope scope) override;

@@ -17,9 +17,13 @@ PasswordPrompt::PasswordPrompt(CloudSession &session, QWidget *parent)
     m_ui->buttons->addButton(tr("OK"), QDialogButtonBox::AcceptRole)->setDefault(true);
     m_ui->buttons->addButton(tr("Cancel"), QDialogButtonBox::RejectRole);
     const CloudAccount &account = session.account();
-    m_ui->accountLabel->setText(tr("The cloud records of %1 on %2 need a password.\n"
-                                   "Leave it empty if the server asks for none.")
-                                    .arg(account.user, account.host));
+    const QString words = tr("The cloud records of %1 on %2 need a password.\n"
+                             "Leave it empty if the server asks for none.")
+                              .arg(account.user, account.host);
+    m_ui->accountLabel->setText(session.wasRefused() ? tr("The server refused the password that was used.") +
+                                                           QLatin1Char('\n') + words
+                                                     : words);
+    m_ui->rememberBox->setChecked(session.isRemembered());
     connect(m_ui->buttons, &QDialogButtonBox::accepted, this, &PasswordPrompt::accept);
     connect(m_ui->buttons, &QDialogButtonBox::rejected, this, &PasswordPrompt::reject);
     connect(&session, &CloudSession::passwordChanged, this, &PasswordPrompt::followSession);
