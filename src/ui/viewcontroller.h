@@ -173,6 +173,7 @@ private:
     void holdCommands();
     void releaseCommands();
     void showCloudProgress(int percent);
+    void showCloudCause(const QString &cause);
     void showNotices();
     void showChangedList(const QString &selectedKey);
     [[nodiscard]] bool isFormOpen() const;

@@ -78,4 +78,21 @@ void ViewController::showCloudProgress(int percent)
     statusMessage->setText(tr("%1: %2 %").arg(m_waitingFor).arg(percent));
 }
 
+// Beside the last message, whose words are those of the account's status alone.
+void ViewController::showCloudCause(const QString &cause)
+{
+    auto *label = findChild<QLabel *>(QStringLiteral("cloudCauseLabel"));
+    if (!label) {
+        label = new QLabel(this);
+        label->setObjectName(QStringLiteral("cloudCauseLabel"));
+        label->setAccessibleName(tr("Why the cloud failed"));
+        label->setTextFormat(Qt::PlainText); // words of a server
+        label->setTextInteractionFlags(Qt::TextSelectableByMouse);
+        label->setWordWrap(true);
+        m_ui->statusBar->insertWidget(1, label, 1);
+    }
+    label->setText(cause);
+    label->setVisible(!cause.isEmpty());
+}
+
 } // namespace oblino

@@ -161,6 +161,8 @@ void ViewController::connectCommands()
     connect(&m_store, &TaskManager::cloudWaitBegan, this, &ViewController::holdCommands);
     connect(&m_store, &TaskManager::cloudProgressed, this, &ViewController::showCloudProgress);
     connect(&m_store, &TaskManager::cloudWaitEnded, this, &ViewController::releaseCommands);
+    connect(&m_store, &TaskManager::cloudFailed, this, &ViewController::showCloudCause);
+    connect(&m_store, &TaskManager::cloudSucceeded, this, [this] { showCloudCause({}); });
     connect(viewSelection, &QComboBox::currentIndexChanged, this, &ViewController::ChangeView);
     connect(searchField, &QLineEdit::textChanged, this, &ViewController::search);
     connect(searchField, &SearchField::left, tblView, [this] {

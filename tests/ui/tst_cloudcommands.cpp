@@ -33,13 +33,20 @@ public:
     {
         return *window->findChild<QAction *>(QLatin1String(name));
     }
+    /// Why the cloud has failed, as the status line shows it.
+    [[nodiscard]] QString cause() const
+    {
+        const auto *label = window->findChild<QLabel *>(u"cloudCauseLabel"_s);
+        return label && label->isVisible() ? label->text() : QString();
+    }
     [[nodiscard]] QString lastAsked() const
     {
         return questions.asked.value(questions.asked.size() - 1).informativeText;
     }
 
     ScriptedContainer container{service};
-    SqlCloudContainer service{{home.path(u"private/Cloud.sqlite"_s)}, {}};
+    const QString file = home.path(u"private/Cloud.sqlite"_s);
+    SqlCloudContainer service{{file}, {}};
 };
 
 } // namespace
@@ -76,6 +83,35 @@ private Q_SLOTS:
         QCOMPARE(main.lastAsked(), u"Sync from iCloud succesfully!"_s);
         QCOMPARE(main.saved(), u"apple pear"_s);
         QCOMPARE(main.status(), u"-iCloud:Update Complete!-"_s);
+    }
+
+    void saysWhyTheCloudFailsUntilItWorks()
+    {
+        CloudWindow main;
+        const auto open = [&main](CloudContainer &container) {
+            main.store.setCloud(&container, &main.notifications);
+        };
+        open(main.service); // whose status nobody has scripted
+        QVERIFY(QDir().mkpath(main.home.privateFolder()));
+        TemporaryHome::write(main.file, "Not at all");
+        main.command("updateToCloudAction");
+        QCOMPARE(main.lastAsked(), u"Error sync to iCloud!"_s);
+        QCOMPARE(main.status(), u"-iCloud:Cannot Login (Unknown)-"_s);
+        QCOMPARE(main.cause(), main.file + u": file is not a database"_s);
+        QCOMPARE(TemporaryHome::content(main.file), "Not at all");
+
+        SqlCloudContainer fresh({main.home.path(u"private/Fresh.sqlite"_s)}, {});
+        open(fresh);
+        main.command("updateFromCloudAction");
+        QCOMPARE(main.cause(), u"There are no tasks in the cloud."_s);
+        main.command("updateToCloudAction");
+        QCOMPARE(main.lastAsked(), u"Sync to iCloud succesfully!"_s);
+        QCOMPARE(main.status(), QString());
+        QCOMPARE(main.cause(), QString());
+        open(main.service);
+        main.clickRow(u"apple"_s);
+        main.command("deleteAction");
+        QTRY_COMPARE(main.cause(), main.file + u": file is not a database"_s);
     }
 
     void deletesTheRecordWithTheTask()
