@@ -60,7 +60,10 @@ private Q_SLOTS:
         if (words.contains(u"no database"_s))
             m_place.account.database = u"n'one"_s;
         const auto container = newContainer();
-        QCOMPARE(statusOf(*container), status);
+        const auto [found, error, reason] = answerTo<AccountStatus, CloudFailure, QString>(
+            [&](auto handler) { container->accountStatus(handler); });
+        QCOMPARE(found, status);
+        QVERIFY2(reason.contains(words) && reason.isEmpty() == words.isEmpty(), qPrintable(reason));
         const QString why = save(*container, note(u"two"_s));
         QVERIFY2(why.contains(words) && why.isEmpty() == words.isEmpty(), qPrintable(why));
     }

@@ -46,6 +46,13 @@ ContactWindow::~ContactWindow()
         (void)managedObjectContext->save(0ms);
 }
 
+// Whoever listens may be half gone with the windows.
+void ContactWindow::saveAtEnd()
+{
+    blockSignals(true);
+    hide();
+}
+
 void ContactWindow::openStore(const Outlets &outlets, const FetchRequest &request, const Names &names)
 {
     m_outlets = outlets;

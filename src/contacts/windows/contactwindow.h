@@ -73,6 +73,9 @@ protected:
     /// Opens the container and shows the objects of the entity.
     void openStore(const Outlets &outlets, const FetchRequest &request, const Names &names);
 
+    /// For destructors: has the window go away as it does otherwise, and tells nobody any more.
+    void saveAtEnd();
+
     void addContact();
     void removeContacts();
 

@@ -17,7 +17,7 @@ ViewControllerClientMgmt::ViewControllerClientMgmt(const QString &folder, QWidge
 
 ViewControllerClientMgmt::~ViewControllerClientMgmt()
 {
-    hide(); // which saves
+    saveAtEnd();
 }
 
 void ViewControllerClientMgmt::loadView()

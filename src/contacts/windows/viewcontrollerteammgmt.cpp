@@ -16,7 +16,7 @@ ViewControllerTeamMgmt::ViewControllerTeamMgmt(const QString &folder, QWidget *p
 
 ViewControllerTeamMgmt::~ViewControllerTeamMgmt()
 {
-    hide(); // which saves
+    saveAtEnd();
 }
 
 void ViewControllerTeamMgmt::viewDidLoad()
