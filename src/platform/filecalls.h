@@ -2,6 +2,9 @@
 
 #include <QByteArray>
 
+#include <functional>
+#include <utility>
+
 #include <sys/stat.h>
 #include <sys/types.h>
 
@@ -33,8 +36,19 @@ public:
     virtual int mkdir(const QByteArray &path, mode_t mode);
     virtual int rmdir(const QByteArray &path);
 
+    /// Sets what is called each time some bytes of a file have gone in or out, on the thread that moved them.
+    void setProgressHandler(std::function<void()> handler) { m_progressHandler = std::move(handler); }
+    void tellProgress() const
+    {
+        if (m_progressHandler)
+            m_progressHandler();
+    }
+
     /// The calls of this machine.
     static FileCalls &posix();
+
+private:
+    std::function<void()> m_progressHandler;
 };
 
 } // namespace oblino

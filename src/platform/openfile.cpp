@@ -140,23 +140,32 @@ int OpenFile::expect(const QByteArray &bytes)
             return done == bytes.size() ? 0 : changed;
         if (!QByteArrayView(bytes).sliced(done).startsWith(QByteArrayView(read).first(count)))
             return changed;
+        m_calls.tellProgress();
         done += count;
     }
 }
 
-int OpenFile::writeAll(const QByteArray &bytes, off_t offset)
+int OpenFile::writeAll(const QByteArray &bytes)
 {
+    constexpr qsizetype mostAtOnce = qsizetype{1} << 22;
+    constexpr qsizetype mostUnsynced = qsizetype{1} << 24;
     qsizetype done = 0;
+    qsizetype synced = 0;
     while (done < bytes.size()) {
-        const ssize_t count = uninterrupted([&] {
-            return m_calls.pwrite(m_fd, bytes.constData() + done, static_cast<size_t>(bytes.size() - done),
-                                  offset + done);
-        });
+        const qsizetype size = std::min(mostAtOnce, bytes.size() - done);
+        const ssize_t count = uninterrupted(
+            [&] { return m_calls.pwrite(m_fd, bytes.constData() + done, static_cast<size_t>(size), done); });
         if (count == -1)
             return errno;
         if (count == 0)
             return ENOSPC;
+        m_calls.tellProgress();
         done += count;
+        if (done - synced < mostUnsynced)
+            continue;
+        if (const int error = sync(); error != 0)
+            return error;
+        synced = done;
     }
     return 0;
 }
@@ -168,7 +177,9 @@ int OpenFile::resize(off_t size)
 
 int OpenFile::sync()
 {
-    return outcome([&] { return m_calls.fsync(m_fd); });
+    const int error = outcome([&] { return m_calls.fsync(m_fd); });
+    m_calls.tellProgress();
+    return error;
 }
 
 int OpenFile::reserve(off_t size)

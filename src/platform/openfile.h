@@ -40,7 +40,9 @@ public:
     [[nodiscard]] int readAll(QByteArray &bytes);
     /// Reads whether the file holds `bytes` and nothing else; `changed` where it does not.
     [[nodiscard]] int expect(const QByteArray &bytes);
-    [[nodiscard]] int writeAll(const QByteArray &bytes, off_t offset = 0);
+    /// Writes `bytes` from the start. Of many, parts are seen on disk meanwhile, so that FileCalls'
+    /// progress handler is never left without a call for long.
+    [[nodiscard]] int writeAll(const QByteArray &bytes);
     [[nodiscard]] int resize(off_t size);
     [[nodiscard]] int sync();
 

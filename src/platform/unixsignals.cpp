@@ -13,15 +13,17 @@ namespace oblino {
 namespace {
 
 constexpr std::array endingSignals = {SIGTERM, SIGINT, SIGHUP};
-constexpr unsigned secondsToEnd = 3;
 
-std::atomic<int> writeEnd = -1; // lock-free, as a signal handler needs it
+// Lock-free, as a signal handler needs them.
+std::atomic<int> writeEnd = -1;
+std::atomic<unsigned> timeToEnd = 0; // seconds
+std::atomic<bool> isEnding = false;
 
 void handle(int)
 {
     const int before = errno;
-    if (const unsigned left = ::alarm(secondsToEnd); left > 0)
-        ::alarm(left); // the first signal counts
+    if (!isEnding.exchange(true)) // the first signal counts
+        ::alarm(timeToEnd.load());
     const char byte = 0;
     if (::write(writeEnd.load(), &byte, 1) < 0) {
         // The pipe is full: the event loop knows already.
@@ -39,13 +41,15 @@ void setHandler(int number, void (*handler)(int))
 
 } // namespace
 
-UnixSignals::UnixSignals(QObject *parent)
+UnixSignals::UnixSignals(QObject *parent, unsigned secondsToEnd)
     : QObject(parent)
     , m_notifier(QSocketNotifier::Read)
 {
     if (::pipe2(m_ends, O_CLOEXEC | O_NONBLOCK) != 0)
         return;
     writeEnd = m_ends[1];
+    timeToEnd = secondsToEnd;
+    isEnding = false;
     m_notifier.setSocket(m_ends[0]);
     connect(&m_notifier, &QSocketNotifier::activated, this, &UnixSignals::take);
     for (const int number : endingSignals)
@@ -56,6 +60,12 @@ UnixSignals::UnixSignals(QObject *parent)
 void UnixSignals::listen()
 {
     m_notifier.setEnabled(m_notifier.isValid());
+}
+
+void UnixSignals::extendTime()
+{
+    if (isEnding.load())
+        ::alarm(timeToEnd.load());
 }
 
 UnixSignals::~UnixSignals()

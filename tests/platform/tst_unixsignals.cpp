@@ -1,14 +1,46 @@
+#include <support/place.h>
 #include <support/testmain.h>
 
 #include <platform/unixsignals.h>
 
 #include <QSignalSpy>
 
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
 
 using namespace oblino;
+
+namespace {
+
+/// A disk that takes few bytes at once, and its time for them.
+class SlowFileCalls : public FileCalls
+{
+public:
+    ssize_t pwrite(int fd, const char *data, size_t size, off_t offset) override
+    {
+        ::usleep(60'000);
+        return FileCalls::pwrite(fd, data, std::min<size_t>(size, 100), offset);
+    }
+};
+
+/// Starts a process that is told to end, has a second for that, and needs longer for a save.
+pid_t startSlowSave(const Place &place, const QByteArray &text, bool tellsProgress)
+{
+    const pid_t child = ::fork();
+    if (child != 0)
+        return child;
+    const UnixSignals ending(nullptr, 1);
+    SlowFileCalls calls;
+    if (tellsProgress)
+        calls.setProgressHandler(&UnixSignals::extendTime);
+    SafeFile file(place.path, place.privateFolder, calls);
+    ::raise(SIGTERM);
+    ::_exit(file.write(text).written ? 0 : 1);
+}
+
+} // namespace
 
 class tst_unixsignals : public QObject
 {
@@ -28,6 +60,28 @@ private Q_SLOTS:
             ending.listen();
             QTRY_COMPARE(asked.size(), 1);
         }
+    }
+
+    void letsASaveEndWhileBytesGoOut()
+    {
+        const QByteArray text(1000, 'x'); // 1.2 s, with the journal
+        const Place hurried;
+        const Place patient;
+        const pid_t stopped = startSlowSave(hurried, text, false);
+        const pid_t saving = startSlowSave(patient, text, true);
+        int status = 0;
+        QCOMPARE(::waitpid(stopped, &status, 0), stopped);
+        QVERIFY(WIFSIGNALED(status) && WTERMSIG(status) == SIGALRM);
+        QCOMPARE(::waitpid(saving, &status, 0), saving);
+        QVERIFY(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+        QCOMPARE(contentOf(patient.path), text);
+    }
+
+    void givesNoTermUnasked()
+    {
+        const UnixSignals ending;
+        UnixSignals::extendTime();
+        QCOMPARE(::alarm(0), 0U);
     }
 };
 
