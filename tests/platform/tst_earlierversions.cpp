@@ -190,6 +190,25 @@ private Q_SLOTS:
         QCOMPARE(left, (QByteArrayList{"daily0", "daily29", "daily30", "aside40", "rescued50", "rescued51"}));
     }
 
+    void erasingDestroysWhatWasRescuedToo()
+    {
+        const Folders place;
+        qputenv("XDG_STATE_HOME", QFile::encodeName(place.folder.filePath(u"state"_s)));
+        qputenv("TMPDIR", QFile::encodeName(place.paths.last()));
+        for (const bool hasFolder : {true, false}) {
+            put(place.path, "secret");
+            for (const QString &folder : place.paths)
+                put(folder + u"/2024-03-08 09.05.01 [rescued] plan.txt"_s, "secret");
+            Documents documents(hasFolder ? std::optional(place.paths[1]) : std::nullopt,
+                                place.privateFolder);
+            QCOMPARE(documents.versions(u"plan.txt"_s).rescued().size(), hasFolder ? 4 : 3);
+            const QString error = documents.erase(u"plan.txt"_s);
+            QCOMPARE(error, hasFolder ? QString() : u"There is no documents folder."_s);
+            QCOMPARE(place.allWith("secret").size(), hasFolder ? 0 : 2); // in the folder that nobody names
+        }
+        qunsetenv("TMPDIR");
+    }
+
     void looksInTheFoldersOfThisUser()
     {
         const Folders place;

@@ -66,6 +66,7 @@ private Q_SLOTS:
     void savesWithoutAVersionOfTheDay();
     void keepsTheTextOfAFileThatCannotBeSaved_data();
     void keepsTheTextOfAFileThatCannotBeSaved();
+    void readsAFileThatAppearsAfterAFailedSave();
     void namesThePrivateFolderThatFails_data();
     void namesThePrivateFolderThatFails();
 };
@@ -301,6 +302,21 @@ void tst_safefile::keepsTheTextOfAFileThatCannotBeSaved()
     QCOMPARE(SafeFile(place.path, place.privateFolder, calls).recover(), QStringList());
     QCOMPARE(contentOf(place.path), newText);
     QVERIFY(!QFile::exists(file.journalPath()));
+}
+
+void tst_safefile::readsAFileThatAppearsAfterAFailedSave()
+{
+    const Place place(otherText);
+    const QString docs = QFileInfo(place.path).path();
+    QVERIFY(QFile::rename(docs, docs + u".away"_s));
+    SafeFile file = place.file();
+    QCOMPARE(file.read().outcome, Outcome::Missing);
+    QVERIFY(!file.write(newText).written);
+    QVERIFY(QFile::rename(docs + u".away"_s, docs));
+    QCOMPARE(file.read().bytes, otherText);
+    QVERIFY(file.write("next").written);
+    QVERIFY(contentOf(place.path) == "next" && place.keptDaily() == QByteArrayList{otherText});
+    QCOMPARE(place.kept(), QByteArrayList{newText});
 }
 
 void tst_safefile::namesThePrivateFolderThatFails_data()
