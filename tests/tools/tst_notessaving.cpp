@@ -179,37 +179,40 @@ private Q_SLOTS:
 
     void whateverCallFailsTheTextIsInTheFileOrStillUnsaved_data()
     {
-        const Table<std::optional<QByteArray>, std::optional<QByteArray>> row; // before, by another program
-        row("the first save", {}, {});
-        row("over an earlier text", "one\n", {});
-        row("over another program's", "one\n", "three\n");
+        using Bytes = std::optional<QByteArray>;
+        const Table<Bytes, Bytes, QString> row; // before, by another program, typed
+        row("the first save", {}, {}, u"two"_s);
+        row("over an earlier text", "one\n", {}, u"two"_s);
+        row("over another program's", "one\n", "three\n", u"two"_s);
+        row("of a text that another program has emptied", "one\ntwo\n", "", u""_s);
     }
     void whateverCallFailsTheTextIsInTheFileOrStillUnsaved()
     {
         using Bytes = std::optional<QByteArray>;
-        const auto [before, other] = Table<Bytes, Bytes>::cells();
-        const QByteArray typed = before.value_or("") + "two";
-        for (const int fault : {EIO, ENOSPC, FaultyFileCalls::half}) {
+        const auto [before, other, typed] = Table<Bytes, Bytes, QString>::cells();
+        const QByteArray text = before.value_or("") + typed.toUtf8();
+        for (const int fault : {EIO, ENOSPC, FaultyFileCalls::half, FaultyFileCalls::deathMidway}) {
             bool hasStruck = true;
             for (int call = 1; hasStruck; ++call) {
                 FaultyFileCalls calls;
                 const Notes notes(before, 30s, 30s, calls);
-                notes.type(u"two"_s);
+                notes.type(typed);
                 if (other)
                     TemporaryHome::write(notes.path, *other);
                 calls.arm(call, fault);
-                const QString error = notes.pad->saveNow();
+                const bool isSaved = notes.pad->saveToFile();
                 hasStruck = calls.hasStruck();
                 calls.arm(0, 0);
-                const QString at = u"call %1, fault %2: %3"_s.arg(call).arg(fault).arg(error);
-                QVERIFY2(error.isEmpty() ? notes.saved() == typed : notes.pad->isUnsaved(), qPrintable(at));
-                QVERIFY2(error.isEmpty() != notes.notice().startsWith(u"Not saved: "_s), qPrintable(at));
-                QCOMPARE(notes.edit().toPlainText().toUtf8(), typed);
-                QCOMPARE(notes.pad->unsavedContent(), typed);
+                const QString at = u"call %1, fault %2: %3"_s.arg(call).arg(fault).arg(notes.notice());
+                QVERIFY2(isSaved ? notes.saved() == text : notes.pad->isUnsaved(), qPrintable(at));
+                QVERIFY2(isSaved != notes.notice().startsWith(u"Not saved: "_s), qPrintable(at));
+                QCOMPARE(notes.edit().toPlainText().toUtf8(), text);
+                QCOMPARE(notes.pad->unsavedContent(), text);
 
                 QCOMPARE(notes.pad->saveNow(), QString());
                 QVERIFY2(!notes.pad->isUnsaved() && !notes.notice().startsWith(u"Not"_s), qPrintable(at));
-                QCOMPARE(notes.saved(), typed);
+                QCOMPARE(notes.edit().toPlainText().toUtf8(), text);
+                QCOMPARE(notes.saved(), text);
                 QVERIFY2(!other || notes.home.kept().contains(*other), qPrintable(at));
             }
         }

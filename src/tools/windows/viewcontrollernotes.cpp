@@ -113,12 +113,13 @@ bool ViewControllerNotes::saveToFile()
     m_error = writing.error;
     tell(writing.notices);
     setFailure(writing.reason);
-    m_isOnlyHere = !writing.written && !m_file.bytes().isEmpty();
     if (!writing.written) {
+        // Half of it may be in the file, which is no text to read again.
+        document.setModified(isEdited() || !m_file.bytes().isEmpty());
         trace("Error", writing.error);
         return false;
     }
-    document.setModified(false);
+    discard();
     trace("Write File");
     return true;
 }
