@@ -1,13 +1,6 @@
 #include <platform/defaults.h>
 
-#include <QDir>
-#include <QFile>
-#include <QFileInfo>
 #include <QStandardPaths>
-
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
 
 #include <utility>
 
@@ -15,22 +8,10 @@ namespace oblino {
 
 namespace {
 
-// QSettings would make the file readable for everyone and then keeps the mode it finds.
-void makePrivate(const QString &path)
+std::unique_ptr<QSettings> opened(const SettingsFile &file)
 {
-    QDir().mkpath(QFileInfo(path).absolutePath());
-    const int file =
-        ::open(QFile::encodeName(path).constData(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0600);
-    if (file >= 0) {
-        ::fchmod(file, 0600);
-        ::close(file);
-    }
-}
-
-std::unique_ptr<QSettings> opened(const QString &path)
-{
-    makePrivate(path);
-    auto settings = std::make_unique<QSettings>(path, QSettings::IniFormat);
+    file.makePrivate();
+    auto settings = std::make_unique<QSettings>(file.path(), QSettings::IniFormat);
     settings->setFallbacksEnabled(false);
     return settings;
 }
@@ -38,9 +19,11 @@ std::unique_ptr<QSettings> opened(const QString &path)
 } // namespace
 
 Defaults::Defaults(const QString &path)
-    : m_path(path)
-    , m_settings(opened(path))
+    : m_file(path)
 {
+    m_file.removeLeftovers();
+    m_settings = opened(m_file);
+    static_cast<void>(isSafeToWrite());
 }
 
 Defaults &Defaults::standard()
@@ -92,29 +75,80 @@ qint64 Defaults::integer(const QString &key) const
 bool Defaults::save()
 {
     const QMutexLocker lock(&m_mutex);
+    if (!isSafeToWrite())
+        return false;
+    putHeldValues();
     m_settings->sync();
     if (m_settings->status() != QSettings::NoError) {
-        // An object never takes its error back. A new one shares the unsaved values of the old one.
-        auto renewed = opened(m_path);
-        renewed->moveToThread(m_settings->thread());
-        m_settings.release()->deleteLater(); // its thread may be about to tell it something
-        m_settings = std::move(renewed);
+        renew();
         m_settings->sync();
     }
     return m_settings->status() == QSettings::NoError;
 }
 
+QString Defaults::erase()
+{
+    const QMutexLocker lock(&m_mutex);
+    static_cast<void>(m_file.hasChanged());
+    m_isFileKept = true; // a damaged one goes, too
+    m_held.clear();
+    m_settings->clear();
+    return m_file.eraseCopies();
+}
+
+QStringList Defaults::takeNotices()
+{
+    const QMutexLocker lock(&m_mutex);
+    return std::exchange(m_notices, {});
+}
+
 void Defaults::store(const QString &key, const QVariant &value)
 {
     const QMutexLocker lock(&m_mutex);
-    makePrivate(m_path); // the event loop saves it soon, and the file may have been deleted
-    m_settings->setValue(key, value);
+    m_file.makePrivate(); // the event loop saves it soon, and the file may have been deleted
+    m_held.insert(key, value);
+    if (isSafeToWrite())
+        putHeldValues();
 }
 
 QVariant Defaults::value(const QString &key) const
 {
     const QMutexLocker lock(&m_mutex);
-    return m_settings->value(key);
+    return m_held.value(key, m_settings->value(key));
+}
+
+bool Defaults::isSafeToWrite()
+{
+    if (m_file.hasChanged()) {
+        m_isFileKept = false;
+        m_settings->sync(); // reads what another program has written
+    }
+    if (m_isFileKept)
+        return true;
+    static_cast<void>(m_settings->allKeys()); // lines are looked at when they are needed
+    const SettingsFile::Kept kept = m_file.keep(m_settings->status() != QSettings::FormatError);
+    m_isFileKept = kept.isSafe;
+    if (!kept.notice.isEmpty() && !m_notices.contains(kept.notice))
+        m_notices += kept.notice;
+    if (m_isFileKept && m_settings->status() == QSettings::FormatError)
+        renew();
+    return m_isFileKept;
+}
+
+void Defaults::putHeldValues()
+{
+    for (auto held = m_held.cbegin(); held != m_held.cend(); ++held)
+        m_settings->setValue(held.key(), held.value());
+    m_held.clear();
+}
+
+// An object never takes its error back. A new one shares the unsaved values of the old one.
+void Defaults::renew()
+{
+    auto renewed = opened(m_file);
+    renewed->moveToThread(m_settings->thread());
+    m_settings.release()->deleteLater(); // its thread may be about to tell it something
+    m_settings = std::move(renewed);
 }
 
 } // namespace oblino

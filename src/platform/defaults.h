@@ -1,8 +1,12 @@
 #pragma once
 
+#include <platform/settingsfile.h>
+
+#include <QHash>
 #include <QMutex>
 #include <QSettings>
 #include <QString>
+#include <QStringList>
 #include <QVariant>
 
 #include <memory>
@@ -11,10 +15,12 @@
 namespace oblino {
 
 /// The per-user defaults: typed values by exact key, kept in one INI file that only the user can read
-/// (mode 0600). Safe to use from any thread.
+/// (mode 0600). A damaged file is copied before it is rewritten; while that cannot be done, values are held
+/// in memory. Safe to use from any thread.
 class Defaults
 {
 public:
+    /// Removes what a save that was killed has left beside the file.
     /// @param path  the settings file; it and its folder are made when they are missing
     explicit Defaults(const QString &path);
 
@@ -36,13 +42,26 @@ public:
     /// @return whether that worked
     [[nodiscard]] bool save();
 
+    /// Forgets every value, and destroys every copy of a damaged file.
+    /// @return an error in words for the user, empty when no copy is left; the file follows with save()
+    [[nodiscard]] QString erase();
+
+    /// Takes the sentences that reading and writing have gathered for the user.
+    [[nodiscard]] QStringList takeNotices();
+
 private:
     void store(const QString &key, const QVariant &value);
     [[nodiscard]] QVariant value(const QString &key) const;
+    [[nodiscard]] bool isSafeToWrite();
+    void putHeldValues();
+    void renew();
 
     mutable QMutex m_mutex;
-    QString m_path;
+    SettingsFile m_file;
     std::unique_ptr<QSettings> m_settings;
+    bool m_isFileKept = false;
+    QHash<QString, QVariant> m_held; // until the file may be written
+    QStringList m_notices;
 };
 
 } // namespace oblino
