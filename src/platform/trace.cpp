@@ -24,10 +24,18 @@ constexpr qsizetype flushAt = 1 << 20; // bytes
 constexpr qsizetype dropAt = 16 << 20; // bytes waiting for a reader that does not read
 constexpr size_t pipeAtomic = 4096;    // a pipe that polls writable takes this much without waiting
 
+// The service manager names the stream to the system's log by device and inode, in decimal.
+bool isSystemLog(const struct stat &status)
+{
+    const QByteArray own =
+        QByteArray::number(quint64{status.st_dev}) + ':' + QByteArray::number(quint64{status.st_ino});
+    return qgetenv("JOURNAL_STREAM") == own;
+}
+
 bool goesSomewhere(int descriptor)
 {
     struct stat status = {};
-    if (::fstat(descriptor, &status) != 0)
+    if (::fstat(descriptor, &status) != 0 || isSystemLog(status))
         return false;
     const bool nullDevice =
         S_ISCHR(status.st_mode) && major(status.st_rdev) == 1 && minor(status.st_rdev) == 3;

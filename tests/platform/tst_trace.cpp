@@ -1,7 +1,10 @@
+#include <support/table.h>
 #include <support/testmain.h>
 #include <support/traces.h>
 
 #include <fcntl.h>
+#include <sys/socket.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 using namespace oblino;
@@ -47,6 +50,48 @@ private Q_SLOTS:
             ::close(descriptor);
             QCOMPARE(calls, expected);
         }
+    }
+
+    // There the texts of tasks would be kept, for longer and for more readers than the user thinks.
+    void writesNothingIntoTheSystemsLog_data()
+    {
+        const Table<QByteArray, bool> row; // "D" and "I" stand for device and inode of the output
+        row("none", "", true);
+        row("this one", "D:I", false);
+        row("another inode", "D:1I", true);
+        row("another device", "1D:I", true);
+        row("no inode", "D:", true);
+        row("no device", ":I", true);
+        row("the inode alone", "I", true);
+        row("more behind it", "D:I ", true);
+        row("more numbers", "D:I:1", true);
+        row("a sign", "+D:I", true);
+        row("too large", "D:99999999999999999999I", true);
+        row("words", "device:inode", true);
+    }
+    void writesNothingIntoTheSystemsLog()
+    {
+        const auto [stream, expected] = Table<QByteArray, bool>::cells();
+        QTemporaryFile file;
+        QVERIFY(file.open());
+        int pipe[2] = {-1, -1}, sockets[2] = {-1, -1};
+        QCOMPARE(::pipe2(pipe, O_CLOEXEC), 0);
+        QCOMPARE(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, sockets), 0);
+        for (const int descriptor : {file.handle(), pipe[1], sockets[1]}) {
+            struct stat status = {};
+            QCOMPARE(::fstat(descriptor, &status), 0);
+            QByteArray value = stream;
+            value.replace("D", QByteArray::number(quint64(status.st_dev)));
+            value.replace("I", QByteArray::number(quint64(status.st_ino)));
+            qputenv("JOURNAL_STREAM", value);
+            Trace::setDescriptor(descriptor);
+            const bool enabled = Trace::enabled();
+            Trace::setDescriptor(STDOUT_FILENO);
+            qunsetenv("JOURNAL_STREAM");
+            QCOMPARE(enabled, expected);
+        }
+        for (const int end : {pipe[0], pipe[1], sockets[0], sockets[1]})
+            ::close(end);
     }
 
     void keepsABoundedNumberOfWholeLinesForASlowReader()
