@@ -18,7 +18,7 @@ within() {
 # Sets and exports DISPLAY.
 start_display() {
     exec 3>"$work/number"
-    Xvfb -displayfd 3 -screen 0 1440x900x24 -nolisten tcp >"$work/xvfb.log" 2>&1 &
+    Xvfb -displayfd 3 -screen 0 1440x900x24 -nolisten tcp -noreset >"$work/xvfb.log" 2>&1 &
     exec 3>&-
     within 10 test -s "$work/number" || fail "the virtual display did not start: $(tail -n 1 "$work/xvfb.log")"
     DISPLAY=:$(cat "$work/number")

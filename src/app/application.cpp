@@ -11,14 +11,18 @@
 #include <messaging/windows/viewcontrollersending.h>
 #include <messaging/windows/viewcontrollersettings.h>
 #include <platform/appearance.h>
+#include <platform/defaults.h>
 #include <platform/documents.h>
 #include <platform/earlierversions.h>
 #include <platform/filecalls.h>
 #include <platform/notificationcenter.h>
 #include <platform/singleinstance.h>
 #include <platform/trace.h>
+#include <platform/unsavedwork.h>
 #include <platform/widgets/cloudaccountwindow.h>
 #include <platform/widgets/passwordprompt.h>
+#include <tools/notesfile.h>
+#include <tools/whiteboardfile.h>
 #include <tools/windows/earlierversionswindow.h>
 #include <tools/windows/viewcontrollerdestroy.h>
 #include <tools/windows/viewcontrollernotes.h>
@@ -68,7 +72,7 @@ Application::Application(SingleInstance &instance)
 Application::~Application()
 {
     s_running = nullptr;
-    // PH
+    FileCalls::posix().setProgressHandler({});
     tskMgr().setCloud(nullptr, nullptr);
     if (m_sendingRun.isRunning()) { // else the gateway would be made only to be stopped
         m_sendingRun.stop();
@@ -93,6 +97,7 @@ void Application::start()
     connectWindows();
     connect(m_mainWindow.get(), &ViewController::told, &m_notices, &NoticeLog::add);
     m_notices.add(m_mainWindow->notice());
+    m_mainWindow->tell(Defaults::standard().takeNotices());
     m_lastSave = std::make_unique<LastSave>(*m_mainWindow, uiUtil());
     m_mainWindow->setBeforeEnd([this] { return mayEnd(); });
     m_mainWindow->setBeforeCloud([this] { return ensurePassword(m_cloud, m_mainWindow.get()); });
@@ -102,7 +107,7 @@ void Application::start()
     connect(&m_instance, &SingleInstance::raiseRequested, m_mainWindow.get(), &ViewController::comeToFront);
     connect(&m_signals, &UnixSignals::endRequested, this, &Application::terminate);
     m_signals.listen();
-    // PH // a large file takes its time
+    FileCalls::posix().setProgressHandler(&UnixSignals::extendTime); // a large file takes its time
     Trace::flushWhenIdle();
     m_mainWindow->show();
     offerRescued();
@@ -160,9 +165,9 @@ void Application::open(Arguments &&...arguments)
 void Application::connectWindows()
 {
     connect(m_mainWindow.get(), &ViewController::clientsRequested, this,
-            [this] { open<ViewControllerClientMgmt>(contactsFolder()); });
+            &Application::openContacts<ViewControllerClientMgmt>);
     connect(m_mainWindow.get(), &ViewController::teamMembersRequested, this,
-            [this] { open<ViewControllerTeamMgmt>(contactsFolder()); });
+            &Application::openContacts<ViewControllerTeamMgmt>);
     connect(m_mainWindow.get(), &ViewController::cloudAccountRequested, this,
             [this] { open<CloudAccountWindow>(m_cloud); });
     connect(m_mainWindow.get(), &ViewController::sendingRequested, this,
@@ -214,15 +219,30 @@ void Application::openEarlierVersions()
             &Application::readAgain, Qt::UniqueConnection);
 }
 
+template<typename Window>
+void Application::openContacts()
+{
+    open<Window>(contactsFolder());
+    // Unsaved edits outlive the window's closing, so the main window tells of them.
+    auto *window = m_mainWindow->findChild<Window *>();
+    const QString title = window->workTitle();
+    connect(window, &ContactWindow::savingFailed, m_mainWindow.get(),
+            [this, title](const QString &error) { m_mainWindow->setTrouble(title, error); });
+    connect(window, &ContactWindow::saved, m_mainWindow.get(),
+            [this, title] { m_mainWindow->setTrouble(title, {}); });
+}
+
 QString Application::saveOpen(DataKind kind)
 {
-    if (auto *board = m_mainWindow->findChild<ViewControllerWhiteboard *>();
-        board && kind == DataKind::Whiteboard)
-        board->capture();
-    auto *pad = m_mainWindow->findChild<ViewControllerNotes *>();
-    return kind != DataKind::Notes || !pad || pad->saveToFile()
-               ? QString()
-               : tr("The open notes could not be saved, so nothing was restored.");
+    const QString name = kind == DataKind::Notes        ? NotesFile::name
+                         : kind == DataKind::Whiteboard ? WhiteboardFile::name
+                                                        : QString();
+    for (QWidget *window : m_mainWindow->findChildren<QWidget *>()) {
+        auto *work = dynamic_cast<UnsavedWork *>(window);
+        if (work && work->unsavedFileName() == name && work->isUnsaved())
+            return work->saveNow();
+    }
+    return {};
 }
 
 void Application::readAgain(DataKind kind)

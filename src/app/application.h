@@ -35,6 +35,8 @@ private:
     void connectWindows();
     template<typename Window, typename... Arguments>
     void open(Arguments &&...arguments);
+    template<typename Window>
+    void openContacts();
     void openEraser();
     void openEarlierVersions();
     [[nodiscard]] QString saveOpen(DataKind kind);

@@ -80,7 +80,7 @@ bool TaskListFile::saveToFile()
     }
     m_unsaved = false;
     m_isGone = false;
-    m_lastSaid.clear();
+    m_trouble.clear();
     followAppearance();
     return true;
 }
@@ -166,24 +166,26 @@ bool TaskListFile::takeUp(SafeFile &file)
     if (reading.outcome == FileReading::Outcome::Missing) {
         m_isGone = file.hasSeen() && !m_store.fullList().isEmpty();
         if (m_isGone)
-            sayOnce(QStringLiteral(
-                        "“%1” is gone. The list stays here, and is written again with the next change.")
-                        .arg(name));
+            m_trouble = QStringLiteral(
+                            "“%1” is gone. The list stays here, and is written again with the next change.")
+                            .arg(name);
         return false;
     }
     if (reading.outcome == FileReading::Outcome::Failed) {
-        sayOnce(reading.error + QStringLiteral(" The list stays here."));
+        m_trouble = reading.error + QStringLiteral(" The list stays here.");
         return false;
     }
     if (isLastSeen(file, reading)) {
         file.take(reading); // only touched
         m_isGone = false;
+        if (!m_unsaved)
+            m_trouble.clear();
         return false;
     }
     if (const QString fault = faultOf(file, reading.bytes); !fault.isEmpty()) {
-        sayOnce(fault.arg(name) +
-                QStringLiteral(" The list stays here; the next change keeps that version among the "
-                               "earlier ones."));
+        m_trouble = fault.arg(name) +
+                    QStringLiteral(" The list stays here; the next change keeps that version among the "
+                                   "earlier ones.");
         return false;
     }
     return m_unsaved ? merge(file, reading) : readAgain(file, reading);
@@ -225,7 +227,7 @@ void TaskListFile::replaceList(SafeFile &file, const FileReading &reading)
 {
     file.take(reading);
     m_isGone = false;
-    m_lastSaid.clear();
+    m_trouble.clear();
     // The rows are added to the full list, which is `tasks` only outside a search.
     const bool searching = m_store.isSearching();
     m_store.setIsSearching(false);
@@ -270,15 +272,8 @@ bool TaskListFile::kept(const QByteArray &bytes, VersionReason reason)
 {
     const QString error = m_documents.versions(name).keep(bytes, reason);
     if (!error.isEmpty())
-        sayOnce(QStringLiteral("Another program changed the list, which cannot be taken up: ") + error);
+        m_trouble = QStringLiteral("Another program changed the list, which cannot be taken up: ") + error;
     return error.isEmpty();
-}
-
-// What goes on being wrong is told of once, not at every look.
-void TaskListFile::sayOnce(const QString &notice)
-{
-    if (std::exchange(m_lastSaid, notice) != notice)
-        m_notices += notice;
 }
 
 void TaskListFile::interfaceModeChanged()
@@ -342,9 +337,9 @@ bool TaskListFile::failed(const QString &error, const QString &reason)
 {
     trace("Error");
     m_failure = reason;
-    m_notices += QStringLiteral("The list could not be saved: %1 Your changes stay in this window; the next "
-                                "change tries again.")
-                     .arg(error);
+    m_trouble = QStringLiteral("The list could not be saved: %1 Your changes stay in this window; the next "
+                               "change tries again.")
+                    .arg(error);
     return false;
 }
 

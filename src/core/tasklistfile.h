@@ -75,8 +75,10 @@ public:
     /// @return an error in words for the user, empty when nothing is left; a file that is missing is an error
     [[nodiscard]] QString erase();
 
-    /// Takes the sentences that reading and writing have gathered for the user.
+    /// Takes the sentences on what has happened that reading and writing have gathered for the user.
     [[nodiscard]] QStringList takeNotices();
+    /// What is wrong with the file at this moment, in whole sentences; usually nothing.
+    [[nodiscard]] QString trouble() const { return m_trouble; }
 
 private:
     bool takeUp(SafeFile &file);
@@ -87,7 +89,6 @@ private:
     [[nodiscard]] QString faultOf(SafeFile &file, const QByteArray &bytes) const;
     [[nodiscard]] bool kept(const QByteArray &bytes, VersionReason reason);
     [[nodiscard]] QString decoded(const QByteArray &bytes);
-    void sayOnce(const QString &notice);
     void followAppearance();
     [[nodiscard]] bool keepUnreadableRows(SafeFile &file);
     bool failed(const QString &error, const QString &reason);
@@ -96,7 +97,7 @@ private:
     Documents &m_documents;
     QList<QByteArray> m_unreadableRows;
     QStringList m_notices;
-    QString m_lastSaid; // about a file that was not taken up
+    QString m_trouble;
     bool m_invertedColors = false;
     bool m_unsaved = false;
     bool m_isGone = false; // it was there, and is not any more

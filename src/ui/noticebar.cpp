@@ -32,19 +32,33 @@ NoticeBar::NoticeBar(QWidget *parent)
     layout->addWidget(m_mark, 0, Qt::AlignTop);
     layout->addWidget(m_notice, 1);
     layout->addWidget(away, 0, Qt::AlignTop);
-    putAway();
+    show();
 }
 
-void NoticeBar::tell(const QStringList &notices, bool isFailing)
+void NoticeBar::tell(const QStringList &notices)
 {
-    if (!notices.isEmpty()) {
-        m_notice->setNotice(notices.join(QLatin1Char(' ')));
-        m_mark->setVisible(isFailing);
-        show();
-    } else if (m_wasFailing && !isFailing) {
-        putAway();
-    }
-    m_wasFailing = isFailing;
+    if (notices.isEmpty())
+        return;
+    m_notices = notices;
+    show();
+}
+
+void NoticeBar::setTrouble(const QString &thing, const QString &sentence)
+{
+    if (sentence == m_troubles.value(thing))
+        return;
+    if (sentence.isEmpty())
+        m_troubles.remove(thing);
+    else
+        m_troubles.insert(thing, sentence);
+    show();
+}
+
+void NoticeBar::putAway()
+{
+    m_troubles.clear();
+    m_notices.clear();
+    show();
 }
 
 QString NoticeBar::notice() const
@@ -52,10 +66,11 @@ QString NoticeBar::notice() const
     return m_notice->notice();
 }
 
-void NoticeBar::putAway()
+void NoticeBar::show()
 {
-    m_notice->setNotice({});
-    hide();
+    m_notice->setNotice((m_troubles.values() + m_notices).join(QLatin1Char(' ')));
+    m_mark->setVisible(!m_troubles.isEmpty());
+    setVisible(!m_notice->notice().isEmpty());
 }
 
 } // namespace oblino

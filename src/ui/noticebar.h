@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QMap>
+#include <QStringList>
 #include <QWidget>
 
 class QLabel;
@@ -8,8 +10,8 @@ namespace oblino {
 
 class NoticeLabel;
 
-/// Sentences for the user below the table, whole and for as long as they are true or until they are put away.
-/// It is hidden while there is nothing to tell.
+/// Sentences for the user below the table, whole: what is wrong for as long as it is, and what has happened
+/// until something else does or it is put away. It is hidden while there is nothing to tell.
 class NoticeBar : public QWidget
 {
     Q_OBJECT
@@ -17,18 +19,22 @@ class NoticeBar : public QWidget
 public:
     explicit NoticeBar(QWidget *parent = nullptr);
 
-    /// Shows the sentences; without any, those stay that were told before, unless they told of a failure that
-    /// has passed.
-    /// @param isFailing  whether something is not as it should be now
-    void tell(const QStringList &notices, bool isFailing);
+    /// Tells what has happened, in place of what was told of that before; nothing changes without sentences.
+    void tell(const QStringList &notices);
+    /// Tells what is wrong with something, or with an empty sentence that nothing is.
+    void setTrouble(const QString &thing, const QString &sentence);
+    /// All that stands here.
     [[nodiscard]] QString notice() const;
     /// Tells nothing any more.
     void putAway();
 
 private:
+    void show();
+
     NoticeLabel *m_notice;
-    QLabel *m_mark; // of a failure
-    bool m_wasFailing = false;
+    QLabel *m_mark;                    // of trouble
+    QMap<QString, QString> m_troubles; // by what is in it
+    QStringList m_notices;
 };
 
 } // namespace oblino

@@ -245,11 +245,24 @@ QString ViewController::rescue()
 
 void ViewController::showNotices()
 {
-    const QStringList notices = m_file.takeNotices();
     m_saveState->setText(m_file.saveState(QLocale()));
-    m_noticeBar->tell(notices, m_file.hasUnsavedChanges());
+    setTrouble(TaskListFile::name, m_file.trouble());
+    tell(m_file.takeNotices());
+}
+
+void ViewController::tell(const QStringList &notices)
+{
+    m_noticeBar->tell(notices);
     for (const QString &notice : notices)
         Q_EMIT told(notice);
+}
+
+void ViewController::setTrouble(const QString &thing, const QString &sentence)
+{
+    const QString before = m_noticeBar->notice();
+    m_noticeBar->setTrouble(thing, sentence);
+    if (!sentence.isEmpty() && m_noticeBar->notice() != before)
+        Q_EMIT told(sentence);
 }
 
 QString ViewController::notice() const

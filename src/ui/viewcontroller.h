@@ -106,6 +106,10 @@ public:
     /// Sets what is called before the window closes. It answers whether the application may end.
     void setBeforeEnd(std::function<bool()> beforeEnd) { m_beforeEnd = std::move(beforeEnd); }
 
+    /// Tells the user what has happened, in whole sentences.
+    void tell(const QStringList &notices);
+    /// Tells the user what is wrong with something for as long as it is; with an empty sentence nothing is.
+    void setTrouble(const QString &thing, const QString &sentence);
     /// What the window tells the user at this moment; usually nothing.
     [[nodiscard]] QString notice() const;
 

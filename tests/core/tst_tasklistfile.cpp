@@ -219,7 +219,7 @@ private Q_SLOTS:
             (void)run.file.takeNotices();
             for (int time = 0; time < 2; ++time) {
                 QVERIFY(!run.file.saveToFile());
-                QVERIFY(run.file.hasUnsavedChanges() && !run.file.takeNotices().isEmpty());
+                QVERIFY(run.file.hasUnsavedChanges() && !run.file.trouble().isEmpty());
                 QVERIFY(!run.file.invertedColors());
                 QCOMPARE(keysOf(run.store.tasks()), u"KEYb"_s);
                 QCOMPARE(TemporaryHome::content(home.listPath()), bytes);
