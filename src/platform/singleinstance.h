@@ -4,11 +4,14 @@
 #include <QLocalServer>
 #include <QObject>
 #include <QString>
+#include <QStringList>
 
 namespace oblino {
 
 /// Sees to it that one program at a time works on a user's data. The claim is a lock on a file in the private
-/// folder, which the system takes back when the process ends however it ends.
+/// folder, which the system takes back when the process ends however it ends. The file says where the socket
+/// lies at which that process is asked to come to the front: in the session's runtime folder, or in the
+/// private folder where there is none.
 class SingleInstance : public QObject
 {
     Q_OBJECT
@@ -35,12 +38,18 @@ Q_SIGNALS:
 
 private:
     [[nodiscard]] bool lock();
-    [[nodiscard]] QString socketName() const;
+    void listen();
+    [[nodiscard]] bool listenAt(const QString &path);
+    /// Where the socket may lie, the best place first.
+    [[nodiscard]] QStringList socketPaths() const;
+    [[nodiscard]] QString recordedPath() const;
+    void record(const QString &path) const;
     [[nodiscard]] bool raiseOther(const QDeadlineTimer &deadline) const;
     void answer();
 
     QString m_privateFolder;
     int m_lockFile = -1;
+    int m_socketFolder = -1; // open where its path is too long
     QLocalServer m_server;
 };
 
