@@ -4,12 +4,33 @@
 #include <cloud/cloudwork.h>
 #include <cloud/taskrecord.h>
 
+#include <core/fieldtext.h>
 #include <platform/notificationcenter.h>
 #include <platform/trace.h>
 
 #include <QHash>
 
+#include <algorithm>
+#include <utility>
+
 namespace oblino {
+
+namespace {
+
+// A task whose key the file cannot hold goes back to the cloud under the key that the file holds instead,
+// which makes a second record of it. That one is the newer and has the last word.
+QList<CloudRecord> inMergeOrder(QList<CloudRecord> records)
+{
+    const qsizetype key = taskRecordType().indexOf(QStringLiteral("key"));
+    const auto isOdd = [key](const CloudRecord &record) {
+        return !isFieldText(record.value(key).toString());
+    };
+    if (std::ranges::any_of(std::as_const(records), isOdd))
+        std::ranges::stable_partition(records, isOdd);
+    return records;
+}
+
+} // namespace
 
 void TaskManager::mergeFromCloud(const QList<CloudRecord> &records, CloudOperation &operation)
 {
@@ -21,7 +42,8 @@ void TaskManager::mergeFromCloud(const QList<CloudRecord> &records, CloudOperati
 
     const bool inDark = inDarkMode();
     const task made; // once: it asks the clock
-    for (const CloudRecord &record : records) {
+    const QList<CloudRecord> ordered = inMergeOrder(records);
+    for (const CloudRecord &record : ordered) {
         trace("CloudKit record:", record);
         task t = taskOfRecord(record, inDark, made);
         m_selected = places.value(t.key, -1);

@@ -1,5 +1,6 @@
 #include <cloud/taskrecord.h>
 
+#include <core/fieldtext.h>
 #include <core/taskkey.h>
 #include <platform/trace.h>
 
@@ -161,6 +162,7 @@ task taskOfRecord(const CloudRecord &record, bool inDark, task made)
     read(t.endMin, record, EndMinField);
     read(t.client, record, ClientField);
     read(t.teamMember, record, TeamMemberField);
+    t.key = withLookAlikes(t.key);
     return t;
 }
 

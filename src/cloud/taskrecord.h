@@ -15,7 +15,8 @@ namespace oblino {
 /// Sets every field of a task's record but its key.
 void fillTaskRecord(CloudRecord &record, const task &t, bool inDark);
 
-/// The task of a record. One without a key gets a key of its own, the same each time.
+/// The task of a record. One without a key gets a key of its own, the same each time; any other is as the
+/// task list file holds it, so that it is the same in the next run.
 /// @param inDark  whether the task's colour is to be that of the dark appearance
 /// @param made    gives what the record lacks, or holds in another type
 [[nodiscard]] task taskOfRecord(const CloudRecord &record, bool inDark, task made = {});

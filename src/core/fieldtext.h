@@ -9,6 +9,9 @@ namespace oblino {
 /// "^" a row.
 [[nodiscard]] bool isFieldText(QStringView text);
 
+/// The text with "¦" and "ˆ" in place of these two, as the file holds it.
+[[nodiscard]] QString withLookAlikes(QString text);
+
 /// Why other texts are refused, as a sentence for the user.
 [[nodiscard]] QString whyNotFieldText();
 

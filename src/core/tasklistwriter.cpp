@@ -1,5 +1,6 @@
 #include <core/tasklistwriter.h>
 
+#include <core/fieldtext.h>
 #include <platform/trace.h>
 
 #include <QStringEncoder>
@@ -130,12 +131,7 @@ public:
     }
 
 private:
-    void anyText(QString value)
-    {
-        value.replace(QLatin1Char(separatorFieldsFile), QChar(u'¦'))
-            .replace(QLatin1Char(separatorRowsFile), QChar(u'ˆ'));
-        m_end = m_encoder.appendToBuffer(m_end, value);
-    }
+    void anyText(const QString &value) { m_end = m_encoder.appendToBuffer(m_end, withLookAlikes(value)); }
 
     [[nodiscard]] qsizetype size() const { return m_end - m_bytes.constData(); }
 
