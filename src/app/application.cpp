@@ -33,6 +33,8 @@
 
 #include <QApplication>
 #include <QDBusConnection>
+#include <QDir>
+#include <QFileInfo>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QStandardPaths>
@@ -97,7 +99,8 @@ void Application::start()
     connectWindows();
     connect(m_mainWindow.get(), &ViewController::told, &m_notices, &NoticeLog::add);
     m_notices.add(m_mainWindow->notice());
-    m_mainWindow->tell(Defaults::standard().takeNotices());
+    if (const QStringList notices = Defaults::standard().takeNotices(); !notices.isEmpty())
+        m_mainWindow->tell(notices);
     m_lastSave = std::make_unique<LastSave>(*m_mainWindow, uiUtil());
     m_mainWindow->setBeforeEnd([this] { return mayEnd(); });
     m_mainWindow->setBeforeCloud([this] { return ensurePassword(m_cloud, m_mainWindow.get()); });
@@ -124,19 +127,30 @@ void Application::saveAtExit()
 // What could not be saved at the last end, unless it has come into its file since.
 void Application::offerRescued()
 {
-    Documents &documents = Documents::standard();
+    const Documents &documents = Documents::standard();
     bool isAnyLeft = false;
-    for (const QString &name : {TaskListFile::name, NotesFile::name}) {
-        EarlierVersions versions = documents.versions(name);
-        SafeFile *file = documents.file(name);
+    for (const QString &path : {documents.path(TaskListFile::name), documents.path(NotesFile::name),
+                                QDir::current().absoluteFilePath(WhiteboardFile::name)}) {
+        EarlierVersions versions = documents.versions(QFileInfo(path).fileName());
         for (const EarlierVersion &version : versions.rescued()) {
-            const bool isSaved = file && file->look().bytes == versions.read(version).bytes;
-            if (!isSaved || !versions.remove(version).isEmpty())
-                isAnyLeft = true;
+            const bool isSaved =
+                SafeFile(path, contactsFolder()).look().bytes == versions.read(version).bytes;
+            isAnyLeft = isAnyLeft || !isSaved || !versions.remove(version).isEmpty();
         }
     }
-    if (!isAnyLeft)
-        return;
+    QStringList elsewhere;
+    for (const QString &name : {Clients::rescueFile, TeamMembers::rescueFile}) {
+        for (const EarlierVersion &version : documents.versions(name).rescued())
+            elsewhere += tr("Contacts that could not be saved when Oblino ended lie in %1.").arg(version.path);
+    }
+    if (!elsewhere.isEmpty())
+        m_mainWindow->tell(elsewhere);
+    if (isAnyLeft)
+        askAboutRescued();
+}
+
+void Application::askAboutRescued()
+{
     auto *box =
         new QMessageBox(QMessageBox::Information, QApplication::applicationDisplayName(),
                         tr("When Oblino last ended, not everything could be saved. What was missing is kept "

@@ -51,6 +51,7 @@ private:
     /// Saves what can be saved when the windowing system has gone, which ends the process at once.
     static void saveAtExit();
     void offerRescued();
+    void askAboutRescued();
 
     static inline Application *s_running = nullptr;
 

@@ -22,6 +22,9 @@ struct Clients
     QString name;
     QString phoneNo;
 
+    /// The name under which those are rescued that cannot be saved.
+    static inline const QString rescueFile = QStringLiteral("clients.txt");
+
     [[nodiscard]] static FetchRequest fetchRequest() { return {QStringLiteral("Clients")}; }
 };
 
@@ -30,6 +33,8 @@ struct TeamMembers
 {
     QString name;
     QString phoneNo;
+
+    static inline const QString rescueFile = QStringLiteral("team members.txt");
 
     [[nodiscard]] static FetchRequest fetchRequest() { return {QStringLiteral("TeamMembers")}; }
 };

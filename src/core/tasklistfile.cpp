@@ -122,7 +122,7 @@ QString TaskListFile::readFromFile()
     if (reading.outcome != FileReading::Outcome::Read) {
         trace("Error");
         if (reading.outcome == FileReading::Outcome::Failed)
-            m_notices += QStringLiteral("%1 could not be read: %2").arg(name, reading.error);
+            m_trouble = reading.error;
         return {};
     }
     return decoded(reading.bytes);
@@ -172,7 +172,8 @@ bool TaskListFile::takeUp(SafeFile &file)
         return false;
     }
     if (reading.outcome == FileReading::Outcome::Failed) {
-        m_trouble = reading.error + QStringLiteral(" The list stays here.");
+        if (!m_unsaved)
+            m_trouble = reading.error + QStringLiteral(" The list stays here.");
         return false;
     }
     if (isLastSeen(file, reading)) {
@@ -337,9 +338,7 @@ bool TaskListFile::failed(const QString &error, const QString &reason)
 {
     trace("Error");
     m_failure = reason;
-    m_trouble = QStringLiteral("The list could not be saved: %1 Your changes stay in this window; the next "
-                               "change tries again.")
-                    .arg(error);
+    m_trouble = error + QStringLiteral(" Your changes stay in this window; the next change tries again.");
     return false;
 }
 

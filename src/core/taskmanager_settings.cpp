@@ -94,6 +94,11 @@ QString TaskManager::getTestPhoneNo() const
     return text(defaultsKeys::keySeven);
 }
 
+QString TaskManager::eraseSettings()
+{
+    return defaults.erase();
+}
+
 bool TaskManager::saveSettings()
 {
     return defaults.save();

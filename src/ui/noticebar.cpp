@@ -29,15 +29,15 @@ NoticeBar::NoticeBar(QWidget *parent)
     auto *layout = new QHBoxLayout(this);
     layout->setContentsMargins(16, 8, 8, 8);
     layout->setSpacing(8);
-    layout->addWidget(m_mark, 0, Qt::AlignTop);
+    layout->addWidget(m_mark);
     layout->addWidget(m_notice, 1);
-    layout->addWidget(away, 0, Qt::AlignTop);
+    layout->addWidget(away);
     show();
 }
 
 void NoticeBar::tell(const QStringList &notices)
 {
-    if (notices.isEmpty())
+    if (notices == m_notices)
         return;
     m_notices = notices;
     show();

@@ -19,7 +19,7 @@ class NoticeBar : public QWidget
 public:
     explicit NoticeBar(QWidget *parent = nullptr);
 
-    /// Tells what has happened, in place of what was told of that before; nothing changes without sentences.
+    /// Tells what has happened, in place of what was told of that before.
     void tell(const QStringList &notices);
     /// Tells what is wrong with something, or with an empty sentence that nothing is.
     void setTrouble(const QString &thing, const QString &sentence);

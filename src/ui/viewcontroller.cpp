@@ -176,6 +176,7 @@ bool ViewController::saveToFile()
     const bool saved = m_file.saveToFile();
     if (m_file.takeMerged())
         showChangedList(key);
+    m_noticeBar->tell({}); // of before this change
     showNotices();
     return saved;
 }
@@ -247,7 +248,8 @@ void ViewController::showNotices()
 {
     m_saveState->setText(m_file.saveState(QLocale()));
     setTrouble(TaskListFile::name, m_file.trouble());
-    tell(m_file.takeNotices());
+    if (const QStringList notices = m_file.takeNotices(); !notices.isEmpty())
+        tell(notices);
 }
 
 void ViewController::tell(const QStringList &notices)

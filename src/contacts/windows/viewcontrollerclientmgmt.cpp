@@ -32,7 +32,7 @@ void ViewControllerClientMgmt::loadView()
     connect(&clientTable->delegate(), &ContactDelegate::nameChanged, this,
             [this] { nameChange(clientTable); });
     openStore({clientTable, clientTableArray, m_ui->addButton, m_ui->removeButton}, Clients::fetchRequest(),
-              {.plural = tr("clients"), .title = tr("The clients"), .file = QStringLiteral("clients.txt")});
+              {.plural = tr("clients"), .title = tr("The clients"), .file = Clients::rescueFile});
 }
 
 void ViewControllerClientMgmt::AddCient(QObject * /*sender*/)

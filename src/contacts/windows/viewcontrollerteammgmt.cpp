@@ -30,7 +30,7 @@ void ViewControllerTeamMgmt::viewDidLoad()
               TeamMembers::fetchRequest(),
               {.plural = tr("team members"),
                .title = tr("The team members"),
-               .file = QStringLiteral("team members.txt")});
+               .file = TeamMembers::rescueFile});
 }
 
 void ViewControllerTeamMgmt::AddTeamMember(QObject * /*sender*/)

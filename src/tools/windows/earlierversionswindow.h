@@ -87,6 +87,7 @@ private:
     void restoreSelectedTasks();
     void finishRestoring(const QString &error);
     [[nodiscard]] QString restoreBytes();
+    void removeSavedRescues();
     void removeSelected();
 
     EarlierVersionsData m_data;

@@ -53,12 +53,24 @@ void EarlierVersionsWindow::finishRestoring(const QString &error)
     if (kind() == DataKind::Tasks)
         m_data.notifications.post(QStringLiteral("reload"));
     Q_EMIT restored(kind());
+    removeSavedRescues();
     const bool isUnsaved = kind() == DataKind::Tasks && m_data.taskList.hasUnsavedChanges();
     m_ui->resultLabel->setText(
         isUnsaved ? tr("Restored, but the list could not be saved yet. What there was before "
                        "is kept as an earlier version.")
                   : tr("Restored. What there was before is kept as an earlier version."));
     refresh();
+}
+
+// A rescued text is offered at every start until it lies in its file.
+void EarlierVersionsWindow::removeSavedRescues()
+{
+    EarlierVersions kept = versions();
+    const QByteArray saved = SafeFile(filePath(), m_data.privateFolder).look().bytes;
+    for (const EarlierVersion &version : kept.rescued()) {
+        if (kept.read(version).bytes == saved)
+            (void)kept.remove(version);
+    }
 }
 
 void EarlierVersionsWindow::removeSelected()

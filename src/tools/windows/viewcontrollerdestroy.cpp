@@ -174,25 +174,30 @@ bool ViewControllerDestroy::eraseWhiteboard()
                   error);
 }
 
+template<typename Contact>
+bool ViewControllerDestroy::eraseContacts(const QString &message)
+{
+    if (!managedObjectContext)
+        return report(message, m_storeError);
+    QString error = managedObjectContext->batchDelete(Contact::fetchRequest().entityName);
+    if (error.isEmpty())
+        error = m_data.documents.versions(Contact::rescueFile).removeAll();
+    return report(message, error);
+}
+
 bool ViewControllerDestroy::eraseClients()
 {
-    return eraseContacts(Clients::fetchRequest(), QStringLiteral("Error Deleting Clients Records"));
+    return eraseContacts<Clients>(QStringLiteral("Error Deleting Clients Records"));
 }
 
 bool ViewControllerDestroy::eraseTeamMembers()
 {
-    return eraseContacts(TeamMembers::fetchRequest(), QStringLiteral("Error Deleting Team Members Records"));
-}
-
-bool ViewControllerDestroy::eraseContacts(const FetchRequest &request, const QString &message)
-{
-    if (!managedObjectContext)
-        return report(message, m_storeError);
-    return report(message, managedObjectContext->batchDelete(request.entityName));
+    return eraseContacts<TeamMembers>(QStringLiteral("Error Deleting Team Members Records"));
 }
 
 bool ViewControllerDestroy::eraseSettings()
 {
+    const QString error = m_data.store.eraseSettings();
     m_data.store.setTwilioSecret({});
     m_data.store.setTwilioSID({});
     m_data.store.setTwilioSendingPhoneNo({});
@@ -202,7 +207,7 @@ bool ViewControllerDestroy::eraseSettings()
     m_data.store.setOverwrite(false);
     m_data.store.setMessageFooter({});
     m_data.store.setDelay(delayAfterErasing);
-    return m_data.store.saveSettings();
+    return m_data.store.saveSettings() && error.isEmpty();
 }
 
 bool ViewControllerDestroy::eraseCloud()

@@ -24,7 +24,6 @@ class PersistentContainer;
 class TaskListFile;
 class TaskManager;
 class UIUtil;
-struct FetchRequest;
 
 /// What the data eraser works on.
 struct ErasableData
@@ -85,7 +84,8 @@ private:
     [[nodiscard]] bool eraseWhiteboard();
     [[nodiscard]] bool eraseClients();
     [[nodiscard]] bool eraseTeamMembers();
-    [[nodiscard]] bool eraseContacts(const FetchRequest &request, const QString &message);
+    template<typename Contact>
+    [[nodiscard]] bool eraseContacts(const QString &message);
     [[nodiscard]] bool eraseSettings();
     [[nodiscard]] bool eraseCloud();
     bool report(const QString &message, const QString &error);
