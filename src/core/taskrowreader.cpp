@@ -5,6 +5,8 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <concepts>
+#include <limits>
 
 namespace oblino {
 
@@ -24,7 +26,15 @@ std::optional<Number> numberIn(QStringView text)
         *end++ = c.unicode() < 0x80 ? static_cast<char>(c.unicode()) : '?';
     Number number = {};
     const auto [rest, error] = std::from_chars(digits.data(), end, number);
-    return error == std::errc() && rest == end ? std::optional(number) : std::nullopt;
+    if (rest != end)
+        return std::nullopt;
+    if constexpr (std::floating_point<Number>) {
+        if (error == std::errc::result_out_of_range)
+            return trimmed.contains(QLatin1String("e-"), Qt::CaseInsensitive)
+                       ? 0
+                       : std::numeric_limits<Number>::infinity();
+    }
+    return error == std::errc() ? std::optional(number) : std::nullopt;
 }
 
 std::optional<qint64> integerIn(QStringView text)
@@ -41,18 +51,21 @@ std::optional<qint64> integerIn(QStringView text)
     return number;
 }
 
+std::optional<double> componentIn(QStringView text)
+{
+    const auto number = numberIn<double>(text);
+    return number && !std::isfinite(*number) ? std::optional(1.0) : number;
+}
+
 std::optional<Color> colorIn(QStringView redText, QStringView greenText, QStringView blueText,
                              QStringView alphaText)
 {
-    const auto red = numberIn<double>(redText);
-    const auto green = numberIn<double>(greenText);
-    const auto blue = numberIn<double>(blueText);
-    const auto alpha = numberIn<double>(alphaText);
-    if (!red || !green || !blue || !alpha)
-        return std::nullopt;
-    const bool finite =
-        std::isfinite(*red) && std::isfinite(*green) && std::isfinite(*blue) && std::isfinite(*alpha);
-    return finite ? std::optional(Color(*red, *green, *blue, *alpha)) : std::nullopt;
+    const auto red = componentIn(redText);
+    const auto green = componentIn(greenText);
+    const auto blue = componentIn(blueText);
+    const auto alpha = componentIn(alphaText);
+    const bool isColor = red && green && blue && alpha;
+    return isColor ? std::optional(Color(*red, *green, *blue, *alpha)) : std::nullopt;
 }
 
 // Takes one or two digits off the front; -1 when there are none.

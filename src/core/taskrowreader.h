@@ -17,6 +17,8 @@ namespace oblino {
 class TaskRowReader
 {
 public:
+    static constexpr qsizetype knownFields = 20; ///< those that have a meaning
+
     /// @param day  the day around which two-digit years lie: from 50 years before it to 49 after
     explicit TaskRowReader(QDate day);
 
@@ -25,14 +27,13 @@ public:
     [[nodiscard]] qsizetype fieldCount() const { return m_count; }
 
     /// The task in the row that was last split; none when the row cannot be read: fewer than 12 fields, 15 to
-    /// 17 fields, or a day or number that is none.
+    /// 17 fields, or a day or number that is none. A colour component that is not finite counts as missing,
+    /// and is that of opaque white.
     /// @param defaults  the times of a row that has none
     /// @param dark      whether colours are held inverted
     [[nodiscard]] std::optional<task> read(const DefaultTimes &defaults, bool dark);
 
 private:
-    static constexpr qsizetype knownFields = 20;
-
     [[nodiscard]] QStringView field(qsizetype position) const
     {
         return m_fields[static_cast<size_t>(position - 1)];

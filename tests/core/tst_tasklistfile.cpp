@@ -289,6 +289,12 @@ private:
         rows("longer numbers", row({{4, "1"}, {5, "0.500"}, {6, "0e5"}, {7, "10E-1"}}), row(), "");
         rows("blanks around numbers", row({{1, " 3/7/24 "}, {5, " 0.5"}, {9, "0\t"}, {18, "45\r"}}), row(),
              "");
+        for (const char *text : {"nan", "-nan", "NaN", "inf", "-inf", "infinity", "1e999", "-1e999"}) {
+            rows(qPrintable(u"'%1' is a missing colour"_s.arg(QLatin1String(text))),
+                 row({{4, text}, {6, text}}) + row({{5, text}, {7, text}}),
+                 row({{4, "1.0"}, {6, "1.0"}}) + row({{5, "1.0"}, {7, "1.0"}}), "");
+        }
+        rows("next to nothing", row({{6, "1e-999"}}), row(), "");
         rows("byte-order mark", "\xef\xbb\xbf" + row(), row(), "");
         rows("CRLF and blank rows", row() + "\r\n^ ^" + row() + "\r\n", row() + row(), "");
     }
@@ -306,7 +312,7 @@ private:
         };
         unreadable({1, 8}, {"", "13/1/24", "0/1/24", "2/29/23", "4/0/24", "3/7/2024", "3/7/4", "3/7",
                             "3/7/24/1", "3-7-24", "003/7/24", "-3/7/24"});
-        unreadable({4, 5, 6, 7}, {"", "1,5", "0x1", "nan", "inf", "1e999"});
+        unreadable({4, 5, 6, 7}, {"", "1,5", "0x1", "red", "nano", "1e999x"});
         unreadable({9, 10, 15, 16, 17, 18}, {"", "1.5", "9223372036854775808", "1 1"});
         const QByteArray bad = row({{2, "caf\xe9"}}), surrogate = row({{3, "\xed\xa0\x80"}});
         rows("an encoded surrogate", surrogate + row(), row(), surrogate);
