@@ -5,6 +5,7 @@
 #include <core/tasklistwriter.h>
 #include <core/taskmanager.h>
 #include <core/taskmerge.h>
+#include <core/taskrowreader.h>
 #include <platform/clock.h>
 #include <platform/earlierversions.h>
 #include <platform/trace.h>
@@ -45,6 +46,14 @@ qsizetype unreadableRowsIn(const QByteArray &bytes)
     return filled - tasksInText(bytes, {}, false).size();
 }
 
+bool hasLongRows(const QByteArray &bytes)
+{
+    const QByteArrayList rows = bytes.split(separatorRowsFile);
+    return std::ranges::any_of(rows, [](const QByteArray &row) {
+        return row.count(separatorFieldsFile) >= TaskRowReader::knownFields;
+    });
+}
+
 bool isLastSeen(const SafeFile &file, const FileReading &reading)
 {
     return file.hasSeen() && reading.bytes == file.lastSeen();
@@ -67,7 +76,7 @@ bool TaskListFile::saveToFile()
     } else {
         m_unsaved = true;
         m_isMerged = mergeForeign(*file) || m_isMerged;
-        if (!keepUnreadableRows(*file))
+        if (!keepRows(*file))
             return false;
         const QByteArray bytes = text();
         const FileWriting writing = file->write(bytes);
@@ -114,6 +123,7 @@ QString TaskListFile::saveState(const QLocale &locale) const
 QString TaskListFile::readFromFile()
 {
     m_unreadableRows.clear();
+    m_longRows.clear();
     SafeFile *file = m_documents.file(name);
     m_notices += m_documents.takeNotices();
     if (!file)
@@ -132,6 +142,7 @@ QString TaskListFile::decoded(const QByteArray &bytes)
 {
     TaskListText list = decodedTaskList(bytes);
     m_unreadableRows = std::move(list.unreadableRows);
+    m_longRows.clear();
     trace("Read File", list.text);
     return std::move(list.text);
 }
@@ -141,6 +152,7 @@ QString TaskListFile::splitStringFile(const QString &joinedStr)
     const TaskListReading reading = addTaskList(joinedStr, m_store);
     m_invertedColors = reading.invertedColors;
     m_unreadableRows += reading.unreadableRows;
+    m_longRows += reading.longRows;
     const SafeFile *file = m_documents.file(name);
     m_unsaved = file && file->isUnfinished();
     if (!m_unreadableRows.isEmpty()) {
@@ -148,6 +160,11 @@ QString TaskListFile::splitStringFile(const QString &joinedStr)
             QStringLiteral("%1 of %2 cannot be read. Nothing is lost: the next save keeps what they hold "
                            "among the earlier versions.")
                 .arg(rowCount(m_unreadableRows.size()), name);
+    }
+    if (!m_longRows.isEmpty()) {
+        m_notices += QStringLiteral("%1 of %2 with more than a task in them: the next save keeps them as "
+                                    "they are among the earlier versions.")
+                         .arg(rowCount(m_longRows.size()), name);
     }
     return {};
 }
@@ -241,7 +258,8 @@ bool TaskListFile::merge(SafeFile &file, const FileReading &reading)
 {
     const DefaultTimes times = m_store.defaultTimes();
     QList<task> theirs = tasksInText(reading.bytes, times, m_invertedColors);
-    if (unreadableRowsIn(reading.bytes) > 0 && !kept(reading.bytes, VersionReason::OtherProgram))
+    const bool holdsMore = unreadableRowsIn(reading.bytes) > 0 || hasLongRows(reading.bytes);
+    if (holdsMore && !kept(reading.bytes, VersionReason::OtherProgram))
         return false;
     for (task &t : theirs) {
         if (t.key.isEmpty())
@@ -310,6 +328,7 @@ QString TaskListFile::erase()
     QString error = m_documents.erase(name);
     if (error.isEmpty()) {
         m_unreadableRows.clear();
+        m_longRows.clear();
         m_unsaved = m_isGone = false;
         m_failure.clear();
     }
@@ -321,16 +340,24 @@ QStringList TaskListFile::takeNotices()
     return std::exchange(m_notices, {});
 }
 
-bool TaskListFile::keepUnreadableRows(SafeFile &file)
+bool TaskListFile::keepRows(SafeFile &file)
 {
-    if (m_unreadableRows.isEmpty())
+    const QList<QByteArray> rows = m_unreadableRows + m_longRows;
+    if (rows.isEmpty())
         return true;
-    const SettingAside kept = file.setAside(m_unreadableRows.join(separatorRowsFile) + separatorRowsFile);
+    const SettingAside kept = file.setAside(rows.join(separatorRowsFile) + separatorRowsFile);
     if (!kept.error.isEmpty())
         return failed(kept.error, kept.error);
-    m_notices += QStringLiteral("%1 of %2 could not be read and now lie in %3.")
-                     .arg(rowCount(m_unreadableRows.size()), name, kept.path);
+    if (const qsizetype unreadable = m_unreadableRows.size(); unreadable > 0) {
+        m_notices += QStringLiteral("%1 of %2 could not be read and now lie in %3.")
+                         .arg(rowCount(unreadable), name, kept.path);
+    }
+    if (!m_longRows.isEmpty()) {
+        m_notices += QStringLiteral("%1 of %2 with more than a task in them now lie as found in %3.")
+                         .arg(rowCount(m_longRows.size()), name, kept.path);
+    }
     m_unreadableRows.clear();
+    m_longRows.clear();
     return true;
 }
 

@@ -17,9 +17,9 @@ namespace oblino {
 class TaskManager;
 
 /// The task list file, "ltodolist.txt" in the documents folder: reads it into a store and writes the store's
-/// whole list into it. Rows that cannot be read are left out of the list; their bytes are kept as an earlier
-/// version before the first save replaces them. What another program makes of the file is taken up; the list
-/// in memory gives way only to a list that is whole.
+/// whole list into it. Rows that cannot be read are left out of the list; their bytes, and those of rows that
+/// hold more than a task, are kept as an earlier version before the first save replaces them. What another
+/// program makes of the file is taken up; the list in memory gives way only to a list that is whole.
 class TaskListFile
 {
 public:
@@ -90,12 +90,13 @@ private:
     [[nodiscard]] bool kept(const QByteArray &bytes, VersionReason reason);
     [[nodiscard]] QString decoded(const QByteArray &bytes);
     void followAppearance();
-    [[nodiscard]] bool keepUnreadableRows(SafeFile &file);
+    [[nodiscard]] bool keepRows(SafeFile &file);
     bool failed(const QString &error, const QString &reason);
 
     TaskManager &m_store;
     Documents &m_documents;
     QList<QByteArray> m_unreadableRows;
+    QList<QByteArray> m_longRows; // they hold more than the tasks read from them
     QStringList m_notices;
     QString m_trouble;
     bool m_invertedColors = false;

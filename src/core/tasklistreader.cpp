@@ -93,10 +93,13 @@ TaskListReading addTaskList(const QString &text, TaskManager &store)
         if (result.invertedColors)
             trace("In dark mode -> Invert");
         trace("No of Fields:", reader.fieldCount());
-        if (auto t = reader.read(store.defaultTimes(), result.invertedColors))
+        if (auto t = reader.read(store.defaultTimes(), result.invertedColors)) {
             store.addTask(std::move(*t));
-        else if (!isBlank(row))
+            if (reader.fieldCount() > TaskRowReader::knownFields)
+                result.longRows.append(row.toUtf8());
+        } else if (!isBlank(row)) {
             result.unreadableRows.append(row.toUtf8());
+        }
         if (reader.fieldCount() == 20)
             trace("20 fields");
         if (Trace::enabled())

@@ -25,6 +25,7 @@ struct TaskListReading
 {
     bool invertedColors = false;      ///< whether the tasks hold the inverted colours of the dark appearance
     QList<QByteArray> unreadableRows; ///< rows that were left out, byte for byte
+    QList<QByteArray> longRows;       ///< rows that hold more than the task read from them, byte for byte
 };
 
 /// Adds every row of the text to the store. What follows the last "^" is no row; unless it is blank it counts

@@ -205,6 +205,45 @@ private Q_SLOTS:
         QCOMPARE(run.file.invertedColors(), run.store.inDarkMode());
     }
 
+    void saysWhatItSetsAside_data()
+    {
+        const Table<QByteArray, QString, QString> row;
+        row("unreadable", "odd^", u"1 row of ltodolist.txt cannot be read."_s,
+            u"1 row of ltodolist.txt could not be read and now lie in %1."_s);
+        row("too long", ::row({}, 21) + ::row({}, 21),
+            u"2 rows of ltodolist.txt with more than a task in them: "_s,
+            u"2 rows of ltodolist.txt with more than a task in them now lie as found in %1."_s);
+    }
+    void saysWhatItSetsAside()
+    {
+        const auto [bytes, before, after] = Table<QByteArray, QString, QString>::cells();
+        TemporaryHome home;
+        TemporaryHome::write(home.listPath(), bytes);
+        Run run(home);
+        run.read();
+        const QString found = run.file.takeNotices().join(u'\n');
+        QVERIFY2(found.startsWith(before) && found.count(u" of ltodolist"_s) == 1, qPrintable(found));
+        QVERIFY(run.file.saveToFile());
+        const QDir recovery(home.privateFolder() + u"/recovery"_s);
+        const QFileInfoList kept = recovery.entryInfoList({u"*aside*"_s}, QDir::Files);
+        QCOMPARE(kept.size(), 1);
+        QCOMPARE(run.file.takeNotices(), QStringList{after.arg(kept.first().filePath())});
+    }
+
+    void keepsTheLongRowsOfAnotherProgram()
+    {
+        TemporaryHome home;
+        TemporaryHome::write(home.listPath(), row());
+        Run run(home);
+        run.read();
+        add(run.store, {.key = u"b"_s});
+        const QByteArray theirs = row() + row({{2, "wide"}}, 21);
+        TemporaryHome::write(home.listPath(), theirs);
+        QVERIFY(run.file.saveToFile());
+        QVERIFY(TemporaryHome::content(home.listPath()).contains("|wide|"));
+        QVERIFY(home.kept().contains(theirs));
+    }
+
     void keepsTheListWhereSavingFails()
     {
         for (const QByteArray &odd : {"odd^"_ba, ""_ba}) {
@@ -274,7 +313,12 @@ private:
         rows("14 fields have no times", row({}, 14), task + "KEY|true|8|0|17|0||^", "");
         rows("18 fields have no people", row({}, 18), task + "KEY|true|9|30|16|45||^", "");
         rows("19 fields have no client", row({}, 19), task + "KEY|true|9|30|16|45||^", "");
-        rows("21 fields have no key", row({}, 21), task + "NEW|false|8|0|17|0||^", "");
+        rows("21 fields have no key", row({}, 21), task + "NEW|false|8|0|17|0||^", row({}, 21));
+        const QByteArray odd = "odd^", wide = row({{2, "wide"}}, 21);
+        rows("too many fields and too few", row({}, 21) + odd + wide,
+             task + "NEW|false|8|0|17|0||^" + QByteArray(task).replace("Paint fence", "wide") +
+                 "NEW|false|8|0|17|0||^",
+             odd + row({}, 21) + wide);
         for (const int count : {1, 11, 15, 16, 17})
             rows(qPrintable(u"%1 fields are no row"_s.arg(count)), row({}, count) + row(), row(),
                  row({}, count));
