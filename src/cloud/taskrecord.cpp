@@ -1,6 +1,7 @@
 #include <cloud/taskrecord.h>
 
 #include <core/fieldtext.h>
+#include <core/filedays.h>
 #include <core/taskkey.h>
 #include <platform/trace.h>
 
@@ -163,6 +164,8 @@ task taskOfRecord(const CloudRecord &record, bool inDark, task made)
     read(t.client, record, ClientField);
     read(t.teamMember, record, TeamMemberField);
     t.key = withLookAlikes(t.key);
+    t.date = withinFileDays(t.date);
+    t.due = withinFileDays(t.due);
     return t;
 }
 

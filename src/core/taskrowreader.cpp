@@ -1,5 +1,6 @@
 #include <core/taskrowreader.h>
 
+#include <core/filedays.h>
 #include <core/tasklistwriter.h>
 
 #include <algorithm>
@@ -92,7 +93,7 @@ bool takeSlash(QStringView &text)
 } // namespace
 
 TaskRowReader::TaskRowReader(QDate day)
-    : m_firstYear(day.year() - 50)
+    : m_firstYear(fileDays(day).first.year())
 {
 }
 

@@ -19,7 +19,7 @@ class TaskRowReader
 public:
     static constexpr qsizetype knownFields = 20; ///< those that have a meaning
 
-    /// @param day  the day around which two-digit years lie: from 50 years before it to 49 after
+    /// @param day  today, around which two-digit years lie (see fileDays())
     explicit TaskRowReader(QDate day);
 
     /// Splits a row into its fields. Fields past the last that has a meaning are counted, not kept.

@@ -1,5 +1,8 @@
 #include <ui/datefield.h>
 
+#include <core/filedays.h>
+#include <platform/clock.h>
+
 #include <QCalendarWidget>
 #include <QDateEdit>
 #include <QLocale>
@@ -33,6 +36,8 @@ void prepareDateField(QDateEdit *field)
     if (!format.contains(QLatin1String("yyyy")))
         format.replace(QLatin1String("yy"), QLatin1String("yyyy"));
     field->setDisplayFormat(format);
+    const FileDays days = fileDays(today());
+    field->setDateRange(days.first, days.last);
     calm(field->calendarWidget());
 }
 

@@ -3,6 +3,7 @@
 #include <support/secondconnection.h>
 #include <support/table.h>
 #include <support/testmain.h>
+#include <support/timezone.h>
 #include <support/traces.h>
 
 #include <core/tasklistreader.h>
@@ -136,6 +137,34 @@ private Q_SLOTS:
         QVERIFY(cloud.store.syncToLocalFromCloud());
         QCOMPARE(keys(cloud.store.tasks()), u"a¦bˆ"_s);
         QCOMPARE(cloud.store.tasks().value(0).name, u"changed"_s);
+    }
+
+    void bringsYearsThatTheFileCannotHoldToItsEnds_data()
+    {
+        const Table<QByteArray> zone;
+        for (const char *name : timeZones)
+            zone(name, name);
+    }
+    void bringsYearsThatTheFileCannotHoldToItsEnds()
+    {
+        const auto [zone] = Table<QByteArray>::cells();
+        const TimeZone there(zone);
+        const int thisYear = QDate::currentDate().year();
+        const QDate first(thisYear - 50, 1, 1), last(thisYear + 49, 12, 31);
+        const std::pair<QDate, QDate> days[] = {{{1812, 6, 24}, first},  {first.addDays(-1), first},
+                                                {first, first},          {last, last},
+                                                {last.addDays(1), last}, {{2200, 1, 1}, last}};
+        for (const auto &[sent, here] : days) {
+            Cloud cloud;
+            task t = named("A");
+            t.date = t.due = QDateTime(sent, QTime(23, 30));
+            cloud.put({t});
+            QVERIFY(cloud.store.syncToLocalFromCloud());
+            const task merged = cloud.store.tasks().value(0);
+            const task reread = tasksInText(taskListText({merged}, false), {}, false).value(0);
+            for (const QDateTime &day : {merged.date, merged.due, reread.date, reread.due})
+                QCOMPARE(day.date(), here);
+        }
     }
 
     void takesDefaultsForWhatARecordLacks()

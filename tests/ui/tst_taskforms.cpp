@@ -3,6 +3,7 @@
 
 #include <support/table.h>
 #include <support/testmain.h>
+#include <support/timezone.h>
 
 #include <platform/sharingpicker.h>
 #include <platform/widgets/sharingmenu.h>
@@ -91,6 +92,38 @@ private Q_SLOTS:
                      "|false|9|30|17|0|Harbor Cafe|^");
         QCOMPARE(main.shown(), u"Paint fence"_s);
         QCOMPARE(main.store.defaultStartHour(), 9);
+    }
+
+    void takesNoYearThatTheFileCannotHold_data()
+    {
+        const Bytes zone;
+        for (const char *name : timeZones)
+            zone(name, name);
+    }
+    void takesNoYearThatTheFileCannotHold()
+    {
+        const auto [zone] = Bytes::cells();
+        const TimeZone there(zone);
+        MainWindow main({});
+        QWidget &form = openAdd(main);
+        QTRY_VERIFY(find<QLineEdit>(form, "txtTaskName").hasFocus());
+        QByteArrayList shown;
+        for (const auto &[name, year] : {std::pair("dtTaskDueDate", u"2200"_s), {"dtTaskDate", u"1812"_s}}) {
+            auto &field = find<QDateEdit>(form, name);
+            field.setFocus();
+            field.setSelectedSection(QDateEdit::YearSection);
+            QTest::keyClicks(&field, year);
+            QTest::keyClick(&field, Qt::Key_Tab);
+            QVERIFY(!field.hasFocus());
+            const int thisYear = QDate::currentDate().year();
+            const QDate day = QLocale().toDate(field.text(), field.displayFormat());
+            QVERIFY2(day.year() >= thisYear - 50 && day.year() < thisYear + 50, qPrintable(field.text()));
+            shown.prepend(QStringLiteral("%1/%2/").arg(day.month()).arg(day.day()).toUtf8() +
+                          QByteArray::number(100 + day.year() % 100).sliced(1));
+        }
+        QTest::keyClick(&find<QLineEdit>(form, "txtTaskName"), Qt::Key_Return);
+        const QByteArrayList saved = TemporaryHome::content(main.home.listPath()).split('|');
+        QCOMPARE((QByteArrayList{saved.value(0), saved.value(7)}), shown);
     }
 
     void leavesEverythingAsItWasWhenNothingIsTouched_data()
