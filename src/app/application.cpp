@@ -141,7 +141,8 @@ void Application::offerRescued()
     QStringList elsewhere;
     for (const QString &name : {Clients::rescueFile, TeamMembers::rescueFile}) {
         for (const EarlierVersion &version : documents.versions(name).rescued())
-            elsewhere += tr("Contacts that could not be saved when Oblino ended lie in %1.").arg(version.path);
+            elsewhere +=
+                tr("Contacts that could not be saved when Oblino ended lie in %1.").arg(version.path);
     }
     if (!elsewhere.isEmpty())
         m_mainWindow->tell(elsewhere);

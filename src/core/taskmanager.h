@@ -109,9 +109,8 @@ public:
     [[nodiscard]] qint64 getDelay() const;
     void setTestOhoneNo(const QString &testPhoneNo);
     [[nodiscard]] QString getTestPhoneNo() const;
-    /// Forgets every setting, and destroys the copies that were kept of a damaged settings file.
-    /// @return an error in words for the user, empty when no copy is left
-    [[nodiscard]] QString eraseSettings();
+    /// Destroys the copies of a damaged settings file, see Defaults::eraseCopies().
+    [[nodiscard]] QString eraseSettingsCopies();
     /// Sees the settings on disk, where they otherwise come soon. @return whether that worked
     [[nodiscard]] bool saveSettings();
 

@@ -94,9 +94,9 @@ QString TaskManager::getTestPhoneNo() const
     return text(defaultsKeys::keySeven);
 }
 
-QString TaskManager::eraseSettings()
+QString TaskManager::eraseSettingsCopies()
 {
-    return defaults.erase();
+    return defaults.eraseCopies();
 }
 
 bool TaskManager::saveSettings()

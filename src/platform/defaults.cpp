@@ -86,13 +86,16 @@ bool Defaults::save()
     return m_settings->status() == QSettings::NoError;
 }
 
-QString Defaults::erase()
+QString Defaults::eraseCopies()
 {
     const QMutexLocker lock(&m_mutex);
     static_cast<void>(m_file.hasChanged());
     m_isFileKept = true; // a damaged one goes, too
-    m_held.clear();
-    m_settings->clear();
+    // A damaged file may hold a value under a key of its own, where nobody would ever look for it.
+    if (m_file.hasCopies()) {
+        m_held.clear();
+        m_settings->clear();
+    }
     return m_file.eraseCopies();
 }
 

@@ -42,9 +42,10 @@ public:
     /// @return whether that worked
     [[nodiscard]] bool save();
 
-    /// Forgets every value, and destroys every copy of a damaged file.
-    /// @return an error in words for the user, empty when no copy is left; the file follows with save()
-    [[nodiscard]] QString erase();
+    /// Destroys every copy of a damaged file. Where there is one, every value goes, those under garbled keys
+    /// too; the file follows with save().
+    /// @return an error in words for the user, empty when no copy is left
+    [[nodiscard]] QString eraseCopies();
 
     /// Takes the sentences that reading and writing have gathered for the user.
     [[nodiscard]] QStringList takeNotices();

@@ -133,6 +133,11 @@ SettingsFile::Kept SettingsFile::keep(bool isParsed) const
                   "beside it as “%2”."_s.arg(m_path, QFileInfo(copies.list().value(0).path).fileName())};
 }
 
+bool SettingsFile::hasCopies() const
+{
+    return !copiesOf(m_path).list().isEmpty();
+}
+
 QString SettingsFile::eraseCopies() const
 {
     return copiesOf(m_path).removeAll();

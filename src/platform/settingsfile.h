@@ -37,6 +37,8 @@ public:
     /// @param isParsed  whether every line was understood
     [[nodiscard]] Kept keep(bool isParsed) const;
 
+    /// Whether the file was found damaged once.
+    [[nodiscard]] bool hasCopies() const;
     /// Removes every copy. @return an error in words for the user, empty when nothing is left
     [[nodiscard]] QString eraseCopies() const;
 

@@ -144,7 +144,7 @@ private Q_SLOTS:
         defaults.setText(u"new"_s, u"2"_s);
         QVERIFY(defaults.save());
         QVERIFY(copies().contains(bytes + "more"));
-        QCOMPARE(defaults.erase(), QString());
+        QCOMPARE(defaults.eraseCopies(), QString());
         defaults.setText(u"new"_s, u"3"_s);
         QVERIFY(defaults.save());
         QCOMPARE(contentOf(m_path), "[General]\nnew=3\n");

@@ -26,11 +26,9 @@ void ViewControllerTeamMgmt::viewDidLoad()
     connect(m_ui->removeButton, &QPushButton::clicked, this,
             [this] { RemoveTeamMember(m_ui->removeButton); });
     connect(m_ui->okButton, &QPushButton::clicked, this, [this] { OkPressed(m_ui->okButton); });
-    openStore({teamTable, new ContactList(this), m_ui->addButton, m_ui->removeButton},
-              TeamMembers::fetchRequest(),
-              {.plural = tr("team members"),
-               .title = tr("The team members"),
-               .file = TeamMembers::rescueFile});
+    openStore(
+        {teamTable, new ContactList(this), m_ui->addButton, m_ui->removeButton}, TeamMembers::fetchRequest(),
+        {.plural = tr("team members"), .title = tr("The team members"), .file = TeamMembers::rescueFile});
 }
 
 void ViewControllerTeamMgmt::AddTeamMember(QObject * /*sender*/)

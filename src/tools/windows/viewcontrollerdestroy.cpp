@@ -197,7 +197,7 @@ bool ViewControllerDestroy::eraseTeamMembers()
 
 bool ViewControllerDestroy::eraseSettings()
 {
-    const QString error = m_data.store.eraseSettings();
+    const QString error = m_data.store.eraseSettingsCopies();
     m_data.store.setTwilioSecret({});
     m_data.store.setTwilioSID({});
     m_data.store.setTwilioSendingPhoneNo({});
