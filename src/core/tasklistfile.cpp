@@ -88,7 +88,7 @@ bool TaskListFile::saveToFile()
         m_failure.clear();
     }
     m_unsaved = false;
-    m_isGone = false;
+    m_onlyHere.clear();
     m_trouble.clear();
     followAppearance();
     return true;
@@ -108,7 +108,7 @@ QString TaskListFile::failure() const
 {
     if (m_isUnkept)
         return QStringLiteral("no documents folder");
-    return m_failure.isEmpty() && m_isGone ? QStringLiteral("the file is gone") : m_failure;
+    return m_failure.isEmpty() ? m_onlyHere : m_failure;
 }
 
 QString TaskListFile::saveState(const QLocale &locale) const
@@ -181,32 +181,39 @@ bool TaskListFile::takeUp(SafeFile &file)
         return false;
     const FileReading reading = file.look();
     if (reading.outcome == FileReading::Outcome::Missing) {
-        m_isGone = file.hasSeen() && !m_store.fullList().isEmpty();
-        if (m_isGone)
+        setOnlyHere(file, QStringLiteral("the file is gone"));
+        if (!m_onlyHere.isEmpty())
             m_trouble = QStringLiteral(
                             "“%1” is gone. The list stays here, and is written again with the next change.")
                             .arg(name);
         return false;
     }
     if (reading.outcome == FileReading::Outcome::Failed) {
+        setOnlyHere(file, QStringLiteral("the file cannot be read"));
         if (!m_unsaved)
             m_trouble = reading.error + QStringLiteral(" The list stays here.");
         return false;
     }
     if (isLastSeen(file, reading)) {
         file.take(reading); // only touched
-        m_isGone = false;
+        m_onlyHere.clear();
         if (!m_unsaved)
             m_trouble.clear();
         return false;
     }
     if (const QString fault = faultOf(file, reading.bytes); !fault.isEmpty()) {
+        setOnlyHere(file, QStringLiteral("another program has damaged the file"));
         m_trouble = fault.arg(name) +
                     QStringLiteral(" The list stays here; the next change keeps that version among the "
                                    "earlier ones.");
         return false;
     }
     return m_unsaved ? merge(file, reading) : readAgain(file, reading);
+}
+
+void TaskListFile::setOnlyHere(SafeFile &file, const QString &reason)
+{
+    m_onlyHere = file.hasSeen() && !m_store.fullList().isEmpty() ? reason : QString();
 }
 
 bool TaskListFile::mergeForeign(SafeFile &file)
@@ -244,7 +251,7 @@ bool TaskListFile::readAgain(SafeFile &file, const FileReading &reading)
 void TaskListFile::replaceList(SafeFile &file, const FileReading &reading)
 {
     file.take(reading);
-    m_isGone = false;
+    m_onlyHere.clear();
     m_trouble.clear();
     // The rows are added to the full list, which is `tasks` only outside a search.
     const bool searching = m_store.isSearching();
@@ -272,7 +279,7 @@ bool TaskListFile::merge(SafeFile &file, const FileReading &reading)
         !kept(taskListText(merge.overruled, m_invertedColors), VersionReason::Conflict))
         return false;
     file.take(reading);
-    m_isGone = false;
+    m_onlyHere.clear();
     if (m_store.isSearching())
         m_store.setBackupTasks(merge.tasks);
     else
@@ -329,7 +336,8 @@ QString TaskListFile::erase()
     if (error.isEmpty()) {
         m_unreadableRows.clear();
         m_longRows.clear();
-        m_unsaved = m_isGone = false;
+        m_unsaved = false;
+        m_onlyHere.clear();
         m_failure.clear();
     }
     return error;

@@ -43,8 +43,9 @@ public:
     /// Whether the tasks in memory hold the inverted colours of the dark appearance.
     [[nodiscard]] bool invertedColors() const { return m_invertedColors; }
 
-    /// Whether the list in memory is newer than the file, because the last save failed or the file has gone.
-    [[nodiscard]] bool hasUnsavedChanges() const { return m_unsaved || m_isGone || m_isUnkept; }
+    /// Whether the list in memory is newer than the file, because the last save failed, or the file has gone
+    /// or been damaged since.
+    [[nodiscard]] bool hasUnsavedChanges() const { return m_unsaved || !m_onlyHere.isEmpty() || m_isUnkept; }
 
     /// Takes up what another program has made of the file since it was last read or written. Its list takes
     /// the place of the one in memory; where that has unsaved changes, both are merged, which is to be saved
@@ -83,6 +84,7 @@ public:
 private:
     bool takeUp(SafeFile &file);
     bool mergeForeign(SafeFile &file);
+    void setOnlyHere(SafeFile &file, const QString &reason);
     bool merge(SafeFile &file, const FileReading &reading);
     bool readAgain(SafeFile &file, const FileReading &reading);
     void replaceList(SafeFile &file, const FileReading &reading);
@@ -101,7 +103,7 @@ private:
     QString m_trouble;
     bool m_invertedColors = false;
     bool m_unsaved = false;
-    bool m_isGone = false; // it was there, and is not any more
+    QString m_onlyHere; // what has become of the file, which no longer holds the list
     bool m_isMerged = false;
     QDateTime m_savedAt;
     QString m_failure;       // why the last save failed

@@ -218,6 +218,34 @@ private Q_SLOTS:
         QVERIFY(late.saved().contains(u"apple"_s) && late.saved().contains(u"fig"_s));
     }
 
+    void aListThatIsOnlyHereIsSavedAtTheEnd_data()
+    {
+        const auto writing = [](const QByteArray &bytes) {
+            return Deed(
+                [bytes](const MainWindow &main) { TemporaryHome::write(main.home.listPath(), bytes); });
+        };
+        Deeds row;
+        row("deleted", [](const MainWindow &main) { QVERIFY(QFile::remove(main.home.listPath())); });
+        row("emptied", writing({}));
+        row("cut within a row", writing(listOf(threeTasks).chopped(30)));
+        row("rows that cannot be read", writing("broken^"));
+        row("a folder in its place", block);
+    }
+    void aListThatIsOnlyHereIsSavedAtTheEnd()
+    {
+        const auto [deed] = Deeds::cells();
+        const MainWindow main(threeTasks);
+        deed(main);
+        QTRY_VERIFY(!main.notice().isEmpty());
+        QVERIFY(main.window->isUnsaved());
+        QVERIFY2(main.saveState().startsWith(u"Not saved: "_s), qPrintable(main.saveState()));
+        if (QFileInfo(main.home.listPath()).isDir())
+            unblock(main);
+        QCOMPARE(main.window->saveNow(), QString());
+        QCOMPARE(TemporaryHome::content(main.home.listPath()), listOf(threeTasks));
+        QVERIFY(!main.window->isUnsaved() && main.notice().isEmpty() == main.home.kept().isEmpty());
+    }
+
     void saysWhetherTheListIsSaved()
     {
         const MainWindow main(threeTasks);
