@@ -135,6 +135,7 @@ QString TaskListFile::readFromFile()
             m_trouble = reading.error;
         return {};
     }
+    m_theirs = reading.bytes;
     return decoded(reading.bytes);
 }
 
@@ -240,10 +241,10 @@ QString TaskListFile::faultOf(SafeFile &file, const QByteArray &bytes) const
 
 bool TaskListFile::readAgain(SafeFile &file, const FileReading &reading)
 {
-    const QSet<QString> theirs = keysOf(tasksInText(reading.bytes, {}, false));
-    if (!theirs.contains(keysOf(m_store.fullList())) && !kept(text(), VersionReason::Replaced))
+    if (!keepWhatGoes(tasksInText(reading.bytes, m_store.defaultTimes(), m_invertedColors)))
         return false;
     replaceList(file, reading);
+    m_theirs = reading.bytes;
     m_notices += QStringLiteral("Another program changed the list; it was read again.");
     return true;
 }
@@ -275,10 +276,13 @@ bool TaskListFile::merge(SafeFile &file, const FileReading &reading)
     const QByteArray known = file.hasSeen() ? file.lastSeen() : QByteArray();
     TaskMerge merge = mergedTasks(tasksInText(known, times, m_invertedColors), m_store.fullList(), theirs,
                                   m_invertedColors);
+    if (!keepWhatGoes(merge.tasks))
+        return false;
     if (!merge.overruled.isEmpty() &&
         !kept(taskListText(merge.overruled, m_invertedColors), VersionReason::Conflict))
         return false;
     file.take(reading);
+    m_theirs = reading.bytes;
     m_onlyHere.clear();
     if (m_store.isSearching())
         m_store.setBackupTasks(merge.tasks);
@@ -292,6 +296,22 @@ bool TaskListFile::merge(SafeFile &file, const FileReading &reading)
                 .arg(taskCount(merge.overruled.size()));
     }
     return true;
+}
+
+// Keeps the list where tasks of it, or what was changed here since another program last wrote, are not in the
+// next one.
+bool TaskListFile::keepWhatGoes(const QList<task> &next)
+{
+    const auto rowsOf = [this](const QList<task> &tasks) {
+        const QByteArrayList rows = taskRows(tasks, m_invertedColors);
+        return QSet<QByteArray>(rows.cbegin(), rows.cend());
+    };
+    const QList<task> &here = m_store.fullList();
+    const QSet<QByteArray> changedHere =
+        rowsOf(here) - rowsOf(tasksInText(m_theirs, m_store.defaultTimes(), m_invertedColors));
+    const bool isAllInNext = next.size() >= here.size() && keysOf(next).contains(keysOf(here)) &&
+                             rowsOf(next).contains(changedHere);
+    return isAllInNext || kept(text(), VersionReason::Replaced);
 }
 
 bool TaskListFile::kept(const QByteArray &bytes, VersionReason reason)

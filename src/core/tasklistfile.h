@@ -1,5 +1,6 @@
 #pragma once
 
+#include <core/task.h>
 #include <platform/documents.h>
 
 #include <QByteArray>
@@ -89,6 +90,7 @@ private:
     bool readAgain(SafeFile &file, const FileReading &reading);
     void replaceList(SafeFile &file, const FileReading &reading);
     [[nodiscard]] QString faultOf(SafeFile &file, const QByteArray &bytes) const;
+    [[nodiscard]] bool keepWhatGoes(const QList<task> &next);
     [[nodiscard]] bool kept(const QByteArray &bytes, VersionReason reason);
     [[nodiscard]] QString decoded(const QByteArray &bytes);
     void followAppearance();
@@ -97,6 +99,7 @@ private:
 
     TaskManager &m_store;
     Documents &m_documents;
+    QByteArray m_theirs; // what was last read that this object had not written itself
     QList<QByteArray> m_unreadableRows;
     QList<QByteArray> m_longRows; // they hold more than the tasks read from them
     QStringList m_notices;

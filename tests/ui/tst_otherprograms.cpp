@@ -198,6 +198,25 @@ private Q_SLOTS:
         click(*form, "saveButton");
         QTRY_COMPARE(main.saved(), u"apple typed fig"_s);
         QCOMPARE(main.shown(), u"apple typed fig"_s);
+        QVERIFY(!main.home.filesWith(threeTasks.at(2).bytes()).isEmpty()); // which the other program removed
+    }
+
+    void keepsWhatAnotherProgramReverts()
+    {
+        const Row closed{.name = "apple", .date = "3/1/26", .status = 1};
+        const MainWindow main(threeTasks);
+        main.clickRow(u"apple"_s);
+        main.click("closeButton");
+        QVERIFY(TemporaryHome::content(main.home.listPath()).startsWith(closed.bytes()));
+        TemporaryHome::write(main.home.listPath(), listOf(threeTasks));
+        QTRY_VERIFY(!main.notice().isEmpty());
+        QCOMPARE(main.home.filesWith(closed.bytes()).size(), 1);
+        // What comes from there is its own to change.
+        const auto keptBefore = main.home.kept().size();
+        TemporaryHome::write(main.home.listPath(),
+                             listOf({threeTasks.at(0), threeTasks.at(1), {.name = "cherry"}}));
+        QTRY_COMPARE(main.store.fullList().at(2).date.date(), QDate(2026, 3, 7));
+        QCOMPARE(main.home.kept().size(), keptBefore);
     }
 
     void readsAFileThatAppearsLate()
