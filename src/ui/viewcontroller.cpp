@@ -77,6 +77,7 @@ void ViewController::viewWillAppear()
 bool ViewController::windowShouldClose()
 {
     trace("Close");
+    takeUpChanges(); // what a form has put off until now
     if (!m_beforeEnd())
         return false;
     Q_EMIT terminationRequested();
@@ -196,8 +197,12 @@ QString ViewController::splitStringFile(const QString &joinedStr)
 void ViewController::lookAtFile()
 {
     // What a form shows is compared when it is confirmed; the cloud is on its way from or to this list.
-    if (isFormOpen() || m_store.isWaitingForCloud())
-        return;
+    if (!isFormOpen() && !m_store.isWaitingForCloud())
+        takeUpChanges();
+}
+
+void ViewController::takeUpChanges()
+{
     const QString key = keyOfShownSelection();
     if (m_file.takeUpChanges()) {
         showChangedList(key);

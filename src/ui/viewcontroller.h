@@ -179,6 +179,7 @@ private:
     void showCloudProgress(int percent);
     void showCloudCause(const QString &cause);
     void showNotices();
+    void takeUpChanges();
     void showChangedList(const QString &selectedKey);
     [[nodiscard]] bool isFormOpen() const;
     void showCounts();
