@@ -69,8 +69,10 @@ bool LastSave::confirmed()
         if (failed.isEmpty())
             return true;
         const Answer answer = asked(failed);
-        if (answer == Cancel)
+        if (answer == Cancel) {
+            m_elsewhere.clear(); // what is changed from now on lies nowhere
             return false;
+        }
         if (answer == QuitWithoutSaving || savedElsewhere(failed))
             return true;
     }

@@ -43,7 +43,7 @@ void unblock(const QString &path)
     QFile::rename(path + u".away"_s, path);
 }
 
-// Saves as these files in the dialogs that come, one after the other.
+// Saves as these files in the dialogs that come, one after the other; an empty name cancels.
 void chooseFiles(QTimer &timer, QStringList paths)
 {
     const auto choose = [paths, last = QPointer<QFileDialog>()]() mutable {
@@ -51,8 +51,9 @@ void chooseFiles(QTimer &timer, QStringList paths)
         if (!dialog || dialog == last || paths.isEmpty())
             return;
         last = dialog;
-        find<QLineEdit>(*dialog, "fileNameEdit").setText(paths.takeFirst());
-        QMetaObject::invokeMethod(dialog, "accept", Qt::QueuedConnection);
+        const QString path = paths.takeFirst();
+        find<QLineEdit>(*dialog, "fileNameEdit").setText(path);
+        QMetaObject::invokeMethod(dialog, path.isEmpty() ? "reject" : "accept", Qt::QueuedConnection);
     };
     QObject::connect(&timer, &QTimer::timeout, &timer, choose);
     timer.start(5);
@@ -226,6 +227,39 @@ private Q_SLOTS:
         for (const QString &path : {elsewhere + u".list"_s, elsewhere + u".notes"_s})
             QFile::remove(path);
         QDir(contactsFolder()).removeRecursively();
+    }
+
+    void keepsWhatWasChangedAfterSavingElsewhere()
+    {
+        const QString notesPath = m_home.documents() + u"/ltodonotes.txt"_s;
+        TemporaryHome::write(m_home.listPath(), list + secondRow);
+        {
+            const StartedApplication program;
+            program.choose("notesAction");
+            for (const QString &path : {m_home.listPath(), notesPath})
+                block(path);
+            find<QPlainTextEdit>(*program.window, "textEdit").insertPlainText(u"A note"_s);
+            const auto clone = [&] {
+                find<QTableView>(*program.window, "tblView").selectRow(0);
+                click(*program.window, "cloneButton");
+            };
+            clone();
+            QTimer chooser;
+            chooseFiles(chooser, {m_home.path(u"elsewhere"_s), {}});
+            answering({u"Save elsewhere…"_s, u"Cancel"_s}, [&] { program.window->close(); });
+            QVERIFY(QFile::exists(m_home.path(u"elsewhere"_s)) && program.window->isVisible());
+            clone();
+            QCOMPARE(tskMgr().tasks().size(), 4);
+            QTimer::singleShot(0, this, [] { QCOMPARE(::raise(SIGTERM), 0); });
+            QCOMPARE(QApplication::exec(), 0);
+            ::alarm(0);
+        }
+        const QStringList found = m_home.filesWith(secondRow);
+        QVERIFY(std::any_of(found.cbegin(), found.cend(), [](const QString &path) {
+            return path.contains(u"[rescued]"_s) && TemporaryHome::content(path).count('^') == 4;
+        }));
+        for (const QString &path : {m_home.listPath(), notesPath})
+            unblock(path);
     }
 
 private:
