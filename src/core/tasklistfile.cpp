@@ -195,6 +195,8 @@ bool TaskListFile::takeUp(SafeFile &file)
             m_trouble = reading.error + QStringLiteral(" The list stays here.");
         return false;
     }
+    if (file.isOfUnfinished(reading.bytes))
+        return false;
     if (isLastSeen(file, reading)) {
         file.take(reading); // only touched
         m_onlyHere.clear();
@@ -223,7 +225,8 @@ bool TaskListFile::mergeForeign(SafeFile &file)
         return false;
     const FileReading reading = file.look();
     return reading.outcome == FileReading::Outcome::Read && !isLastSeen(file, reading) &&
-           faultOf(file, reading.bytes).isEmpty() && merge(file, reading);
+           !file.isOfUnfinished(reading.bytes) && faultOf(file, reading.bytes).isEmpty() &&
+           merge(file, reading);
 }
 
 // The list in memory does not give way to one that is shorter by accident: what was written halfway ends

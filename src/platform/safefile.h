@@ -88,6 +88,11 @@ public:
 
     /// Whether a save has come no further than its journal.
     [[nodiscard]] bool isUnfinished() const { return m_pending.has_value(); }
+    /// Whether such a save accounts for that content: it found it, or left it when it was cut off.
+    [[nodiscard]] bool isOfUnfinished(const QByteArray &content) const
+    {
+        return m_pending && m_pending->stateOf(content) != Journal::State::Other;
+    }
 
     /// Removes the file, its journal and every version that was kept of it, rescued texts too. A link to it
     /// stays. While the file cannot be removed, nothing is.

@@ -4,6 +4,7 @@
 #include <core/taskrowreader.h>
 
 #include <cerrno>
+#include <limits>
 
 using namespace oblino;
 
@@ -18,10 +19,13 @@ struct Disk : FileCalls
     ssize_t pwrite(int fd, const char *data, size_t size, off_t offset) override
     {
         errno = ENOSPC;
-        return isFull ? -1 : FileCalls::pwrite(fd, data, size, offset);
+        if (wholeWrites-- == 0)
+            return FileCalls::pwrite(fd, data, size / 2, offset);
+        return isFull || wholeWrites < 0 ? -1 : FileCalls::pwrite(fd, data, size, offset);
     }
     int fsync(int) override { return 0; }
     bool isFull = false;
+    int wholeWrites = std::numeric_limits<int>::max(); // after which one is cut off, and no other done
 };
 
 // One run of the program on a home: a store, and the file that it reads and saves.
@@ -268,6 +272,30 @@ private Q_SLOTS:
             QVERIFY(!run.file.hasUnsavedChanges() && run.file.invertedColors());
             QVERIFY(TemporaryHome::content(home.listPath()).startsWith(row()));
             QCOMPARE(run.aside(), odd);
+        }
+    }
+
+    void takesHalfASaveOfItsOwnForNoOtherProgram()
+    {
+        for (const bool looksBetween : {false, true}) {
+            TemporaryHome home;
+            const QByteArray third = row({{13, "c"}});
+            TemporaryHome::write(home.listPath(), row({{13, "a"}}) + row({{13, "b"}}) + third);
+            Run run(home);
+            run.read();
+            add(run.store, {.key = u"d"_s});
+            QVERIFY(run.file.saveToFile());
+            run.store.setTasks(run.store.tasks().mid(1));
+            run.disk.wholeWrites = 1; // that of the journal
+            QVERIFY(!run.file.saveToFile());
+            if (looksBetween)
+                QVERIFY(!run.file.takeUpChanges());
+            QCOMPARE(keysOf(run.store.tasks()), u"bcd"_s);
+            run.disk.wholeWrites = std::numeric_limits<int>::max();
+            run.store.setTasks(run.store.tasks().mid(1));
+            QVERIFY(run.file.saveToFile());
+            QCOMPARE(keysOf(run.store.tasks()), u"cd"_s);
+            QVERIFY(TemporaryHome::content(home.listPath()).startsWith(third));
         }
     }
 
