@@ -156,6 +156,8 @@ QString TaskListFile::splitStringFile(const QString &joinedStr)
     m_longRows += reading.longRows;
     const SafeFile *file = m_documents.file(name);
     m_unsaved = file && file->isUnfinished();
+    if (m_unsaved && m_failure.isEmpty())
+        m_failure = QStringLiteral("an interrupted save could not be completed");
     if (!m_unreadableRows.isEmpty()) {
         m_notices +=
             QStringLiteral("%1 of %2 cannot be read. Nothing is lost: the next save keeps what they hold "

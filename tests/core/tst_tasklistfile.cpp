@@ -299,6 +299,27 @@ private Q_SLOTS:
         }
     }
 
+    void saysThatASaveIsStillUnfinishedAtTheNextStart()
+    {
+        TemporaryHome home;
+        TemporaryHome::write(home.listPath(), row());
+        Run before(home);
+        before.read();
+        before.store.setTasks({});
+        before.disk.wholeWrites = 2; // the version of the day and the journal
+        add(before.store, {.key = u"b"_s});
+        QVERIFY(!before.file.saveToFile());
+        Run run(home);
+        run.disk.isFull = true;
+        run.read();
+        QCOMPARE(keysOf(run.store.tasks()), u"b"_s);
+        QVERIFY(run.file.hasUnsavedChanges());
+        const QString state = run.file.saveState(QLocale::c());
+        QVERIFY2(state.startsWith(u"Not saved: "_s), qPrintable(state));
+        run.disk.isFull = false;
+        QVERIFY(run.file.saveToFile() && run.file.saveState(QLocale::c()).startsWith(u"Saved "_s));
+    }
+
     void worksWithoutADocumentsFolder()
     {
         TemporaryHome home;
