@@ -180,7 +180,7 @@ bool TaskListFile::takeUpChanges()
 
 bool TaskListFile::takeUp(SafeFile &file)
 {
-    if (file.isAsSeen())
+    if (file.isAsSeen() && m_onlyHere.isEmpty())
         return false;
     const FileReading reading = file.look();
     if (reading.outcome == FileReading::Outcome::Missing) {

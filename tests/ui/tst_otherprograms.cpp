@@ -295,6 +295,13 @@ private Q_SLOTS:
         QCOMPARE(main.notice(), QString());
         QVERIFY(QFile::remove(main.home.listPath()));
         QTRY_COMPARE(main.saveState(), u"Not saved: the file is gone"_s);
+        // Its folder may come back with the file as it was.
+        const MainWindow moved(threeTasks);
+        QVERIFY(QFile::rename(moved.home.documents(), moved.home.documents() + u".away"_s));
+        QTRY_COMPARE(moved.saveState(), u"Not saved: the file is gone"_s);
+        QVERIFY(QFile::rename(moved.home.documents() + u".away"_s, moved.home.documents()));
+        QTRY_COMPARE(moved.saveState(), QString());
+        QVERIFY(moved.notice().isEmpty() && !moved.window->isUnsaved());
     }
 };
 
