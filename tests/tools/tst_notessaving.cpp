@@ -121,6 +121,17 @@ private Q_SLOTS:
         QCOMPARE(notes.home.kept(), kept);
     }
 
+    void aFolderThatWasAwayComesBack()
+    {
+        const Notes notes(twoLines);
+        const QString away = notes.home.documents() + u".away"_s;
+        QVERIFY(QFile::rename(notes.home.documents(), away));
+        QTRY_VERIFY(notes.pad->isUnsaved());
+        QVERIFY(QFile::rename(away, notes.home.documents()));
+        QTRY_VERIFY(!notes.pad->isUnsaved());
+        QCOMPARE(notes.notice(), QString());
+    }
+
     void anEditedTextStaysAndTheOtherVersionIsKept()
     {
         const Notes notes(twoLines);

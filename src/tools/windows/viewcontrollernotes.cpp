@@ -143,7 +143,7 @@ QString ViewControllerNotes::readFromFile()
 
 void ViewControllerNotes::readWhatOthersWrote()
 {
-    if (isEdited() || m_file.isAsSeen())
+    if (isEdited() || (m_file.isAsSeen() && !m_isOnlyHere))
         return;
     const NotesFile::Reading reading = m_file.readAgain();
     if (reading.text) {
