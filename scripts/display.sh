@@ -15,10 +15,11 @@ within() {
     done
 }
 
-# Sets and exports DISPLAY.
+# Sets and exports DISPLAY, and sets $display to the server's process.
 start_display() {
     exec 3>"$work/number"
     Xvfb -displayfd 3 -screen 0 1440x900x24 -nolisten tcp -noreset >"$work/xvfb.log" 2>&1 &
+    display=$! # its process
     exec 3>&-
     within 10 test -s "$work/number" || fail "the virtual display did not start: $(tail -n 1 "$work/xvfb.log")"
     DISPLAY=:$(cat "$work/number")
