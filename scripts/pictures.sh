@@ -16,6 +16,7 @@ windows=(
     "team|Team Members|alt+o t"
     "sending|Send Schedules|alt+o s"
     "settings|Messaging Settings|alt+o m"
+    "versions|Earlier Versions|alt+o v"
     "account|Cloud Account|alt+c a"
     "notes|Notes|alt+o n"
     "whiteboard|Whiteboard|alt+o w"

@@ -131,9 +131,12 @@ bool TaskListFile::readAgain(SafeFile &file, const FileReading &reading)
 {
     if (!keepWhatGoes(tasksInText(reading.bytes, m_store.defaultTimes(), m_invertedColors)))
         return false;
+    const ComparedList before(m_store.fullList(), m_invertedColors);
     replaceList(file, reading);
     m_theirs = reading.bytes;
-    m_notices += QStringLiteral("Another program changed the list; it was read again.");
+    const ListDifference difference = ComparedList(m_store.fullList(), m_invertedColors).since(before);
+    m_notices += QStringLiteral("Another program changed the list (%1); it was read again.")
+                     .arg(differenceText(difference));
     return true;
 }
 
