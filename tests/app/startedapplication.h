@@ -16,6 +16,10 @@ inline void moveTo(const TemporaryHome &home)
 {
     qputenv("HOME", QFile::encodeName(home.path({})));
     qputenv("DBUS_SESSION_BUS_ADDRESS", "unix:path=/nonexistent");
+    for (const char *folder : {"XDG_STATE_HOME", "TMPDIR"}) { // where texts are rescued to
+        QDir().mkdir(home.path(QLatin1String(folder)));
+        qputenv(folder, QFile::encodeName(home.path(QLatin1String(folder))));
+    }
     qputenv("QT_MEDIA_BACKEND", "ffmpeg"); // as the program chooses
     QDir::setCurrent(home.path({}));
 }

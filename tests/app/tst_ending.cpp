@@ -1,6 +1,7 @@
 #include "../contacts/storecontacts.h"
 #include "startedapplication.h"
 
+#include <support/secondconnection.h>
 #include <support/table.h>
 #include <support/testmain.h>
 
@@ -158,6 +159,24 @@ private Q_SLOTS:
         QVERIFY(!opened.isActive());
         QCOMPARE(TemporaryHome::content(m_home.listPath()), list);
         QVERIFY(saved.isEmpty() || m_home.filesWith(saved).size() == 1);
+    }
+
+    void theMainWindowTellsOfContactsThatCouldNotBeSaved()
+    {
+        const StartedApplication program;
+        program.choose("clientsAction");
+        auto *clients = program.window->findChild<ViewControllerClientMgmt *>();
+        click(*clients, "addButton");
+        QTest::keyClicks(clients->findChild<QTableView *>()->findChild<QLineEdit *>(), u"Bob"_s);
+        SecondConnection other({.file = contactsFolder() + u"/Model.sqlite"_s});
+        (void)other.run(u"BEGIN EXCLUSIVE"_s);
+        clients->close();
+        QVERIFY2(program.window->notice().startsWith(u"The clients could not be saved: "_s),
+                 qPrintable(program.window->notice()));
+        (void)other.run(u"ROLLBACK"_s);
+        QCOMPARE(clients->saveNow(), QString());
+        QCOMPARE(program.window->notice(), QString());
+        QCOMPARE(other.run(u"SELECT count(*) FROM Clients WHERE name = 'Bob'"_s).toInt(), 1);
     }
 
     void keepsWhatCouldNotBeSaved_data()
