@@ -26,7 +26,7 @@ QList<CloudRecord> inMergeOrder(QList<CloudRecord> records)
         return !isFieldText(record.value(key).toString());
     };
     if (std::ranges::any_of(std::as_const(records), isOdd))
-        std::ranges::stable_partition(records, isOdd);
+        std::stable_partition(records.begin(), records.end(), isOdd);
     return records;
 }
 
