@@ -74,7 +74,7 @@ Application::Application(SingleInstance &instance)
 Application::~Application()
 {
     s_running = nullptr;
-    FileCalls::posix().setProgressHandler({});
+    FileCalls::posix().setProgressHandler(nullptr);
     tskMgr().setCloud(nullptr, nullptr);
     if (m_sendingRun.isRunning()) { // else the gateway would be made only to be stopped
         m_sendingRun.stop();

@@ -2,8 +2,7 @@
 
 #include <QByteArray>
 
-#include <functional>
-#include <utility>
+#include <atomic>
 
 #include <sys/stat.h>
 #include <sys/types.h>
@@ -37,18 +36,18 @@ public:
     virtual int rmdir(const QByteArray &path);
 
     /// Sets what is called each time some bytes of a file have gone in or out, on the thread that moved them.
-    void setProgressHandler(std::function<void()> handler) { m_progressHandler = std::move(handler); }
+    void setProgressHandler(void (*handler)()) { m_progressHandler = handler; }
     void tellProgress() const
     {
-        if (m_progressHandler)
-            m_progressHandler();
+        if (auto *const handler = m_progressHandler.load())
+            handler();
     }
 
     /// The calls of this machine.
     static FileCalls &posix();
 
 private:
-    std::function<void()> m_progressHandler;
+    std::atomic<void (*)()> m_progressHandler = nullptr;
 };
 
 } // namespace oblino
