@@ -150,6 +150,8 @@ QString TaskListFile::erase()
 {
     QString error = m_documents.erase(name);
     if (error.isEmpty()) {
+        m_theirs.clear();
+        m_trouble.clear();
         m_unreadableRows.clear();
         m_longRows.clear();
         m_unsaved = false;
