@@ -43,7 +43,7 @@ ViewControllerNotes::~ViewControllerNotes()
 {
     timer.reset();
     // The last chance of a text that could not be saved when the window went away.
-    if (isUnsaved())
+    if (ViewControllerNotes::isUnsaved())
         saveToFile();
 }
 
