@@ -1,16 +1,18 @@
 #include <ui/taskform.h>
 
+#include <ui/colorbutton.h>
 #include <ui/datefield.h>
+#include <ui/timefield.h>
 #include <ui/uiutil.h>
 #include <ui_taskform.h>
 
 #include <core/fieldtext.h>
+#include <core/filedays.h>
+#include <platform/clock.h>
 #include <platform/widgets/refusingvalidator.h>
 
 #include <QCompleter>
 #include <QLineEdit>
-#include <QLocale>
-#include <QSignalBlocker>
 
 namespace oblino {
 
@@ -83,11 +85,13 @@ void TaskForm::fillLists()
 
 void TaskForm::prepareFields()
 {
-    const QLocale locale;
-    for (QDateEdit *field : {dtTaskDate, dtTaskDueDate})
-        prepareDateField(field);
-    for (QTimeEdit *field : {startTime, endTime})
-        field->setDisplayFormat(locale.timeFormat(QLocale::ShortFormat).remove(QLatin1String(":ss")));
+    const FileDays days = fileDays(today());
+    for (DateField *field : {dtTaskDate, dtTaskDueDate}) {
+        field->setDayRange(days.first, days.last);
+        connect(field, &DateField::dateChosen, this, &TaskForm::showTimesNotice);
+    }
+    for (TimeField *field : {startTime, endTime})
+        connect(field, &TimeField::timeChosen, this, &TaskForm::showTimesNotice);
     for (QComboBox *box : {client, teamMember}) {
         box->setInsertPolicy(QComboBox::NoInsert);
         // Its layout would measure every name of a long directory.
@@ -96,6 +100,13 @@ void TaskForm::prepareFields()
         new RefusingValidator(isFieldText, whyNotFieldText(), box->lineEdit());
     }
     new RefusingValidator(isFieldText, whyNotFieldText(), txtTaskName);
+}
+
+void TaskForm::showTimesNotice()
+{
+    const bool isBackwards =
+        dtTaskDate->date() == dtTaskDueDate->date() && endTime->time() < startTime->time();
+    m_ui->timesNotice->setNotice(isBackwards ? tr("The end time is before the start time.") : QString());
 }
 
 void TaskForm::setContacts(const QStringList &clients, const QStringList &teamMembers)
@@ -118,16 +129,16 @@ void TaskForm::setDescription(const QString &desc)
 
 void TaskForm::setDate(const QDateTime &date)
 {
-    const QSignalBlocker blocker(dtTaskDate);
-    dtTaskDate->setDateTime(date);
-    m_date.set(date, dtTaskDate->dateTime());
+    dtTaskDate->setDate(date.date());
+    m_date.set(date, date.date());
+    showTimesNotice();
 }
 
 void TaskForm::setDueDate(const QDateTime &due)
 {
-    const QSignalBlocker blocker(dtTaskDueDate);
-    dtTaskDueDate->setDateTime(due);
-    m_due.set(due, dtTaskDueDate->dateTime());
+    dtTaskDueDate->setDate(due.date());
+    m_due.set(due, due.date());
+    showTimesNotice();
 }
 
 void TaskForm::setStatus(qint64 status, const QString &statusName)
@@ -146,9 +157,10 @@ void TaskForm::setTimes(qint64 startHour, qint64 startMin, qint64 endHour, qint6
 {
     setTime(*startTime, m_start, startHour, startMin);
     setTime(*endTime, m_end, endHour, endMin);
+    showTimesNotice();
 }
 
-void TaskForm::setTime(QTimeEdit &picker, KeptValue<HourAndMinute, QTime> &kept, qint64 hour, qint64 minute)
+void TaskForm::setTime(TimeField &picker, KeptValue<HourAndMinute, QTime> &kept, qint64 hour, qint64 minute)
 {
     m_utilities.setTimeDatePicker(picker, hour, minute);
     kept.set({hour, minute}, picker.time());
@@ -164,12 +176,24 @@ void TaskForm::setPeople(const QString &clientName, const QString &teamMemberNam
 
 QDateTime TaskForm::date() const
 {
-    return m_date.held(dtTaskDate->dateTime(), dtTaskDate->dateTime());
+    return m_date.held(dtTaskDate->date(), dtTaskDate->date().startOfDay());
 }
 
 QDateTime TaskForm::dueDate() const
 {
-    return m_due.held(dtTaskDueDate->dateTime(), dtTaskDueDate->dateTime());
+    return m_due.held(dtTaskDueDate->date(), dtTaskDueDate->date().startOfDay());
+}
+
+bool TaskForm::judge()
+{
+    for (TypedField *field :
+         std::initializer_list<TypedField *>{dtTaskDate, dtTaskDueDate, startTime, endTime}) {
+        if (!field->judge()) {
+            field->setFocus();
+            return false;
+        }
+    }
+    return true;
 }
 
 task TaskForm::entered() const
@@ -177,7 +201,7 @@ task TaskForm::entered() const
     const auto text = [](const KeptValue<QString> &kept, const QString &shown) {
         return kept.held(shown, shown);
     };
-    const auto time = [this](const KeptValue<HourAndMinute, QTime> &kept, const QTimeEdit &picker) {
+    const auto time = [this](const KeptValue<HourAndMinute, QTime> &kept, const TimeField &picker) {
         return kept.held(picker.time(), {m_utilities.getHourFromDatePicker(picker),
                                          m_utilities.getMinuteFromDatePicker(picker)});
     };

@@ -11,9 +11,7 @@
 #include <utility>
 
 class QComboBox;
-class QDateEdit;
 class QLineEdit;
-class QTimeEdit;
 
 namespace oblino {
 
@@ -22,12 +20,16 @@ class TaskForm;
 }
 
 class ColorButton;
+class DateField;
 class DescriptionView;
+class TimeField;
+class TypedField;
 class UIUtil;
 
 /// The eleven controls in which a task is entered, shared by the add and the edit form. What the user leaves
 /// alone comes back exactly as it was set, also where a control cannot show all of it: an hour past 23, a
-/// status outside the list, a date past the calendar's end, a description with odd line ends.
+/// status outside the list, a date outside the field's range or with a time of day, a description with odd
+/// line ends.
 class TaskForm : public QWidget
 {
     Q_OBJECT
@@ -50,20 +52,24 @@ public:
     [[nodiscard]] QDateTime date() const;
     [[nodiscard]] QDateTime dueDate() const;
 
+    /// Reads what stands in the fields for dates and times. Where one cannot be read, it gets the focus.
+    /// @return whether all could
+    [[nodiscard]] bool judge();
+
     /// What the form holds; key and hidden flag have no meaning.
     [[nodiscard]] task entered() const;
 
     // Controls
 
     QLineEdit *txtTaskName;
-    QDateEdit *dtTaskDate;
+    DateField *dtTaskDate;
     DescriptionView *txtTaskDescription;
     ColorButton *color;
-    QDateEdit *dtTaskDueDate;
+    DateField *dtTaskDueDate;
     QComboBox *inTaskStatus;
     QComboBox *inTaskPriority;
-    QTimeEdit *startTime;
-    QTimeEdit *endTime;
+    TimeField *startTime;
+    TimeField *endTime;
     QComboBox *teamMember;
     QComboBox *client;
 
@@ -72,14 +78,15 @@ private:
 
     void fillLists();
     void prepareFields();
-    void setTime(QTimeEdit &picker, KeptValue<HourAndMinute, QTime> &kept, qint64 hour, qint64 minute);
+    void showTimesNotice();
+    void setTime(TimeField &picker, KeptValue<HourAndMinute, QTime> &kept, qint64 hour, qint64 minute);
 
     std::unique_ptr<Ui::TaskForm> m_ui;
     UIUtil &m_utilities;
     KeptValue<QString> m_name;
     KeptValue<QString> m_desc;
-    KeptValue<QDateTime> m_date;
-    KeptValue<QDateTime> m_due;
+    KeptValue<QDateTime, QDate> m_date;
+    KeptValue<QDateTime, QDate> m_due;
     KeptValue<QString, qint64> m_statusName; // shown by its number
     KeptValue<QString, qint64> m_priorityName;
     KeptValue<HourAndMinute, QTime> m_start;

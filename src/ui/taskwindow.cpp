@@ -1,8 +1,10 @@
 #include <ui/taskwindow.h>
 
 #include <ui/colorbutton.h>
+#include <ui/datefield.h>
 #include <ui/descriptionview.h>
 #include <ui/taskform.h>
+#include <ui/uiutil.h>
 
 #include <contacts/contactmodel.h>
 #include <core/taskmanager.h>
@@ -14,6 +16,7 @@
 #include <QPushButton>
 #include <QScreen>
 #include <QShowEvent>
+#include <QTimer>
 #include <QVBoxLayout>
 
 namespace oblino {
@@ -38,6 +41,7 @@ TaskWindow::TaskWindow(const TaskWindowContext &context, const QString &mainTitl
             &QDialog::reject);
     m_form->txtTaskName->setFocus();
     connect(m_form->color, &ColorButton::panelColorChanged, this, [this] { changeColor(m_form->color); });
+    watchDates();
     loadView();
 }
 
@@ -94,6 +98,80 @@ void TaskWindow::acceptPickedColor()
     }
     colorWell = picked;
     m_form->txtTaskDescription->setTextColor(m_store.textColor());
+}
+
+void TaskWindow::watchDates()
+{
+    connect(m_form->dtTaskDate, &DateField::dateChosen, this,
+            [this] { m_dateWasChosen = m_choseDateLast = true; });
+    connect(m_form->dtTaskDueDate, &DateField::dateChosen, this, [this] {
+        m_dueDateWasChosen = true;
+        m_choseDateLast = false;
+    });
+    // On the way from the one date to the other their order says nothing yet. The question comes later,
+    // because in the middle of a change of focus it would swallow the click that made it.
+    const auto check = [this](const DateField *field, void (TaskWindow::*select)()) {
+        const bool isForAButton =
+            focusWidget() && m_buttons->isAncestorOf(focusWidget()); // checks, or cancels
+        if (isVisible() && !isForAButton && !field->isMarked())
+            (this->*select)();
+    };
+    connect(m_form->dtTaskDate, &DateField::left, this, [this, check] {
+        if (m_dueDateWasChosen)
+            QTimer::singleShot(0, this,
+                               [this, check] { check(m_form->dtTaskDate, &TaskWindow::SelectDate); });
+    });
+    connect(m_form->dtTaskDueDate, &DateField::left, this, [this, check] {
+        if (m_dateWasChosen)
+            QTimer::singleShot(0, this,
+                               [this, check] { check(m_form->dtTaskDueDate, &TaskWindow::SelectDueDate); });
+    });
+}
+
+bool TaskWindow::asksToMoveDueDate(const QString &text)
+{
+    return m_utilities.ask({{}, text, {QStringLiteral("OK"), tr("Move the due date too")}, 0}) == 1;
+}
+
+void TaskWindow::refuseDate()
+{
+    if (!asksToMoveDueDate(QStringLiteral("Select a Start Date prior to Due Date"))) {
+        m_form->setDate(previousDate);
+        m_form->dtTaskDate->setFocus();
+        return;
+    }
+    const QDateTime moved = previousDueDate.addDays(previousDate.daysTo(m_form->date()));
+    m_form->setDueDate(isInOrder(m_form->date(), moved) ? moved : m_form->date());
+    previousDueDate = m_form->dueDate();
+}
+
+void TaskWindow::refuseDueDate()
+{
+    m_utilities.dialogOK(QStringLiteral("Select a Due Date after Start Date"));
+    m_form->setDueDate(previousDueDate);
+    m_form->dtTaskDueDate->setFocus();
+}
+
+// A date that is put back is not what the user meant, so that nothing is confirmed with it.
+bool TaskWindow::mayConfirm()
+{
+    if (!m_form->judge())
+        return false;
+    const bool wasChosen = m_dateWasChosen || m_dueDateWasChosen;
+    if (!wasChosen || isInOrder(m_form->date(), m_form->dueDate()))
+        return true;
+    if (!m_choseDateLast) {
+        SelectDueDate();
+        return false;
+    }
+    const QDateTime date = m_form->date();
+    SelectDate();
+    return m_form->date() == date;
+}
+
+void TaskWindow::forgetChosenDates()
+{
+    m_dateWasChosen = m_dueDateWasChosen = false;
 }
 
 void TaskWindow::showEvent(QShowEvent *event)

@@ -55,6 +55,18 @@ protected:
     void loadView();
     /// A colour was picked: accepts it unless it is that of the description's text.
     void acceptPickedColor();
+    virtual void SelectDate() = 0;
+    virtual void SelectDueDate() = 0;
+    /// Whether a task may start and be due at these moments.
+    [[nodiscard]] virtual bool isInOrder(const QDateTime &start, const QDateTime &due) const = 0;
+    /// The start is later than the due date: offers to move that too, else puts the start back.
+    void refuseDate();
+    /// The due date is earlier than the start: puts it back.
+    void refuseDueDate();
+    /// Reads what was typed and sees to the order of the dates. @return whether the form may be confirmed
+    [[nodiscard]] bool mayConfirm();
+    /// The dates in the form are those that it began with.
+    void forgetChosenDates();
     void showEvent(QShowEvent *event) override;
     void hideEvent(QHideEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
@@ -71,6 +83,12 @@ protected:
     QDateTime previousDueDate;
 
 private:
+    void watchDates();
+    [[nodiscard]] bool asksToMoveDueDate(const QString &text);
+
+    bool m_dateWasChosen = false; // in this form
+    bool m_dueDateWasChosen = false;
+    bool m_choseDateLast = false; // rather than the due date
     QString m_dataFolder;
     std::unique_ptr<PersistentContainer> persistentContainer;
     ManagedObjectContext *managedObjectContext = nullptr; // the container's main one; none without a store

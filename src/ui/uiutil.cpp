@@ -1,12 +1,12 @@
 #include <ui/uiutil.h>
 
+#include <ui/timefield.h>
+
 #include <core/celltext.h>
 #include <core/days.h>
 #include <platform/soundplayer.h>
 #include <platform/trace.h>
 #include <platform/widgets/messageboxalert.h>
-
-#include <QTimeEdit>
 
 #include <algorithm>
 #include <utility>
@@ -93,17 +93,17 @@ void UIUtil::playSound()
         soundPlayer->play();
 }
 
-int UIUtil::getHourFromDatePicker(const QTimeEdit &datePicker) const
+int UIUtil::getHourFromDatePicker(const TimeField &datePicker) const
 {
     return datePicker.time().hour();
 }
 
-int UIUtil::getMinuteFromDatePicker(const QTimeEdit &datePicker) const
+int UIUtil::getMinuteFromDatePicker(const TimeField &datePicker) const
 {
     return datePicker.time().minute();
 }
 
-void UIUtil::setTimeDatePicker(QTimeEdit &datePicker, qint64 hour, qint64 min) const
+void UIUtil::setTimeDatePicker(TimeField &datePicker, qint64 hour, qint64 min) const
 {
     datePicker.setTime(QTime(static_cast<int>(std::clamp<qint64>(hour, 0, 23)),
                              static_cast<int>(std::clamp<qint64>(min, 0, 59))));

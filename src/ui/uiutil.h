@@ -9,11 +9,10 @@
 #include <memory>
 #include <optional>
 
-class QTimeEdit;
-
 namespace oblino {
 
 class SoundPlayer;
+class TimeField;
 
 /// The small routines that every window uses: modal questions, the one-line cut of a description, day
 /// comparisons, the sound, time pickers and the twelve-hour time text.
@@ -51,11 +50,11 @@ public:
     void playSound();
 
     /// 0..23
-    [[nodiscard]] int getHourFromDatePicker(const QTimeEdit &datePicker) const;
+    [[nodiscard]] int getHourFromDatePicker(const TimeField &datePicker) const;
     /// 0..59
-    [[nodiscard]] int getMinuteFromDatePicker(const QTimeEdit &datePicker) const;
+    [[nodiscard]] int getMinuteFromDatePicker(const TimeField &datePicker) const;
     /// Hours and minutes outside 0..23 and 0..59 count as the nearest inside.
-    void setTimeDatePicker(QTimeEdit &datePicker, qint64 hour, qint64 min) const;
+    void setTimeDatePicker(TimeField &datePicker, qint64 hour, qint64 min) const;
 
     /// The time of day on a twelve-hour clock, as in 12:05AM.
     [[nodiscard]] QString amPM(qint64 hour, qint64 min) const;

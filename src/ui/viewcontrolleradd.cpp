@@ -1,8 +1,10 @@
 #include <ui/viewcontrolleradd.h>
 
 #include <ui/colorbutton.h>
+#include <ui/datefield.h>
 #include <ui/descriptionview.h>
 #include <ui/taskform.h>
+#include <ui/timefield.h>
 #include <ui/uiutil.h>
 
 #include <core/taskmanager.h>
@@ -12,7 +14,6 @@
 #include <platform/widgets/windowsize.h>
 
 #include <QComboBox>
-#include <QDateEdit>
 #include <QDialogButtonBox>
 #include <QLineEdit>
 #include <QPushButton>
@@ -29,8 +30,6 @@ ViewControllerAdd::ViewControllerAdd(const TaskWindowContext &context, QWidget *
     reset->setAutoDefault(false);
     connect(m_mainButton, &QPushButton::clicked, this, &ViewControllerAdd::btnAddTask_Click);
     connect(reset, &QPushButton::clicked, this, &ViewControllerAdd::ResetToOriginal);
-    connect(m_form->dtTaskDate, &QDateEdit::dateTimeChanged, this, &ViewControllerAdd::SelectDate);
-    connect(m_form->dtTaskDueDate, &QDateEdit::dateTimeChanged, this, &ViewControllerAdd::SelectDueDate);
     connect(m_form->color, &ColorButton::picked, this, &ViewControllerAdd::selectColorWell);
     previousDate = previousDueDate = now();
     viewDidLoad();
@@ -54,7 +53,7 @@ void ViewControllerAdd::viewWillAppear()
 {
     setLeastSize(*this, {565, 452});
     colorWell = m_store.neutralColor();
-    const auto traceTime = [this](const QTimeEdit &picker) {
+    const auto traceTime = [this](const TimeField &picker) {
         trace(m_utilities.getHourFromDatePicker(picker), ":", m_utilities.getMinuteFromDatePicker(picker));
     };
     traceTime(*m_form->startTime);
@@ -68,12 +67,15 @@ void ViewControllerAdd::chooseNow()
     m_form->setDate(moment);
 }
 
+bool ViewControllerAdd::isInOrder(const QDateTime &start, const QDateTime &due) const
+{
+    return start.date() <= due.date();
+}
+
 void ViewControllerAdd::SelectDate()
 {
-    if (m_utilities.compareDate<int>(m_form->date(), m_form->dueDate()) == -1) {
-        m_utilities.dialogOK(QStringLiteral("Select a Start Date prior to Due Date"));
-        m_form->setDate(previousDate);
-    }
+    if (m_utilities.compareDate<int>(m_form->date(), m_form->dueDate()) == -1)
+        refuseDate();
     previousDate = m_form->date();
 }
 
@@ -81,10 +83,8 @@ void ViewControllerAdd::SelectDueDate()
 {
     trace("Start Date:", m_form->date());
     trace("Due Date:", m_form->dueDate());
-    if (m_utilities.compareDate<int>(m_form->dueDate(), m_form->date()) == 1) {
-        m_utilities.dialogOK(QStringLiteral("Select a Due Date after Start Date"));
-        m_form->setDueDate(previousDueDate);
-    }
+    if (m_utilities.compareDate<int>(m_form->dueDate(), m_form->date()) == 1)
+        refuseDueDate();
     previousDueDate = m_form->dueDate();
 }
 
@@ -103,6 +103,7 @@ void ViewControllerAdd::interfaceModeChanged()
 void ViewControllerAdd::ResetToOriginal()
 {
     trace("Reset");
+    forgetChosenDates();
     chooseNow();
     m_form->setName({});
     m_form->inTaskStatus->setCurrentIndex(0);
@@ -114,6 +115,8 @@ void ViewControllerAdd::ResetToOriginal()
 void ViewControllerAdd::btnAddTask_Click()
 {
     trace("Button Pressed");
+    if (!mayConfirm())
+        return;
     const task t = m_form->entered();
     m_store.addTask({}, t.date, t.name, t.desc, t.color, t.due, t.status, t.priority, t.statusName,
                     t.priorityName, false, t.startHour, t.startMin, t.endHour, t.endMin, t.client,

@@ -21,8 +21,9 @@ protected:
 
 private:
     void viewDidLoad();
-    void SelectDate();
-    void SelectDueDate();
+    void SelectDate() override;
+    void SelectDueDate() override;
+    [[nodiscard]] bool isInOrder(const QDateTime &start, const QDateTime &due) const override;
     void selectColorWell();
     void chooseNow();
 };

@@ -1,6 +1,7 @@
 #include <ui/viewcontrolleredit.h>
 
 #include <ui/colorbutton.h>
+#include <ui/datefield.h>
 #include <ui/descriptionview.h>
 #include <ui/icons.h>
 #include <ui/taskform.h>
@@ -12,7 +13,6 @@
 #include <platform/trace.h>
 #include <platform/widgets/windowsize.h>
 
-#include <QDateEdit>
 #include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QHBoxLayout>
@@ -51,8 +51,6 @@ ViewControllerEdit::ViewControllerEdit(const TaskWindowContext &context, QWidget
     connect(m_shareButton, &QPushButton::pressed, this, [this] { shareTask(m_shareButton); });
     connect(reset, &QPushButton::clicked, this, &ViewControllerEdit::ResetToOriginal);
     connect(copyKey, &QPushButton::clicked, this, &ViewControllerEdit::CopyKeyLabel);
-    connect(m_form->dtTaskDate, &QDateEdit::dateTimeChanged, this, &ViewControllerEdit::SelectDate);
-    connect(m_form->dtTaskDueDate, &QDateEdit::dateTimeChanged, this, &ViewControllerEdit::SelectDueDate);
     connect(m_form->color, &ColorButton::picked, this, &ViewControllerEdit::SelectColorWell);
 
     const task selected = m_store.getSelectedTask();
@@ -108,23 +106,24 @@ void ViewControllerEdit::traceDates() const
     trace("Due Date:", m_form->dueDate());
 }
 
+bool ViewControllerEdit::isInOrder(const QDateTime &start, const QDateTime &due) const
+{
+    return start <= due;
+}
+
 void ViewControllerEdit::SelectDate()
 {
     traceDates();
-    if (m_form->date() > m_form->dueDate()) {
-        m_utilities.dialogOK(QStringLiteral("Select a Start Date prior to Due Date"));
-        m_form->setDate(previousDate);
-    }
+    if (!isInOrder(m_form->date(), m_form->dueDate()))
+        refuseDate();
     previousDate = m_form->date();
 }
 
 void ViewControllerEdit::SelectDueDate()
 {
     traceDates();
-    if (m_form->dueDate() < m_form->date()) {
-        m_utilities.dialogOK(QStringLiteral("Select a Due Date after Start Date"));
-        m_form->setDueDate(previousDueDate);
-    }
+    if (!isInOrder(m_form->date(), m_form->dueDate()))
+        refuseDueDate();
     previousDueDate = m_form->dueDate();
 }
 
@@ -143,6 +142,7 @@ void ViewControllerEdit::interfaceModeChanged()
 void ViewControllerEdit::ResetToOriginal()
 {
     trace("Reset");
+    forgetChosenDates();
     if (selectOwnTask())
         showFields(m_store.getSelectedTask());
 }
@@ -162,7 +162,7 @@ bool ViewControllerEdit::selectOwnTask()
 
 bool ViewControllerEdit::save()
 {
-    if (!selectOwnTask())
+    if (!mayConfirm() || !selectOwnTask())
         return false;
     const task t = m_form->entered();
     m_store.editSelectedTask(t.date, t.name, t.desc, t.color, t.due, t.status, t.priority, t.statusName,

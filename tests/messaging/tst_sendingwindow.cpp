@@ -8,6 +8,7 @@
 #include <support/table.h>
 #include <support/testmain.h>
 #include <support/widgets.h>
+#include <ui/datefield.h>
 #include <ui/uiutil.h>
 
 #include <QSignalSpy>
@@ -94,8 +95,8 @@ struct Window : Store
     void show()
     {
         controller = std::make_unique<ViewControllerSending>(store, utilities, run, home.privateFolder());
-        find<QDateEdit>("startSendDate").setDate(day.date());
-        find<QDateEdit>("endSendDate").setDate(day.date().addDays(2));
+        find<DateField>("startSendDate").setDate(day.date());
+        find<DateField>("endSendDate").setDate(day.date().addDays(2));
         showActive(*controller);
     }
 
@@ -219,7 +220,7 @@ private Q_SLOTS:
         w.store.setTasks({});
         text.clear();
         w.find<QTableView>("clientsTable").clearSelection();
-        w.find<QDateEdit>("endSendDate").setDate(day.date().addDays(6));
+        w.find<DateField>("endSendDate").setDate(day.date().addDays(6));
         w.gateway.answers.release(ScriptedGateway::all);
         QTRY_COMPARE(w.enabled(), everyButton);
         QCOMPARE(w.gateway.sent(), sent);

@@ -23,6 +23,16 @@ template<typename Widget>
     return *widget;
 }
 
+/// Types a text into a field in place of what stands there, and goes on with that key.
+inline void type(QWidget &field, const QString &text, Qt::Key next = Qt::Key_Tab)
+{
+    field.setFocus(Qt::TabFocusReason);
+    QWidget *line = field.focusProxy() ? field.focusProxy() : &field;
+    QTest::keyClick(line, Qt::Key_A, Qt::ControlModifier);
+    QTest::keyClicks(line, text);
+    QTest::keyClick(line, next);
+}
+
 /// Clicks a button where a check box has its mark.
 inline void click(const QWidget &parent, const char *name)
 {

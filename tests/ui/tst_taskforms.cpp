@@ -3,17 +3,20 @@
 
 #include <support/table.h>
 #include <support/testmain.h>
-#include <support/timezone.h>
 
 #include <platform/sharingpicker.h>
+#include <platform/widgets/noticelabel.h>
 #include <platform/widgets/sharingmenu.h>
 #include <ui/colorbutton.h>
+#include <ui/datefield.h>
 #include <ui/descriptionview.h>
+#include <ui/timefield.h>
 #include <ui/viewcontrolleradd.h>
 #include <ui/viewcontrolleredit.h>
 
 using namespace oblino;
 using Bytes = Table<QByteArray>;
+using Typing = Table<const char *, QString, QByteArray>;
 using Checks = Table<bool, const char *, int, QString>;
 
 namespace {
@@ -38,7 +41,7 @@ Form &opened(const MainWindow &main)
 {
     auto *form = main.window->findChild<Form *>();
     Q_ASSERT(form);
-    (void)QTest::qWaitForWindowActive(form);
+    (void)QTest::qWaitFor([form] { return QApplication::activeWindow() == form; });
     return *form;
 }
 
@@ -71,16 +74,18 @@ class tst_taskforms : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
+    void init() { QLocale::setDefault(QLocale(u"en_US"_s)); }
+
     void addsWhatWasTypedDownToTheFile()
     {
         MainWindow main({});
         QWidget &form = openAdd(main);
         QTRY_VERIFY(find<QLineEdit>(form, "txtTaskName").hasFocus());
         QTest::keyClicks(&find<QLineEdit>(form, "txtTaskName"), u"Paint|^ fence"_s);
-        find<QDateEdit>(form, "dtTaskDueDate").setDate(QDate(2030, 3, 9));
-        find<QDateEdit>(form, "dtTaskDate").setDate(QDate(2030, 3, 7));
+        type(find<DateField>(form, "dtTaskDueDate"), u"3/9/2030"_s);
+        type(find<DateField>(form, "dtTaskDate"), u"Mar 7, 30"_s);
         QTest::keyClick(&find<QComboBox>(form, "inTaskPriority"), Qt::Key_H);
-        find<QTimeEdit>(form, "startTime").setTime(QTime(9, 30));
+        type(find<TimeField>(form, "startTime"), u"930"_s);
         QTest::keyClicks(&find<QComboBox>(form, "client"), u"Harbor Cafe"_s);
         QTest::keyClicks(&find<DescriptionView>(form, "txtTaskDescription"), u"Two^ coats"_s);
         QTest::keyClick(&find<QLineEdit>(form, "txtTaskName"), Qt::Key_Return);
@@ -94,36 +99,55 @@ private Q_SLOTS:
         QCOMPARE(main.store.defaultStartHour(), 9);
     }
 
-    void takesNoYearThatTheFileCannotHold_data()
+    void keepsDatesAndTimesAsTheyAreTyped_data()
     {
-        const Bytes zone;
-        for (const char *name : timeZones)
-            zone(name, name);
+        const Typing row;
+        row("American", "en_US", u"12/25/2026 12/26/2026 9:30am 14:30"_s, "12/25/26 12/26/26 9|30|14|30");
+        row("German", "de_DE", u"25.12.2026 26.12.26 9.30 1630"_s, "12/25/26 12/26/26 9|30|16|30");
+        row("French", "fr_FR", u"25/12/2026 26/12/2026 8h 14h30"_s, "12/25/26 12/26/26 8|0|14|30");
+        row("Japanese", "ja_JP", u"2026/12/25 12/26 9:05 2:30p"_s, "12/25/26 12/26/26 9|5|14|30");
+        row("the last year of the file", "en_US", u"1/2/2027 12/31/75 7 8p"_s, "1/2/27 12/31/75 7|0|20|0");
     }
-    void takesNoYearThatTheFileCannotHold()
+    // Each field is left as one leaves it by the shortcut of the next; the last is still being typed.
+    void keepsDatesAndTimesAsTheyAreTyped()
     {
-        const auto [zone] = Bytes::cells();
-        const TimeZone there(zone);
+        const auto [locale, typed, saved] = Typing::cells();
+        QLocale::setDefault(QLocale(QLatin1String(locale)));
         MainWindow main({});
         QWidget &form = openAdd(main);
-        QTRY_VERIFY(find<QLineEdit>(form, "txtTaskName").hasFocus());
-        QByteArrayList shown;
-        for (const auto &[name, year] : {std::pair("dtTaskDueDate", u"2200"_s), {"dtTaskDate", u"1812"_s}}) {
-            auto &field = find<QDateEdit>(form, name);
-            field.setFocus();
-            field.setSelectedSection(QDateEdit::YearSection);
-            QTest::keyClicks(&field, year);
-            QTest::keyClick(&field, Qt::Key_Tab);
-            QVERIFY(!field.hasFocus());
-            const int thisYear = QDate::currentDate().year();
-            const QDate day = QLocale().toDate(field.text(), field.displayFormat());
-            QVERIFY2(day.year() >= thisYear - 50 && day.year() < thisYear + 50, qPrintable(field.text()));
-            shown.prepend(QStringLiteral("%1/%2/").arg(day.month()).arg(day.day()).toUtf8() +
-                          QByteArray::number(100 + day.year() % 100).sliced(1));
+        const QStringList texts = typed.split(u' ');
+        const std::array keys = {Qt::Key_S, Qt::Key_U, Qt::Key_T, Qt::Key_E};
+        for (size_t i = 0; i < keys.size(); ++i) {
+            QTest::keyClick(&form, keys.at(i), Qt::AltModifier);
+            QTest::keyClicks(form.focusWidget(), texts.at(static_cast<qsizetype>(i)));
         }
-        QTest::keyClick(&find<QLineEdit>(form, "txtTaskName"), Qt::Key_Return);
-        const QByteArrayList saved = TemporaryHome::content(main.home.listPath()).split('|');
-        QCOMPARE((QByteArrayList{saved.value(0), saved.value(7)}), shown);
+        QTest::keyClick(&form, Qt::Key_D, Qt::AltModifier); // Add
+        const QByteArrayList cells = TemporaryHome::content(main.home.listPath()).split('|');
+        QCOMPARE(cells.value(0) + ' ' + cells.value(7) + ' ' + cells.mid(14, 4).join('|'), saved);
+        QVERIFY(main.questions.asked.isEmpty());
+    }
+
+    void holdsBackWhatCannotBeRead_data()
+    {
+        const Bytes row;
+        row("no such day", "2/31/2026");
+        row("a year that the file cannot hold", "3/7/1812");
+        row("nothing", " ");
+    }
+    void holdsBackWhatCannotBeRead()
+    {
+        const auto [typed] = Bytes::cells();
+        MainWindow main({});
+        QWidget &form = openAdd(main);
+        auto &field = find<DateField>(form, "dtTaskDueDate");
+        type(field, QString::fromUtf8(typed), Qt::Key_Return);
+        QTest::keyClick(&form, Qt::Key_D, Qt::AltModifier);
+        QVERIFY(form.isVisible());
+        QCOMPARE(field.lineEdit()->text(), QString::fromUtf8(typed));
+        QVERIFY(field.isMarked() && field.lineEdit()->hasFocus());
+        QCOMPARE(TemporaryHome::content(main.home.listPath()), "");
+        type(field, u"12/31/2050"_s, Qt::Key_Return);
+        QVERIFY(TemporaryHome::content(main.home.listPath()).contains("|12/31/50|"));
     }
 
     void leavesEverythingAsItWasWhenNothingIsTouched_data()
@@ -167,11 +191,50 @@ private Q_SLOTS:
         const auto [edit, name, days, message] = Checks::cells();
         MainWindow main(oneTask);
         QWidget *form = edit ? static_cast<QWidget *>(&openEdit(main)) : &openAdd(main);
-        auto &picker = find<QDateEdit>(*form, name);
-        const QDate before = picker.date();
-        picker.setDate(before.addDays(days));
+        auto &field = find<DateField>(*form, name);
+        const QDate before = field.date();
+        type(field, QLocale().toString(before.addDays(days), u"M/d/yyyy"_s));
+        QVERIFY(main.questions.asked.isEmpty()); // the other date may follow
+        const QByteArray saved = TemporaryHome::content(main.home.listPath());
+        QTest::keyClick(form->focusWidget(), Qt::Key_Return);
         QCOMPARE(main.questions.asked.value(0).informativeText, message);
-        QCOMPARE(picker.date(), message.isEmpty() ? before.addDays(days) : before);
+        QCOMPARE(field.date(), message.isEmpty() ? before.addDays(days) : before);
+        QCOMPARE(TemporaryHome::content(main.home.listPath()) == saved, !message.isEmpty());
+    }
+
+    void movesTheDueDateWithTheStart()
+    {
+        MainWindow main(oneTask); // from 3/7 to 3/9
+        QWidget &form = openEdit(main);
+        main.questions.answer = 1;
+        type(find<DateField>(form, "dtTaskDate"), u"4/1/2026"_s, Qt::Key_Return);
+        QCOMPARE(main.questions.asked.size(), 1);
+        const QByteArrayList cells = TemporaryHome::content(main.home.listPath()).split('|');
+        QCOMPARE((QByteArrayList{cells.value(0), cells.value(7)}), (QByteArrayList{"4/1/26", "4/3/26"}));
+    }
+
+    void asksOnceWhenTheSecondDateIsLeft()
+    {
+        MainWindow main(oneTask);
+        QWidget &form = openEdit(main);
+        type(find<DateField>(form, "dtTaskDate"), u"4/1/2026"_s);
+        type(find<DateField>(form, "dtTaskDueDate"), u"3/31/2026"_s);
+        QTRY_COMPARE(main.questions.asked.size(), 1);
+        QCOMPARE(main.questions.asked.at(0).informativeText, u"Select a Due Date after Start Date"_s);
+        type(find<DateField>(form, "dtTaskDueDate"), u"4/2/2026"_s, Qt::Key_Return);
+        QCOMPARE(main.questions.asked.size(), 1);
+        QVERIFY(TemporaryHome::content(main.home.listPath()).contains("|4/2/26|"));
+    }
+
+    void saysQuietlyThatATaskEndsBeforeItStarts()
+    {
+        MainWindow main({});
+        QWidget &form = openAdd(main);
+        auto &notice = find<NoticeLabel>(form, "timesNotice");
+        type(find<TimeField>(form, "endTime"), u"7:30"_s);
+        QVERIFY(notice.isVisible());
+        type(find<DateField>(form, "dtTaskDueDate"), u"+1"_s);
+        QVERIFY(!notice.isVisible());
     }
 
     void refusesAColourThatHidesTheDescription()

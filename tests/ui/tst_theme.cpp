@@ -50,7 +50,6 @@ private Q_SLOTS:
         row("check box", make<QCheckBox>, QStyle::SE_CheckBoxIndicator);
         row("radio button", make<QRadioButton>, QStyle::SE_RadioButtonIndicator);
         row("line edit", make<QLineEdit>, QStyle::SE_CustomBase);
-        row("date", make<QDateEdit>, QStyle::SE_CustomBase);
         row("list of names", make<QComboBox>, QStyle::SE_CustomBase);
     }
     // Along the line through their middle, something contrasts with the ground before the field begins.

@@ -2,6 +2,7 @@
 
 #include <contacts/windows/contactlist.h>
 #include <contacts/windows/contacttable.h>
+#include <core/filedays.h>
 #include <core/taskmanager.h>
 #include <messaging/sendingsettings.h>
 #include <messaging/smsmessage.h>
@@ -70,8 +71,9 @@ void ViewControllerSending::bindOutlets()
     progressBar = m_ui->progressBar;
     sendingInfo = m_ui->sendingInfo;
     smsText = m_ui->smsText;
-    for (QDateEdit *field : {startSendDate, endSendDate})
-        prepareDateField(field);
+    const FileDays days = fileDays(today());
+    for (DateField *field : {startSendDate, endSendDate})
+        field->setDayRange(days.first, days.last);
     startSendDate->setDate(today());
     endSendDate->setDate(today().addDays(daysShown));
 }
@@ -202,12 +204,26 @@ void ViewControllerSending::SendScheduleToTeamMembers(QObject * /*sender*/)
         QStringLiteral("No Team Member Selected"));
 }
 
+bool ViewControllerSending::areDaysReadable()
+{
+    for (DateField *field : {startSendDate, endSendDate}) {
+        if (!field->judge()) {
+            sendingInfo->setText(field->validationError());
+            field->setFocus();
+            return false;
+        }
+    }
+    return true;
+}
+
 void ViewControllerSending::sendSchedules(SendingJob job, const QString &nobodySelected)
 {
+    if (!areDaysReadable())
+        return;
     success = true;
     job.tasks = scheduledOrder(m_store.tasks());
-    job.terms = {.rangeStart = startSendDate->dateTime(),
-                 .rangeEnd = endSendDate->dateTime(),
+    job.terms = {.rangeStart = startSendDate->date().startOfDay(),
+                 .rangeEnd = endSendDate->date().startOfDay(),
                  .title = m_store.getMessageTitle(),
                  .footer = m_store.getMessageFooter(),
                  .shortDate = [locale = QLocale()](const QDateTime &moment) {

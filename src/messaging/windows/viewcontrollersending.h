@@ -10,7 +10,6 @@
 #include <memory>
 
 class QCheckBox;
-class QDateEdit;
 class QLabel;
 class QLineEdit;
 class QProgressBar;
@@ -24,6 +23,7 @@ class ViewControllerSending;
 
 class ContactList;
 class ContactTable;
+class DateField;
 class TaskManager;
 class UIUtil;
 
@@ -80,6 +80,7 @@ private:
     template<typename Contact>
     [[nodiscard]] QList<Contact> selected(const ContactTable *table) const;
     [[nodiscard]] bool isConfirmed(const QString &question, const QString &text);
+    [[nodiscard]] bool areDaysReadable();
     void sendSchedules(SendingJob job, const QString &nobodySelected);
     void start(const SendingJob &job);
     void showRange(const SendingJob &job);
@@ -105,8 +106,8 @@ private:
     QCheckBox *allTeamMembers = nullptr;
     ContactList *clientsArray = nullptr;
     ContactList *teamMembersArray = nullptr;
-    QDateEdit *startSendDate = nullptr;
-    QDateEdit *endSendDate = nullptr;
+    DateField *startSendDate = nullptr;
+    DateField *endSendDate = nullptr;
     QPushButton *sendMsgClients = nullptr;
     QPushButton *sendMsgTeamMembers = nullptr;
     QPushButton *sendSMSClientsTeamMembers = nullptr;
