@@ -1,8 +1,10 @@
 #include <messaging/smsmessage.h>
 
-#include <QTextBoundaryFinder>
+#include <unicode/ubrk.h>
 
 #include <algorithm>
+#include <limits>
+#include <memory>
 
 namespace oblino {
 
@@ -20,13 +22,28 @@ bool canBeCarried(const QString &text, QLatin1String alsoAllowed)
     });
 }
 
+using Characters = std::unique_ptr<UBreakIterator, decltype([](UBreakIterator *open) { ubrk_close(open); })>;
+
+// Qt 6.4's QTextBoundaryFinder splits a flag that follows an emoji, and in a text with Indic or Southeast
+// Asian letters it goes on by UTF-16 unit. The text outlives the iterator.
+Characters charactersOf(QStringView text)
+{
+    constexpr qsizetype longest = std::numeric_limits<int32_t>::max();
+    UErrorCode error = U_ZERO_ERROR;
+    Characters characters(ubrk_open(UBRK_CHARACTER, "", text.utf16(),
+                                    static_cast<int32_t>(std::min(text.size(), longest)), &error));
+    if (U_FAILURE(error))
+        qFatal("no rules for characters: %s", u_errorName(error));
+    return characters;
+}
+
 } // namespace
 
 qsizetype characterCount(const QString &text)
 {
-    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, text);
+    const Characters characters = charactersOf(text);
     qsizetype count = 0;
-    while (finder.toNextBoundary() >= 0)
+    while (ubrk_next(characters.get()) != UBRK_DONE)
         ++count;
     return count;
 }
@@ -35,12 +52,12 @@ QString smsText(const QString &message)
 {
     if (message.size() <= longestSms)
         return message;
-    QTextBoundaryFinder finder(QTextBoundaryFinder::Grapheme, message);
+    const Characters characters = charactersOf(message);
     for (qsizetype i = 0; i < longestSms; ++i) {
-        if (finder.toNextBoundary() < 0)
+        if (ubrk_next(characters.get()) == UBRK_DONE)
             return message;
     }
-    return message.left(finder.position());
+    return message.left(ubrk_current(characters.get()));
 }
 
 QByteArray smsForm(const QString &from, const QString &to, const QString &text)
