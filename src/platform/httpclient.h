@@ -21,7 +21,7 @@ struct HttpForm
     QByteArray body; ///< encoded as application/x-www-form-urlencoded
 };
 
-/// What came of a request: a body, or the reason why there is none. A redirection by 307 or 308 has none.
+/// What came of a request: a body, or the reason why there is none.
 struct HttpAnswer
 {
     std::optional<QByteArray> body; ///< the whole body, whatever the status
@@ -33,13 +33,14 @@ struct HttpLimits
 {
     std::chrono::milliseconds silence = std::chrono::seconds(30); ///< during which nothing at all arrives
     std::chrono::milliseconds total = std::chrono::seconds(60);   ///< for one request and its answer
-    std::chrono::milliseconds idle = std::chrono::seconds(5); ///< after which a connection is not used again
-    qsizetype answer = 64 * 1024;                             ///< bytes in a body
+    /// Idle connections must outlive it before any is used again; see ConnectionPool.
+    std::chrono::milliseconds trial = std::chrono::seconds(1);
+    qsizetype answer = 64 * 1024; ///< bytes in a body
 };
 
 /// Sends forms over HTTPS. A request goes out once, whatever happens: it is never repeated and redirects are
 /// never followed. Certificates are verified without exception. There are no cookies, no cache and no other
-/// credentials than those of the request. A connection is kept and used again. Safe to use from any thread.
+/// credentials than those of the request. Safe to use from any thread.
 class HttpClient
 {
 public:

@@ -83,6 +83,18 @@ private Q_SLOTS:
             "Response: terrors\n" + bad);
         row("the word in capitals", {Reply::answer("ERROR", "500 Internal Server Error")}, true, u"earlier"_s,
             "Response: ERROR\n" + good);
+        for (const QByteArray status :
+             {"307 Temporary Redirect", "308 Permanent Redirect", "401 Unauthorized",
+              "407 Proxy Authentication Required", "502 Bad Gateway"}) {
+            const QByteArray headers =
+                "Location: https://127.0.0.1/\r\nProxy-Authenticate: Basic realm=\"a\"\r\n";
+            row(status + " of no body", {Reply::answer({}, status, headers)}, true, u"earlier"_s,
+                "Response: \n" + good);
+            row(status, {Reply::answer("moved", status, headers)}, true, u"earlier"_s,
+                "Response: moved\n" + good);
+            row(status + " with the word", {Reply::answer("an error", status, headers)}, false, u"an error"_s,
+                "Response: an error\n" + bad);
+        }
         row("not UTF-8", {Reply::answer("error \xFF")}, false, u"earlier"_s, "Error: \\S.*\n");
         row("half an answer", {Reply::answer("error").chopped(1), Reply::End::Close}, false, u"earlier"_s,
             "Error: \\S.*\n");
@@ -105,7 +117,8 @@ private Q_SLOTS:
     // The rules of both are those of Unicode 14 and 15, but for conjuncts, which Perl's do not join yet.
     void cutsAndCountsCharactersAsPerlDoes()
     {
-        const QStringList atoms = u"a|é|\u0301|\u200D|\uFE0F|❤|😀|👩|🚀|🏽|🇩|🇪|ᄀ|ᅡ|ᆨ|가|क|\u0947|ก|\u0E33|"
+        const QStringList atoms = u"a|é|\u0301|\u200D|\uFE0F|❤|😀|👩|🚀|🏽|🇩|🇪|ᄀ|ᅡ|ᆨ|가|क|\u0947|ก|"
+                                  u"\u0E33|"
                                   u"က|"
                                   "\u1039|ក|\u17D2|བ|\u0F71|ব|\u0600|\r|\n"_s.split(u'|');
         QStringList texts;

@@ -1,11 +1,15 @@
 #include <support/httpsserver.h>
 
 #include <QHostAddress>
+#include <QRandomGenerator>
 #include <QSslServer>
 #include <QSslSocket>
+#include <QTimer>
 
 #include <openssl/evp.h>
 #include <openssl/x509v3.h>
+
+#include <unistd.h>
 
 #include <memory>
 
@@ -111,6 +115,8 @@ HttpsServer::~HttpsServer()
     m_thread.quit();
     m_thread.wait();
     const std::lock_guard lock(m_mutex); // the thread sanitizer does not see what wait() does
+    for (const int descriptor : m_halfClosed)
+        ::close(descriptor);
 }
 
 void HttpsServer::setReply(const Reply &reply)
@@ -146,8 +152,25 @@ void HttpsServer::read(QSslSocket *socket, QByteArray &received)
     const std::lock_guard lock(m_mutex);
     m_requests += request;
     socket->write(m_reply.bytes);
+    socket->flush();
+    conclude(socket);
+}
+
+void HttpsServer::conclude(QSslSocket *socket)
+{
+    constexpr int notifyAfter = 3; // milliseconds
+    constexpr int dropWithin = 6;
+    const auto notify = [this, socket] {
+        m_halfClosed += ::dup(static_cast<int>(socket->socketDescriptor()));
+        socket->disconnectFromHost();
+    };
     if (m_reply.end == Reply::End::Close)
         socket->disconnectFromHost();
+    else if (m_reply.end == Reply::End::CloseNotify)
+        QTimer::singleShot(notifyAfter, Qt::PreciseTimer, socket, notify);
+    else if (m_reply.end == Reply::End::Drop)
+        QTimer::singleShot(QRandomGenerator::global()->bounded(dropWithin), Qt::PreciseTimer, socket,
+                           &QSslSocket::abort);
 }
 
 } // namespace oblino

@@ -28,10 +28,15 @@ struct Certificate
     [[nodiscard]] QSslConfiguration trust() const;
 };
 
-/// What a server does with a request: it writes bytes, and then keeps the connection or closes it.
+/// What a server does with a request: it writes bytes, and then keeps the connection or ends it.
 struct Reply
 {
-    enum class End { Keep, Close };
+    enum class End {
+        Keep,
+        Close,       ///< at once
+        CloseNotify, ///< TLS alone, 3 ms later; TCP stays open, and nobody reads there
+        Drop         ///< TCP alone, at random 0 to 5 ms later
+    };
 
     QByteArray bytes;
     End end = End::Keep;
@@ -77,11 +82,13 @@ private:
     }
     void serve(QSslSocket *socket);
     void read(QSslSocket *socket, QByteArray &received);
+    void conclude(QSslSocket *socket);
 
     mutable std::mutex m_mutex; // of what follows
     Reply m_reply;
     QList<Request> m_requests;
     int m_connections = 0;
+    QList<int> m_halfClosed; // descriptors
 
     quint16 m_port = 0;
     QThread m_thread;
