@@ -6,30 +6,57 @@ namespace oblino {
 
 namespace {
 
-struct Response
+class SharedText
 {
-    QMutex mutex;
-    QString text;
+public:
+    QString get()
+    {
+        const QMutexLocker lock(&m_mutex);
+        return m_text;
+    }
+    void set(const QString &text)
+    {
+        const QMutexLocker lock(&m_mutex);
+        m_text = text;
+    }
+
+private:
+    QMutex m_mutex;
+    QString m_text;
 };
 
-Response &last()
+SharedText &response()
 {
-    static Response response;
-    return response;
+    static SharedText text;
+    return text;
+}
+
+SharedText &failure()
+{
+    static SharedText text;
+    return text;
 }
 
 } // namespace
 
 QString SendingState::lastResponse()
 {
-    const QMutexLocker lock(&last().mutex);
-    return last().text;
+    return response().get();
 }
 
-void SendingState::setLastResponse(const QString &response)
+void SendingState::setLastResponse(const QString &text)
 {
-    const QMutexLocker lock(&last().mutex);
-    last().text = response;
+    response().set(text);
+}
+
+QString SendingState::lastFailure()
+{
+    return failure().get();
+}
+
+void SendingState::setLastFailure(const QString &reason)
+{
+    failure().set(reason);
 }
 
 } // namespace oblino

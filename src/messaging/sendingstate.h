@@ -19,6 +19,11 @@ public:
     /// through does not clear it.
     [[nodiscard]] static QString lastResponse();
     static void setLastResponse(const QString &response);
+
+    /// Why the most recent message failed: the answer that was judged an error, or what kept one from coming.
+    /// Empty where it went through.
+    [[nodiscard]] static QString lastFailure();
+    static void setLastFailure(const QString &reason);
 };
 
 } // namespace oblino

@@ -16,6 +16,11 @@ namespace oblino {
 
 namespace {
 
+QString tr(const char *text)
+{
+    return QCoreApplication::translate("SmsGateway", text);
+}
+
 // Shared by the caller, who waits for `finished`, and the handler, which may outlast that wait by a moment.
 struct Outcome
 {
@@ -30,12 +35,20 @@ std::optional<QString> decoded(const QByteArray &body)
     return decoder.hasError() ? std::nullopt : std::optional(text);
 }
 
+void fail(const QString &reason, Outcome &outcome)
+{
+    trace("Error:", reason);
+    outcome.success = false;
+    SendingState::setLastFailure(reason);
+}
+
 void judge(const QString &response, Outcome &outcome)
 {
     trace("Response:", response);
     if (isSmsError(response)) {
         outcome.success = false;
         SendingState::setLastResponse(response);
+        SendingState::setLastFailure(response);
         trace("---Response Contains Errors---");
     } else {
         trace("---Response Does Not Contain Errors---");
@@ -46,12 +59,10 @@ void handle(const HttpAnswer &answer, Outcome &outcome)
 {
     trace("Finished");
     const std::optional<QString> response = answer.body ? decoded(*answer.body) : std::nullopt;
-    if (response) {
+    if (response)
         judge(*response, outcome);
-    } else {
-        trace("Error:", answer.body ? QStringLiteral("the answer is not UTF-8 text") : answer.error);
-        outcome.success = false;
-    }
+    else
+        fail(answer.body ? tr("The answer is not UTF-8 text.") : answer.error, outcome);
     outcome.finished = true;
     outcome.finished.notify_one();
 }
@@ -71,19 +82,20 @@ bool SmsGateway::sendSMS(const QString &message, const QString &toNumber)
     const QString sid = m_settings.getTwilioSID();
     const QString secret = m_settings.getTwilioSecret();
     const auto outcome = std::make_shared<Outcome>();
+    SendingState::setLastFailure({});
     const QString from = m_settings.getTwilioSendingPhoneNo();
     const QString to = m_settings.getOverwrite() ? m_settings.getTestPhoneNo() : toNumber;
     const QString text = smsText(message);
     trace("Start Message");
     const std::optional<QUrl> url = smsUrl(m_host, m_port, sid, secret);
-    if (!url) {
-        trace("Error: the account's id or secret has a character that no address can carry");
-        return false;
+    if (url) {
+        trace("Start Message");
+        m_client.post({*url, sid, secret, smsForm(from, to, text)},
+                      [outcome](const HttpAnswer &answer) { handle(answer, *outcome); });
+        outcome->finished.wait(false);
+    } else {
+        fail(tr("The account SID or the secret has a character that no address can carry."), *outcome);
     }
-    trace("Start Message");
-    m_client.post({*url, sid, secret, smsForm(from, to, text)},
-                  [outcome](const HttpAnswer &answer) { handle(answer, *outcome); });
-    outcome->finished.wait(false);
     pause();
     trace("--- Send SMS Success:", outcome->success.load(), "---");
     trace("---Send SMS Finished:", outcome->finished.load(), "---");

@@ -20,8 +20,9 @@ public:
                const QString &host = QStringLiteral("api.twilio.com"), quint16 port = 443);
 
     /// Sends one message, and returns when the service has answered, or has not in time, and the configured
-    /// pause is over. Where the account's settings do not make an address, nothing is sent and there is no
-    /// pause. An answer that is judged an error is kept in SendingState::lastResponse().
+    /// pause is over. Where the account's settings do not make an address, nothing is sent, but the pause is
+    /// kept. An answer that is judged an error becomes SendingState::lastResponse(), and the reason of any
+    /// failure lastFailure().
     /// @return whether it went through
     bool sendSMS(const QString &message, const QString &toNumber);
 

@@ -1,5 +1,8 @@
 #include <messaging/sendingstate.h>
+#include <messaging/smsgateway.h>
 #include <messaging/windows/viewcontrollersettings.h>
+#include <platform/httpclient.h>
+#include <support/httpsserver.h>
 #include <support/scriptedalert.h>
 #include <support/store.h>
 #include <support/table.h>
@@ -7,6 +10,8 @@
 #include <support/traces.h>
 #include <support/widgets.h>
 #include <ui/uiutil.h>
+
+#include <QNetworkProxy>
 
 using namespace oblino;
 using namespace Qt::Literals::StringLiterals;
@@ -64,12 +69,9 @@ struct Window : Store
 
     ScriptedAlert::Script script;
     UIUtil utilities{std::make_unique<ScriptedAlert>(script)};
-    bool sends = true;
-    QStringList sent; ///< each with the secret that was stored at that moment
-    ViewControllerSettings window{store, utilities, [this](const QString &message, const QString &to) {
-                                      sent += to + u':' + message + u' ' + store.getTwilioSecret();
-                                      return sends;
-                                  }};
+    ViewControllerSettings::Send send = [](const QString &, const QString &) { return true; };
+    ViewControllerSettings window{
+        store, utilities, [this](const QString &message, const QString &to) { return send(message, to); }};
 };
 
 const QString filled = u" my twilioSID| my twillioSecret| my twillioSendingPhoneNo| my twillioMessageTitle|"
@@ -161,22 +163,38 @@ private Q_SLOTS:
         QVERIFY(!secret.displayText().contains(u'a'));
     }
 
+    void sendsATestMessageWithWhatTheFormShows_data()
+    {
+        const Table<Reply, QString> row;
+        row("accepted", {Reply::answer("fine")}, u"Test Message sent to: +49 1"_s);
+        row("refused", {Reply::answer("<Error>")}, u"Error sending test message\n<Error>"_s);
+        row("not answered", {{}, Reply::End::Close},
+            u"Error sending test message\nThe server closed the connection without a whole answer."_s);
+    }
     void sendsATestMessageWithWhatTheFormShows()
     {
-        for (const bool sends : {true, false}) {
-            Window w;
-            w.sends = sends;
-            SendingState::setLastResponse(u"<Error>"_s);
-            SendingState::success = !sends; // of another message
-            w.type("testPhoneNo", u" +49 1"_s);
-            w.type("passPhrase", u"new"_s);
-            w.click("testButton");
-            QCOMPARE(w.sent, QStringList(u" +49 1:Test new"_s)); // with the switch off
-            QCOMPARE(w.script.asked.size(), 1);
-            QCOMPARE(w.script.asked[0].informativeText,
-                     sends ? u"Test Message sent to: +49 1"_s : u"Error sending test message\n<Error>"_s);
-            QVERIFY(w.window.isVisible());
-        }
+        const auto [reply, told] = Table<Reply, QString>::cells();
+        QNetworkProxy::setApplicationProxy(QNetworkProxy::NoProxy);
+        const Certificate authority = Certificate::authority();
+        HttpsServer server(authority.issue("IP:127.0.0.1"));
+        HttpClient client(authority.trust());
+        Window w;
+        SmsGateway gateway(w.store, client, u"127.0.0.1"_s, server.port());
+        w.send = [&gateway](const QString &message, const QString &to) {
+            return gateway.sendSMS(message, to);
+        };
+        SendingState::setLastResponse(u"of an earlier message"_s);
+        SendingState::setLastFailure(u"of an earlier message"_s);
+        w.type("testPhoneNo", u" +49 1"_s);
+        w.type("passPhrase", u"new"_s);
+        server.setReply(reply);
+        w.click("testButton");
+        QCOMPARE(server.requests().size(), 1); // with the switch off
+        QCOMPARE(server.requests()[0].header("Authorization"), "Basic " + ":new"_ba.toBase64());
+        QCOMPARE(server.requests()[0].body, "From=&To=%20%2B49%201&Body=Test");
+        QCOMPARE(w.script.asked.size(), 1);
+        QCOMPARE(w.script.asked[0].informativeText, told);
+        QVERIFY(w.window.isVisible());
     }
 };
 

@@ -106,7 +106,7 @@ void ViewControllerSettings::SendTestMessage(QObject * /*sender*/)
     if (sent)
         m_utilities.dialogOK(QStringLiteral("Test Message sent to:") + testPhoneNo->text());
     else
-        m_utilities.dialogOK(QStringLiteral("Error sending test message\n") + SendingState::lastResponse());
+        m_utilities.dialogOK(QStringLiteral("Error sending test message\n") + SendingState::lastFailure());
 }
 
 void ViewControllerSettings::resetToOriginal(QObject * /*sender*/)
