@@ -18,7 +18,7 @@ bool TaskManager::shareSelected(QObject *sender)
         shareText(getSelectedTask(), getMessageTitle(), getMessageFooter(), newUuidText(), QLocale());
     Dispatch::main(this, [this, text, control = QPointer<QObject>(sender)] {
         if (control)
-            m_sharingPicker->show(text, control);
+            m_sharingPicker->show({text}, control, SharingPicker::Edge::Left);
     });
     return true;
 }

@@ -22,10 +22,11 @@ public:
     SharingPicker &operator=(const SharingPicker &) = delete;
     virtual ~SharingPicker() = default;
 
-    /// Shows what can be done with the items, at the left edge of the control. The control may be gone by the
-    /// time; then nothing is shown. The control's window may close meanwhile.
-    virtual void show(const QList<SharingItem> &items, QObject *control) = 0;
-    void show(const QString &text, QObject *control) { show(QList<SharingItem>{text}, control); }
+    enum class Edge { Left, Top };
+
+    /// Shows what can be done with the items, at that edge of the control where the screen has room there.
+    /// The control may be gone by the time; then nothing is shown. The control's window may close meanwhile.
+    virtual void show(const QList<SharingItem> &items, QObject *control, Edge edge) = 0;
 };
 
 } // namespace oblino

@@ -134,7 +134,7 @@ private:
     }
     QMenu *openMenu(SharingMenu &sharing, QWidget &window) const
     {
-        sharing.show({u"above\n"_s, m_picture, u"below\n"_s}, &window);
+        sharing.show({u"above\n"_s, m_picture, u"below\n"_s}, &window, SharingPicker::Edge::Left);
         return window.findChildren<QMenu *>().last();
     }
     void openDraft(SharingMenu &sharing, QWidget &window) const

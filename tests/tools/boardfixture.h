@@ -24,7 +24,12 @@ inline const QList<QPoint> dash = {{400, 100}, {500, 100}};
 class RecordingPicker : public SharingPicker
 {
 public:
-    void show(const QList<SharingItem> &items, QObject *) override { shared = items; }
+    void show(const QList<SharingItem> &items, QObject *, Edge edge) override
+    {
+        shared = items;
+        isAbove = edge == Edge::Top;
+    }
+    bool isAbove = false;
     QList<SharingItem> shared;
 };
 

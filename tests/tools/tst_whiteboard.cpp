@@ -180,6 +180,31 @@ private Q_SLOTS:
         QVERIFY(footer.startsWith(u"Sent with Oblino. Download from the App Store for Mac:\n\nhttp"_s) &&
                 footer.endsWith(u'\n') && footer.count(u'\n') == 3);
         QVERIFY(!board.window->isVisible());
+        QVERIFY(board.picker.isAbove);
+    }
+
+    void theMenuOpensBesideItsButtonWithinTheScreen()
+    {
+        using Edge = SharingPicker::Edge;
+        const TemporaryHome home;
+        SharingMenu sharing(QDBusConnection(u"none"_s), home.path(u"drafts"_s));
+        const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
+        for (const QPoint &place : {screen.center(), screen.topLeft(), screen.bottomRight() - QPoint(79, 29),
+                                    screen.bottomLeft() - QPoint(0, 29), screen.topRight() - QPoint(79, 0)}) {
+            for (const Edge edge : {Edge::Left, Edge::Top}) {
+                QWidget button;
+                button.setWindowFlag(Qt::FramelessWindowHint);
+                button.setGeometry(QRect(place, QSize(80, 30)));
+                button.show();
+                sharing.show({u"a"_s}, &button, edge);
+                const QRect menu = button.findChild<QMenu *>(u"sharingMenu"_s)->geometry();
+                QVERIFY(screen.contains(menu) && !menu.intersects(button.geometry()));
+                if (place == screen.center()) {
+                    QCOMPARE(menu.right() < button.x(), edge == Edge::Left);
+                    QCOMPARE(menu.bottom() < button.y(), edge == Edge::Top);
+                }
+            }
+        }
     }
 
     void theMenuOutlivesTheWindowAndCopiesPictureAndText()
@@ -191,7 +216,7 @@ private Q_SLOTS:
         picture.fill(Qt::red);
         const TemporaryHome home;
         SharingMenu sharing(QDBusConnection(u"none"_s), home.path(u"drafts"_s));
-        sharing.show({u"a"_s, picture, u"b"_s}, window);
+        sharing.show({u"a"_s, picture, u"b"_s}, window, SharingPicker::Edge::Top);
         delete window;
         auto *menu = main.findChild<QMenu *>(u"sharingMenu"_s);
         QVERIFY(menu && menu->isVisible());

@@ -29,8 +29,9 @@ const QList<Row> oneTask = {{.name = "apple",
 class RecordingPicker : public SharingPicker
 {
 public:
-    void show(const QList<SharingItem> &items, QObject *) override
+    void show(const QList<SharingItem> &items, QObject *, Edge edge) override
     {
+        QCOMPARE(edge, Edge::Left);
         texts += std::get<QString>(items.at(0));
     }
     QStringList texts;

@@ -20,12 +20,20 @@ constexpr qsizetype longestDraft = 122'880; // bytes
 
 const QString pictureName = QStringLiteral("whiteboard.png");
 
-// Left of the widget, and below it where the screen ends.
-QPoint placeBeside(const QWidget &widget, const QSize &menu)
+// Beside the widget, on another side where the screen has no room on the preferred one.
+QPoint placeBeside(const QWidget &widget, const QSize &menu, SharingPicker::Edge edge)
 {
     const QPoint left = widget.mapToGlobal(QPoint(-menu.width(), 0));
-    const bool fits = left.x() >= widget.screen()->availableGeometry().left();
-    return fits ? left : widget.mapToGlobal(widget.rect().bottomLeft());
+    const QPoint above = widget.mapToGlobal(QPoint(0, -menu.height()));
+    const QPoint below = widget.mapToGlobal(QPoint(0, widget.height()));
+    const QPoint right = widget.mapToGlobal(QPoint(widget.width(), -menu.height()));
+    const QPoint preferred = edge == SharingPicker::Edge::Left ? left : above;
+    const QRect screen = widget.screen()->availableGeometry();
+    for (const QPoint &place : {preferred, below, above, left, right}) {
+        if (screen.contains(QRect(place, menu)))
+            return place;
+    }
+    return preferred; // the menu moves itself into the screen
 }
 
 // The control's own window may close while the menu is open.
@@ -76,7 +84,7 @@ SharingMenu::SharingMenu(const QDBusConnection &bus, const QString &drafts)
 {
 }
 
-void SharingMenu::show(const QList<SharingItem> &items, QObject *control)
+void SharingMenu::show(const QList<SharingItem> &items, QObject *control, Edge edge)
 {
     auto *widget = qobject_cast<QWidget *>(control);
     if (!widget)
@@ -91,7 +99,7 @@ void SharingMenu::show(const QList<SharingItem> &items, QObject *control)
 
     addDrafts(*menu, content, window);
     menu->addAction(QObject::tr("&Save as File…"), menu, [content, window] { saveAsFile(content, window); });
-    menu->popup(placeBeside(*widget, menu->sizeHint()));
+    menu->popup(placeBeside(*widget, menu->sizeHint(), edge));
 }
 
 void SharingMenu::addDrafts(QMenu &menu, const Content &content, QWidget *window)

@@ -20,8 +20,7 @@ public:
     /// @param drafts  the folder for what drafts need; see EmailPortal
     SharingMenu(const QDBusConnection &bus, const QString &drafts);
 
-    using SharingPicker::show;
-    void show(const QList<SharingItem> &items, QObject *control) override;
+    void show(const QList<SharingItem> &items, QObject *control, Edge edge) override;
 
     /// Removes what was written for a draft.
     void forget() { m_portal.forget(); }

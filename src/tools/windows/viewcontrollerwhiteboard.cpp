@@ -146,7 +146,7 @@ void ViewControllerWhiteboard::shareImage(QObject *sender)
     const QImage shared = m_unsaved.isNull()
                               ? m_file.read(*m_path + QLatin1Char('/') + WhiteboardFile::name, board).picture
                               : m_unsaved;
-    m_picker.show({header, shared, footer}, sender);
+    m_picker.show({header, shared, footer}, sender, SharingPicker::Edge::Top);
     close();
 }
 
