@@ -17,6 +17,7 @@ display_packages=(xvfb xauth xdotool imagemagick)
 picture_packages=(dbus python3)
 test_packages=(
     libbenchmark-dev libxcb1-dev dbus xvfb xauth xdotool strace util-linux postgresql clang-format clang-tidy python3
+    tzdata
 )
 
 fail() {

@@ -3,7 +3,6 @@
 #include <support/secondconnection.h>
 #include <support/table.h>
 #include <support/testmain.h>
-#include <support/timezone.h>
 #include <support/traces.h>
 
 #include <core/tasklistreader.h>
@@ -139,16 +138,8 @@ private Q_SLOTS:
         QCOMPARE(cloud.store.tasks().value(0).name, u"changed"_s);
     }
 
-    void bringsYearsThatTheFileCannotHoldToItsEnds_data()
-    {
-        const Table<QByteArray> zone;
-        for (const char *name : timeZones)
-            zone(name, name);
-    }
     void bringsYearsThatTheFileCannotHoldToItsEnds()
     {
-        const auto [zone] = Table<QByteArray>::cells();
-        const TimeZone there(zone);
         const int thisYear = QDate::currentDate().year();
         const QDate first(thisYear - 50, 1, 1), last(thisYear + 49, 12, 31);
         const std::pair<QDate, QDate> days[] = {{{1812, 6, 24}, first},  {first.addDays(-1), first},
