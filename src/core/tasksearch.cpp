@@ -1,5 +1,6 @@
 #include <core/tasksearch.h>
 
+#include <core/foldedtext.h>
 #include <core/taskplaces.h>
 
 namespace oblino {
@@ -18,13 +19,13 @@ constexpr char16_t asciiUpper(char16_t unit)
     return unit >= u'a' && unit <= u'z' ? static_cast<char16_t>(unit - 0x20) : unit;
 }
 
-// Looks for a term in texts, both lower-cased by the Unicode rules. Nearly all texts are of ASCII alone,
-// where the term is found without a lower-cased copy of the text.
-class LowerCaseSearch
+// Looks for a term in texts, both folded. Nearly all texts are of ASCII alone, where the term is found
+// without a folded copy of the text.
+class FoldedSearch
 {
 public:
-    explicit LowerCaseSearch(const QString &term)
-        : m_term(term.toLower())
+    explicit FoldedSearch(const QString &term)
+        : m_term(foldedText(term))
         , m_first(m_term.isEmpty() ? u'\0' : m_term.front().unicode())
     {
     }
@@ -48,7 +49,7 @@ private:
             if ((unit == m_first || unit == upper) && isAt({c, text.cend()}))
                 return true;
         }
-        return all >= firstNonAscii && text.toLower().contains(m_term);
+        return all >= firstNonAscii && foldedText(text).contains(m_term);
     }
 
     // Says no to what is not ASCII.
@@ -71,7 +72,7 @@ private:
 
 QList<task> tasksMatching(const QList<task> &tasks, const QString &term)
 {
-    const LowerCaseSearch search(term);
+    const FoldedSearch search(term);
     TaskPlaces places;
     places.reserve(static_cast<size_t>(tasks.size()));
     for (qsizetype place = 0; place < tasks.size(); ++place) {

@@ -8,7 +8,7 @@
 namespace oblino {
 
 /// The tasks, in their order, whose name, description, client, team member or key contains the term; both
-/// lower-cased by the Unicode rules first.
+/// folded first (see foldedText()).
 [[nodiscard]] QList<task> tasksMatching(const QList<task> &tasks, const QString &term);
 
 } // namespace oblino

@@ -111,6 +111,12 @@ private Q_SLOTS:
         row("i is not İ", u"izmir"_s, u"İ"_s, false);
         row("upper case outside the basic plane", u"\U00010400"_s, u"\U00010428"_s, true);
         row("emoji with the same first half", u"Party 🎉!"_s, u"🎊"_s, false);
+        row("decomposed in the text", u"Cafe\u0301"_s, u"CAFÉ"_s, true);
+        row("decomposed in the term", u"CAFÉ"_s, u"cafe\u0301"_s, true);
+        row("marks in another order", u"a\u0301\u0323"_s, u"ạ\u0301"_s, true);
+        row("final sigma in the text", u"οδός"_s, u"ΟΔΌΣ"_s, true);
+        row("final sigma in the term", u"ΟΔΌΣ 5"_s, u"οδός"_s, true);
+        row("another accent", u"è"_s, u"é"_s, false);
         row("no regular expression", u"a.*[b\\"_s, u".*[B\\"_s, true);
         row("a long term", QString(999, u'X') + u'y', QString(998, u'x') + u'Y', true);
     }
