@@ -64,18 +64,25 @@ public:
     [[nodiscard]] const QList<task> &tasks() const { return m_tasks; }
     void setTasks(const QList<task> &tasks) { m_tasks = tasks; }
     [[nodiscard]] const QList<task> &tasksInView() const { return m_tasksInView; }
+    void setTasksInView(const QList<task> &tasks) { m_tasksInView = tasks; }
     [[nodiscard]] const QList<task> &backupTasks() const { return m_backupTasks; }
     void setBackupTasks(const QList<task> &tasks) { m_backupTasks = tasks; }
     /// Every task, whether a search is active or not.
     [[nodiscard]] const QList<task> &fullList() const { return m_isSearching ? m_backupTasks : m_tasks; }
     /// Index of the selected task in the selected list, -1 when nothing is selected.
     [[nodiscard]] qint64 selected() const { return m_selected; }
+    void setSelected(qint64 index) { m_selected = index; }
 
     [[nodiscard]] const DefaultTimes &defaultTimes() const { return m_defaultTimes; }
+    void setDefaultTimes(const DefaultTimes &times) { m_defaultTimes = times; }
     [[nodiscard]] qint64 defaultStartHour() const { return m_defaultTimes.startHour; }
+    void setDefaultStartHour(qint64 hour) { m_defaultTimes.startHour = hour; }
     [[nodiscard]] qint64 defaultStartMin() const { return m_defaultTimes.startMin; }
+    void setDefaultStartMin(qint64 minute) { m_defaultTimes.startMin = minute; }
     [[nodiscard]] qint64 defaultEndHour() const { return m_defaultTimes.endHour; }
+    void setDefaultEndHour(qint64 hour) { m_defaultTimes.endHour = hour; }
     [[nodiscard]] qint64 defaultEndMin() const { return m_defaultTimes.endMin; }
+    void setDefaultEndMin(qint64 minute) { m_defaultTimes.endMin = minute; }
 
     /// The last status message, for the main window's status line.
     [[nodiscard]] QString lastMessage() const { return m_lastMessage; }
