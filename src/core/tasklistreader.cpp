@@ -86,6 +86,7 @@ TaskListReading addTaskList(const QString &text, TaskManager &store)
     TaskListReading result;
     result.invertedColors = store.inDarkMode();
     TaskRowReader reader(today());
+    const DefaultTimes times = store.defaultTimes(); // which the user's tasks set, not those that are read
     trace("No of Rows:", [&text] { return text.count(QLatin1Char(separatorRowsFile)) + 1; });
 
     const QStringView rest = forEachRow(text, [&](QStringView row) {
@@ -107,6 +108,7 @@ TaskListReading addTaskList(const QString &text, TaskManager &store)
     });
     if (!isBlank(rest))
         result.unreadableRows.append(rest.toUtf8());
+    store.setDefaultTimes(times);
     store.setBackupTasks(store.tasks());
     return result;
 }

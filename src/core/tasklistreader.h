@@ -28,8 +28,8 @@ struct TaskListReading
     QList<QByteArray> longRows;       ///< rows that hold more than the task read from them, byte for byte
 };
 
-/// Adds every row of the text to the store. What follows the last "^" is no row; unless it is blank it counts
-/// as unreadable.
+/// Adds every row of the text to the store, whose default times stay what they were. What follows the last
+/// "^" is no row; unless it is blank it counts as unreadable.
 [[nodiscard]] TaskListReading addTaskList(const QString &text, TaskManager &store);
 
 /// The tasks in the bytes of a task list file, or of a file of rows that were set aside from one, apart from

@@ -1,6 +1,7 @@
 #include "tasksupport.h"
 
 #include <core/tasklistfile.h>
+#include <core/tasklistwriter.h>
 #include <core/taskrowreader.h>
 
 #include <cerrno>
@@ -148,6 +149,22 @@ private Q_SLOTS:
             QCOMPARE(saved.replace(newKey, u"NEW"_s).toUtf8(), expected);
             QCOMPARE(run.aside(), aside);
         }
+    }
+
+    void leavesTheDefaultTimesToTheUser()
+    {
+        TemporaryHome home;
+        TemporaryHome::write(home.listPath(), row());
+        Run run(home);
+        run.read();
+        QCOMPARE(taskListText({run.store.getSelectedTask()}, false).split('|').mid(14, 4).join(' '),
+                 "8 0 17 0");
+        run.store.setSelected(u"KEY"_s);
+        QVERIFY(run.store.cloneSelected(nullptr) && run.file.saveToFile());
+        TemporaryHome::write(home.listPath(),
+                             row({{15, "6"}, {16, "7"}, {17, "8"}, {18, "9"}}) + row({}, 14));
+        QVERIFY(run.file.takeUpChanges());
+        QCOMPARE(run.store.defaultTimes().endMin, 45);
     }
 
     void putsTwoDigitYearsAroundToday()
