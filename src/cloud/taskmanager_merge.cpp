@@ -49,7 +49,7 @@ void TaskManager::mergeFromCloud(const QList<CloudRecord> &records, CloudOperati
         m_selected = places.value(t.key, -1);
         trace("Selected:", m_selected);
         if (m_selected < 0) {
-            const QString key = addTask(std::move(t));
+            const QString key = appendTask(std::move(t));
             places.insert(key, fullList().size() - 1);
         } else {
             mergeIntoSelected(t);

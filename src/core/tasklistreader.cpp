@@ -95,7 +95,7 @@ TaskListReading addTaskList(const QString &text, TaskManager &store)
             trace("In dark mode -> Invert");
         trace("No of Fields:", reader.fieldCount());
         if (auto t = reader.read(store.defaultTimes(), result.invertedColors)) {
-            store.addTask(std::move(*t));
+            store.appendTask(std::move(*t));
             if (reader.fieldCount() > TaskRowReader::knownFields)
                 result.longRows.append(row.toUtf8());
         } else if (!isBlank(row)) {

@@ -53,6 +53,13 @@ QString TaskManager::addTask(const QString &key, const QDateTime &date, const QS
 
 QString TaskManager::addTask(task t)
 {
+    QString key = appendTask(std::move(t));
+    tellAdded(key);
+    return key;
+}
+
+QString TaskManager::appendTask(task t)
+{
     if (t.key.isEmpty())
         t.key = newUuidText();
     m_defaultTimes = {t.startHour, t.startMin, t.endHour, t.endMin};

@@ -138,6 +138,10 @@ public:
                     const QString &teamMember);
     /// The same for a task that is already put together.
     QString addTask(task t);
+    /// The same for a task that comes from a file or the cloud, without taskAdded().
+    QString appendTask(task t);
+    /// Tells of a task of the full list as one that was added.
+    void tellAdded(const QString &key) { Q_EMIT taskAdded(key); }
 
     /// Overwrites the selected task but for its key and hidden flag. The times become the default times even
     /// where nothing is selected.
@@ -240,6 +244,8 @@ public:
     [[nodiscard]] bool isWaitingForCloud() const { return m_cloudWaits > 0; }
 
 Q_SIGNALS:
+    /// The user has added a task, or brought one back. The list may be told of as changed after this.
+    void taskAdded(const QString &key);
     /// An operation on the whole cloud copy waits for answers, with the event loop running.
     void cloudWaitBegan();
     /// @param percent  how much of what has been asked for so far is answered

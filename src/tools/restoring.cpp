@@ -82,9 +82,13 @@ QString restoreList(TaskManager &store, const TaskListFile &file, EarlierVersion
 QString restoreTasks(TaskManager &store, const TaskListFile &file, EarlierVersions &versions,
                      const QList<task> &tasks)
 {
-    const QList<task> &present = store.fullList();
-    return restoreList(store, file, versions,
-                       withTasks(file.invertedColors() ? withInvertedColors(present) : present, tasks));
+    const QList<task> present = store.fullList();
+    QString error =
+        restoreList(store, file, versions,
+                    withTasks(file.invertedColors() ? withInvertedColors(present) : present, tasks));
+    for (qsizetype place = present.size(); error.isEmpty() && place < store.fullList().size(); ++place)
+        store.tellAdded(store.fullList().at(place).key);
+    return error;
 }
 
 QString restoreFile(SafeFile &file, EarlierVersions &versions, const QByteArray &bytes)

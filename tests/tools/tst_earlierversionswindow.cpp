@@ -12,6 +12,8 @@
 #include <tools/windows/viewcontrollerdestroy.h>
 #include <ui/uiutil.h>
 
+#include <QSignalSpy>
+
 using namespace oblino;
 using namespace Qt::Literals::StringLiterals;
 
@@ -164,7 +166,10 @@ private Q_SLOTS:
         QCOMPARE(w.button("restoreTasksButton").toolTip(), u"Select tasks of the version first."_s);
         clickCell(w.look(), 0, nameColumn);
         clickCell(w.look(), 1, nameColumn, Qt::ControlModifier);
+        const QSignalSpy added(&w.store, &TaskManager::taskAdded);
         click(*w.window, "restoreTasksButton");
+        QCOMPARE(added.size(), 1);
+        QCOMPARE(added.first().first().toString(), u"B"_s);
         QCOMPARE(w.file(), row("A", "Order timber") + row("C", "Sweep") + row("D", "Mow") + row("E", "Rake") +
                                row("B", "Fix the roof"));
         QVERIFY(w.home.kept().contains(present));
