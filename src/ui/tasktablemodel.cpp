@@ -46,6 +46,7 @@ void TaskTableModel::reload()
 {
     beginResetModel();
     m_rows = m_source.numberOfRows();
+    m_backgrounds.clear();
     endResetModel();
 }
 
@@ -67,7 +68,7 @@ QVariant TaskTableModel::data(const QModelIndex &index, int role) const
     case Qt::DisplayRole:
         return m_source.objectValueFor(index.column(), index.row());
     case Qt::BackgroundRole:
-        return m_source.didAdd(index.row());
+        return backgroundOf(index.row());
     case Qt::TextAlignmentRole:
         return QVariant::fromValue((isCentred(index.column()) ? Qt::AlignHCenter : Qt::AlignLeft) |
                                    Qt::AlignVCenter);
@@ -80,6 +81,14 @@ QVariant TaskTableModel::data(const QModelIndex &index, int role) const
     default:
         return {};
     }
+}
+
+QColor TaskTableModel::backgroundOf(int row) const
+{
+    auto known = m_backgrounds.constFind(row);
+    if (known == m_backgrounds.cend())
+        known = m_backgrounds.insert(row, m_source.didAdd(row));
+    return *known;
 }
 
 QVariant TaskTableModel::headerData(int section, Qt::Orientation orientation, int role) const

@@ -2,6 +2,7 @@
 
 #include <QAbstractTableModel>
 #include <QColor>
+#include <QHash>
 #include <QString>
 
 namespace oblino {
@@ -21,7 +22,7 @@ public:
     [[nodiscard]] virtual QString objectValueFor(int column, int row) const = 0;
     /// The whole text behind a cell that shows only the beginning.
     [[nodiscard]] virtual QString wholeTextFor(int column, int row) const = 0;
-    /// The background of a row.
+    /// The background of a row that comes into sight, asked for once.
     [[nodiscard]] virtual QColor didAdd(int row) const = 0;
     /// Number behind a cell that shows a mark beside its text, -1 for none.
     [[nodiscard]] virtual int markFor(int column, int row) const = 0;
@@ -39,6 +40,7 @@ public:
         PriorityRole, ///< a task priority, only in the priority column
     };
 
+    static constexpr int nameColumn = 3;
     static constexpr int keyColumn = 10;
 
     explicit TaskTableModel(TaskTableSource &source, QObject *parent = nullptr);
@@ -56,8 +58,11 @@ public:
     [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
 private:
+    [[nodiscard]] QColor backgroundOf(int row) const;
+
     TaskTableSource &m_source;
     int m_rows = 0;
+    mutable QHash<int, QColor> m_backgrounds; // of the rows that were painted
 };
 
 } // namespace oblino
