@@ -221,6 +221,8 @@ public:
     /// Composes the share text of the selected task and, once the current event is handled, offers it beside
     /// the control that was pressed. @return whether a task was selected
     bool shareSelected(QObject *sender);
+    /// The share text of the selected task; empty where nothing is selected.
+    [[nodiscard]] QString shareTextOfSelected() const;
     /// Sets where texts are shared through; it must outlive the store.
     void setSharingPicker(SharingPicker *picker) { m_sharingPicker = picker; }
     /// Sets the selected task to status 1, "Closed". @return whether a task was selected

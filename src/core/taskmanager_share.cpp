@@ -14,13 +14,18 @@ bool TaskManager::shareSelected(QObject *sender)
 {
     if (!hasSelection() || !m_sharingPicker)
         return false;
-    const QString text =
-        shareText(getSelectedTask(), getMessageTitle(), getMessageFooter(), newUuidText(), QLocale());
-    Dispatch::main(this, [this, text, control = QPointer<QObject>(sender)] {
+    Dispatch::main(this, [this, text = shareTextOfSelected(), control = QPointer<QObject>(sender)] {
         if (control)
             m_sharingPicker->show({text}, control, SharingPicker::Edge::Left);
     });
     return true;
+}
+
+QString TaskManager::shareTextOfSelected() const
+{
+    return hasSelection()
+               ? shareText(getSelectedTask(), getMessageTitle(), getMessageFooter(), newUuidText(), QLocale())
+               : QString();
 }
 
 } // namespace oblino

@@ -31,9 +31,7 @@ EmptyState::EmptyState(QWidget *viewport)
     , m_advice(centredLabel(this, QStringLiteral("emptyAdvice")))
 {
     setAttribute(Qt::WA_TransparentForMouseEvents);
-    QFont large = font();
-    large.setPointSizeF(large.pointSizeF() * 1.4);
-    m_title->setFont(large);
+    enlargeTitle();
 
     auto *layout = new QVBoxLayout(this);
     layout->setSpacing(8);
@@ -64,7 +62,16 @@ void EmptyState::changeEvent(QEvent *event)
 {
     if (event->type() == QEvent::PaletteChange)
         showPicture();
+    else if (event->type() == QEvent::FontChange)
+        enlargeTitle();
     QWidget::changeEvent(event);
+}
+
+void EmptyState::enlargeTitle()
+{
+    QFont large = font();
+    large.setPointSizeF(large.pointSizeF() * 1.4);
+    m_title->setFont(large);
 }
 
 void EmptyState::showPicture()

@@ -23,6 +23,7 @@ protected:
 
 private:
     void showPicture();
+    void enlargeTitle();
 
     QLabel *m_picture;
     QLabel *m_title;

@@ -3,12 +3,12 @@
 #include <ui/emptystate.h>
 #include <ui/noticebar.h>
 #include <ui/searchfield.h>
+#include <ui/tasktable.h>
 #include <ui/taskwindow.h>
 #include <ui/uiutil.h>
 #include <ui_viewcontroller.h>
 
 #include <core/taskmanager.h>
-#include <core/tasksearch.h>
 #include <core/taskviews.h>
 #include <platform/notificationcenter.h>
 #include <platform/trace.h>
@@ -18,9 +18,7 @@
 #include <QCloseEvent>
 #include <QHeaderView>
 #include <QLabel>
-#include <QLocale>
 #include <QScrollBar>
-#include <QTableView>
 #include <QToolButton>
 
 namespace oblino {
@@ -72,6 +70,7 @@ void ViewController::viewWillAppear()
     reload();
     disableSelectionButtons();
     setLeastSize(*this, {1040, 430});
+    tblView->setFocus(Qt::OtherFocusReason);
 }
 
 bool ViewController::windowShouldClose()
@@ -120,43 +119,14 @@ void ViewController::ChangeView()
     disableSelectionButtons();
     reinitForSearching();
     reload();
-    tblView->scrollToTop();
-}
-
-void ViewController::search()
-{
-    const QString key = keyOfShownSelection();
-    const QString term = searchField->text();
-    if (!term.isEmpty()) {
-        trace(term);
-        m_store.setIsSearching(true);
-        m_store.setSearchTerm(term);
-        trace("Tasks:", m_store.tasks());
-        trace("Backup Tasks:", m_store.backupTasks());
-        reinitForSearching();
-    } else {
-        trace("isEmpty");
-        m_store.setIsSearching(false);
-    }
-    reload();
-    restoreSelection(key);
-}
-
-void ViewController::reinitForSearching()
-{
-    if (m_store.isSearching())
-        m_store.setTasks(tasksMatching(m_store.backupTasks(), m_store.searchTerm()));
+    tblView->goToRow(0);
+    say({});
 }
 
 void ViewController::reloadTableData()
 {
     forgetSortOrder();
     changeList();
-}
-
-void ViewController::updateComplete()
-{
-    statusMessageLabel->setText(m_store.lastMessage());
 }
 
 void ViewController::interfaceModeChanged()
@@ -215,15 +185,21 @@ void ViewController::takeUpChanges()
 // The list is another one: what was seen and selected of it stays, as far as it is still there.
 void ViewController::showChangedList(const QString &selectedKey)
 {
-    const int scrolled = tblView->verticalScrollBar()->value();
     if (const int section = tblView->horizontalHeader()->sortIndicatorSection(); section >= 0) {
         SortDescriptor descriptor = m_sortPrototypes.at(section);
         descriptor.ascending = tblView->horizontalHeader()->sortIndicatorOrder() == Qt::AscendingOrder;
         m_store.sort(descriptor);
     }
     reinitForSearching();
+    showOn(selectedKey);
+}
+
+void ViewController::showOn(const QString &selectedKey)
+{
+    const int scrolled = tblView->verticalScrollBar()->value();
     reload();
-    restoreSelection(selectedKey);
+    if (!selectedKey.isEmpty())
+        restoreSelection(selectedKey);
     tblView->verticalScrollBar()->setValue(scrolled);
 }
 
@@ -247,34 +223,6 @@ QString ViewController::saveNow()
 QString ViewController::rescue()
 {
     return m_file.rescue();
-}
-
-void ViewController::showNotices()
-{
-    m_saveState->setText(m_file.saveState(QLocale()));
-    setTrouble(TaskListFile::name, m_file.trouble());
-    if (const QStringList notices = m_file.takeNotices(); !notices.isEmpty())
-        tell(notices);
-}
-
-void ViewController::tell(const QStringList &notices)
-{
-    m_noticeBar->tell(notices);
-    for (const QString &notice : notices)
-        Q_EMIT told(notice);
-}
-
-void ViewController::setTrouble(const QString &thing, const QString &sentence)
-{
-    const QString before = m_noticeBar->notice();
-    m_noticeBar->setTrouble(thing, sentence);
-    if (!sentence.isEmpty() && m_noticeBar->notice() != before)
-        Q_EMIT told(sentence);
-}
-
-QString ViewController::notice() const
-{
-    return m_noticeBar->notice();
 }
 
 } // namespace oblino

@@ -20,7 +20,6 @@ class QAction;
 class QActionGroup;
 class QComboBox;
 class QLabel;
-class QTableView;
 class QToolButton;
 
 namespace oblino {
@@ -36,6 +35,7 @@ class SearchField;
 class ViewControllerAdd;
 struct TaskWindowContext;
 class TaskManager;
+class TaskTable;
 class UIUtil;
 
 /// The main window: turns the user's actions into operations of the task store, keeps table and commands in
@@ -168,10 +168,12 @@ private:
     void reload();
     void restoreSelection(const QString &key);
     void changeList();
+    void say(const QString &message);
     void moveSelected(bool up, const QString &elsewhereMessage);
     void showHideCommand(bool hidden);
     void setSelectionCommandsEnabled(bool enabled);
     void forgetSortOrder();
+    void copyTask();
     void copyKey();
     void about();
     void holdCommands();
@@ -181,10 +183,11 @@ private:
     void showNotices();
     void takeUpChanges();
     void showChangedList(const QString &selectedKey);
+    void showOn(const QString &selectedKey);
     [[nodiscard]] bool isFormOpen() const;
     void showCounts();
-    [[nodiscard]] bool selectionIsCurrent() const;
     [[nodiscard]] QString keyOfShownSelection() const;
+    [[nodiscard]] bool showsSelection() const { return !keyOfShownSelection().isEmpty(); }
     [[nodiscard]] int rowOfKey(const QString &key) const;
     [[nodiscard]] int viewIndex() const;
     [[nodiscard]] TaskWindowContext formContext();
@@ -200,7 +203,7 @@ private:
     QString m_dataFolder;
     QPointer<ViewControllerAdd> m_addForm;
     QHash<QAction *, QString> m_toolTips; // of commands while they are enabled
-    QString m_selectedKey;                // of the task that the user selected last
+    QString m_said;                       // in the status line, by this window itself
     QActionGroup *m_views = nullptr;
     std::function<bool()> m_beforeEnd = [] { return true; };
     std::function<bool()> m_beforeCloud = [] { return true; };
@@ -210,7 +213,7 @@ private:
 
     // Outlets
 
-    QTableView *tblView = nullptr;
+    TaskTable *tblView = nullptr;
     QToolButton *deleteButton = nullptr;
     QToolButton *hideButton = nullptr;
     QToolButton *upperButton = nullptr;

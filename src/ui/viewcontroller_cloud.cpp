@@ -1,15 +1,14 @@
 // The commands of the main window on the cloud copy.
 #include <ui/viewcontroller.h>
 
+#include <ui/tasktable.h>
 #include <ui/uiutil.h>
 #include <ui_viewcontroller.h>
 
 #include <core/taskmanager.h>
 #include <platform/trace.h>
 
-#include <QItemSelectionModel>
 #include <QLabel>
-#include <QTableView>
 #include <QThread>
 
 namespace oblino {
@@ -57,20 +56,23 @@ void ViewController::holdCommands()
             m_heldCommands += action;
         }
     }
-    tblView->setEnabled(false);
+    for (QWidget *widget : {static_cast<QWidget *>(tblView), m_ui->filterBar})
+        widget->setEnabled(false);
     statusMessage->setText(m_waitingFor + QStringLiteral("…"));
 }
 
 void ViewController::releaseCommands()
 {
+    const QString key = keyOfShownSelection();
     for (QAction *action : std::exchange(m_heldCommands, {}))
         action->setEnabled(true);
-    tblView->setEnabled(true);
+    for (QWidget *widget : {static_cast<QWidget *>(tblView), m_ui->filterBar})
+        widget->setEnabled(true);
     tblView->setFocus(Qt::OtherFocusReason);
     m_waitingFor = tr("Waiting for the cloud"); // until a command of this window says more
-    if (!tblView->selectionModel()->hasSelection())
+    if (key.isEmpty())
         disableSelectionButtons();
-    reload(); // the list may have changed meanwhile
+    showOn(key); // the list may have changed meanwhile
 }
 
 void ViewController::showCloudProgress(int percent)

@@ -2,6 +2,7 @@
 #include <ui/viewcontroller.h>
 
 #include <ui/icons.h>
+#include <ui/tasktable.h>
 #include <ui/uiutil.h>
 #include <ui/viewcontrolleradd.h>
 #include <ui/viewcontrolleredit.h>
@@ -40,7 +41,7 @@ void ViewController::disableSelectionButtons()
 void ViewController::setSelectionCommandsEnabled(bool enabled)
 {
     for (QAction *action : {m_ui->editAction, m_ui->shareAction, m_ui->deleteAction, m_ui->hideAction,
-                            m_ui->cloneAction, m_ui->closeAction, m_ui->copyKeyAction}) {
+                            m_ui->cloneAction, m_ui->closeAction, m_ui->copyAction, m_ui->copyKeyAction}) {
         action->setEnabled(enabled);
         if (action != m_ui->hideAction) // its tool tip says which way it works
             action->setToolTip(enabled ? m_toolTips.value(action) : selectFirst);
@@ -59,6 +60,7 @@ void ViewController::showHideCommand(bool hidden)
 // The end of every command that changes the list.
 void ViewController::changeList()
 {
+    say({});
     reinitForSearching();
     reload();
     disableSelectionButtons();
@@ -81,8 +83,7 @@ void ViewController::moveSelected(bool up, const QString &elsewhereMessage)
         m_utilities.dialogOK(elsewhereMessage);
         return;
     }
-    // After a deletion the index may point at a task that the user never selected.
-    if (!selectionIsCurrent()) {
+    if (!showsSelection()) {
         m_utilities.dialogOK(QStringLiteral("Select a Task."));
         return;
     }
@@ -94,12 +95,13 @@ void ViewController::moveSelected(bool up, const QString &elsewhereMessage)
     m_store.setSelected(key);
     if (const int row = rowOfKey(key); row >= 0)
         tblView->selectRow(row);
+    say({});
     saveToFile();
 }
 
 void ViewController::hideClicked()
 {
-    if (m_store.getSelectedTaskIndex() < 0)
+    if (!showsSelection())
         return;
     trace("Hide Pressed!");
     const bool hidden = m_store.getHiddenSelected();
@@ -113,7 +115,7 @@ void ViewController::hideClicked()
 
 void ViewController::btnDeleteTask_Click(QObject *)
 {
-    if (m_store.getSelectedTaskIndex() < 0)
+    if (!showsSelection())
         return;
     const task selected = m_store.getSelectedTask();
     const bool confirmed = m_utilities.dialogYesNo(
@@ -136,6 +138,8 @@ void ViewController::btnDeleteTask_Click(QObject *)
 
 void ViewController::cloneTask(QObject *sender)
 {
+    if (!showsSelection())
+        return;
     m_store.cloneSelected(sender);
     forgetSortOrder();
     changeList();
@@ -143,6 +147,8 @@ void ViewController::cloneTask(QObject *sender)
 
 void ViewController::closeTask(QObject *sender)
 {
+    if (!showsSelection())
+        return;
     if (m_store.getSelectedTask().status != OpenStatus) {
         m_utilities.dialogOK(QStringLiteral("Task already closed"));
         return;
@@ -160,7 +166,8 @@ void ViewController::addEnhancement(QObject * /*sender*/)
 
 void ViewController::sharingTask(QObject *sender)
 {
-    m_store.shareSelected(sender);
+    if (showsSelection())
+        m_store.shareSelected(sender);
 }
 
 TaskWindowContext ViewController::formContext()
@@ -182,8 +189,8 @@ void ViewController::newTask()
 
 void ViewController::editTask()
 {
-    if (!selectionIsCurrent())
-        return;
+    if (!showsSelection())
+        return say(selectFirst);
     auto *form = new ViewControllerEdit(formContext(), this);
     form->setAttribute(Qt::WA_DeleteOnClose);
     connect(form, &QDialog::finished, this, &ViewController::lookAtFile, Qt::QueuedConnection);
@@ -204,10 +211,20 @@ void ViewController::doubleClickOnResultRow()
     trace("doubleClickOnResultRow ", row);
 }
 
+void ViewController::copyTask()
+{
+    if (!showsSelection())
+        return;
+    Pasteboard::setText(m_store.shareTextOfSelected());
+    say(tr("Copied “%1” as text.").arg(m_store.getSelectedTask().name));
+}
+
 void ViewController::copyKey()
 {
+    if (!showsSelection())
+        return;
     Pasteboard::setText(m_store.getSelectedTask().key);
-    statusMessageLabel->setText(tr("Task key copied."));
+    say(tr("Task key copied."));
 }
 
 void ViewController::about()

@@ -1,13 +1,12 @@
 // Putting the main window together.
 #include <ui/viewcontroller.h>
 
-#include <platform/widgets/tableheader.h>
 #include <ui/elidedlabel.h>
 #include <ui/emptystate.h>
 #include <ui/icons.h>
 #include <ui/noticebar.h>
 #include <ui/searchfield.h>
-#include <ui/taskcelldelegate.h>
+#include <ui/tasktable.h>
 #include <ui_viewcontroller.h>
 
 #include <core/taskmanager.h>
@@ -16,19 +15,14 @@
 #include <QActionGroup>
 #include <QHeaderView>
 #include <QLabel>
-#include <QLocale>
 #include <QMouseEvent>
 #include <QScreen>
 #include <QShortcut>
 #include <QToolButton>
 
-#include <algorithm>
-
 namespace oblino {
 
 namespace {
-
-constexpr int rowHeight = 36; // pixels, for the usual font size
 
 template<typename Label>
 QLabel *statusLabel(QWidget *parent, const QString &name)
@@ -38,31 +32,6 @@ QLabel *statusLabel(QWidget *parent, const QString &name)
     label->setTextFormat(Qt::PlainText);
     label->setContentsMargins(12, 4, 12, 4);
     return label;
-}
-
-// A width for each column, from texts that are likely to stand in it.
-QList<int> firstWidths(QFont font)
-{
-    font.setBold(true); // as in a selected row
-    const QFontMetrics metrics(font);
-    const auto wide = [&metrics](const QString &text) { return metrics.horizontalAdvance(text) + 24; };
-    int date = 0;
-    for (int month = 1; month <= 12; ++month)
-        date = std::max(date, wide(QLocale().toString(QDate(2026, month, 28), QLocale::ShortFormat)));
-    const int time = wide(QStringLiteral("00:00"));
-    const int person = wide(QStringLiteral("Harbor Cafe Ltd"));
-    const int mark = wide(QStringLiteral("Medium")) + 28;
-    return {date,
-            time,
-            time,
-            wide(QStringLiteral("Paint the fence in the yard")),
-            person,
-            person,
-            wide(QStringLiteral("Two coats, the second when dry")),
-            mark,
-            mark,
-            date,
-            wide(QStringLiteral("0C5E2A1F-7B3D-4E6A-9F12-3A4B5C6D7E8F"))};
 }
 
 // Has a button act when the mouse goes down on it, not when it comes up.
@@ -134,6 +103,7 @@ void ViewController::connectCommands()
     command(m_ui->closeAction, [this] { closeTask(closeButton); });
     command(m_ui->moveUpAction, [this] { upper(); });
     command(m_ui->moveDownAction, [this] { downer(); });
+    command(m_ui->copyAction, [this] { copyTask(); });
     command(m_ui->copyKeyAction, [this] { copyKey(); });
     command(m_ui->findAction, [this] {
         searchField->setFocus(Qt::ShortcutFocusReason);
@@ -170,6 +140,7 @@ void ViewController::connectCommands()
         if (m_model.rowCount() > 0 && !tblView->selectionModel()->hasSelection())
             tblView->selectRow(0);
     });
+    m_ui->editAction->setShortcuts({m_ui->editAction->shortcut(), Qt::Key_F2});
     connect(tblView, &QTableView::doubleClicked, this, &ViewController::doubleClickTable);
     for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
         auto *shortcut = new QShortcut(key, tblView);
@@ -214,23 +185,11 @@ void ViewController::fillSortMenu()
 
 void ViewController::prepareTable()
 {
-    tblView->setHorizontalHeader(new TableHeader(tblView));
     tblView->setModel(&m_model);
-    tblView->setItemDelegate(new TaskCellDelegate(tblView));
-    tblView->setShowGrid(false); // the delegate draws the vertical lines
     m_emptyState = new EmptyState(tblView->viewport());
-    tblView->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-    tblView->verticalHeader()->setDefaultSectionSize(std::max(rowHeight, fontMetrics().height() * 2));
 
-    QHeaderView *header = tblView->horizontalHeader();
-    header->setStretchLastSection(true);
-    header->setMinimumSectionSize(fontMetrics().horizontalAdvance(QStringLiteral("00:00")));
-    const QList<int> widths = firstWidths(font());
-    for (int column = 0; column < widths.size(); ++column)
-        header->resizeSection(column, widths.at(column));
-    header->setSortIndicator(0, Qt::AscendingOrder);
-
-    connect(header, &QHeaderView::sortIndicatorChanged, this, &ViewController::sortDescriptorsDidChange);
+    connect(tblView->horizontalHeader(), &QHeaderView::sortIndicatorChanged, this,
+            &ViewController::sortDescriptorsDidChange);
     connect(tblView->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &ViewController::tableViewSelectionDidChange);
     resize(size().boundedTo(screen()->availableSize()));

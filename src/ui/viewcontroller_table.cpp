@@ -1,14 +1,15 @@
-// The table of the main window, its selection and its sorting.
+// The table of the main window, its selection, its sorting and the search.
 #include <ui/viewcontroller.h>
 
 #include <ui/emptystate.h>
 #include <ui/searchfield.h>
+#include <ui/tasktable.h>
 #include <ui/theme.h>
 #include <ui_viewcontroller.h>
 
 #include <core/celltext.h>
 #include <core/taskmanager.h>
-#include <core/taskviews.h>
+#include <core/tasksearch.h>
 #include <platform/trace.h>
 
 #include <QHeaderView>
@@ -20,6 +21,31 @@
 #include <algorithm>
 
 namespace oblino {
+
+void ViewController::search()
+{
+    const QString key = keyOfShownSelection();
+    const QString term = searchField->text();
+    if (!term.isEmpty()) {
+        trace(term);
+        m_store.setIsSearching(true);
+        m_store.setSearchTerm(term);
+        trace("Tasks:", m_store.tasks());
+        trace("Backup Tasks:", m_store.backupTasks());
+        reinitForSearching();
+    } else {
+        trace("isEmpty");
+        m_store.setIsSearching(false);
+    }
+    reload();
+    restoreSelection(key);
+}
+
+void ViewController::reinitForSearching()
+{
+    if (m_store.isSearching())
+        m_store.setTasks(tasksMatching(m_store.backupTasks(), m_store.searchTerm()));
+}
 
 int ViewController::numberOfRows()
 {
@@ -75,8 +101,7 @@ void ViewController::tableViewSelectionDidChange()
     const int row = rows.isEmpty() ? -1 : rows.first().row();
     trace("Selected Row:", row);
     if (row >= 0) {
-        m_selectedKey = rows.first().data().toString();
-        const qint64 index = m_store.setSelected(m_selectedKey);
+        const qint64 index = m_store.setSelected(rows.first().data().toString());
         trace("Index:", index);
         const bool hidden = m_store.getHiddenSelected();
         trace("Hidden:", hidden);
@@ -95,22 +120,23 @@ void ViewController::reload()
     const int scrolled = tblView->verticalScrollBar()->value();
     m_model.reload();
     // The keyboard goes on from the row where it was; nothing is selected by that.
-    if (const int rows = m_model.rowCount(); current.isValid() && rows > 0) {
-        const QModelIndex near = m_model.index(std::min(current.row(), rows - 1), current.column());
+    if (const int rows = m_model.rowCount(); rows > 0) {
+        const QModelIndex near =
+            m_model.index(std::clamp(current.row(), 0, rows - 1), std::max(current.column(), 0));
         tblView->selectionModel()->setCurrentIndex(near, QItemSelectionModel::NoUpdate);
         tblView->verticalScrollBar()->setValue(scrolled);
     }
     showCounts();
 }
 
-bool ViewController::selectionIsCurrent() const
-{
-    return m_store.getSelectedTaskIndex() >= 0 && m_store.getSelectedTask().key == m_selectedKey;
-}
-
+// Empty where the user sees no task selected, whatever the store has selected: no command acts then.
 QString ViewController::keyOfShownSelection() const
 {
-    return tblView->selectionModel()->hasSelection() && selectionIsCurrent() ? m_selectedKey : QString();
+    const QModelIndexList rows = tblView->selectionModel()->selectedRows(TaskTableModel::keyColumn);
+    if (rows.isEmpty() || m_store.getSelectedTaskIndex() < 0)
+        return {};
+    const QString key = rows.first().data().toString();
+    return m_store.getSelectedTask().key == key ? key : QString();
 }
 
 void ViewController::restoreSelection(const QString &key)
@@ -121,10 +147,9 @@ void ViewController::restoreSelection(const QString &key)
         tblView->scrollTo(m_model.index(row, tblView->currentIndex().column()));
         return;
     }
-    // A command must never act on a task that the user does not see selected.
     if (!key.isEmpty())
         disableSelectionButtons();
-    tblView->scrollToTop();
+    tblView->goToRow(0);
 }
 
 int ViewController::rowOfKey(const QString &key) const

@@ -1,0 +1,180 @@
+#include "mainwindowfixture.h"
+
+#include <support/table.h>
+#include <support/testmain.h>
+#include <support/traces.h>
+
+#include <functional>
+
+using namespace oblino;
+using Deed = std::function<void(const MainWindow &)>;
+using Deeds = Table<Deed>;
+using Searches = Table<QString, const char *>;
+
+namespace {
+
+const QList<Row> someTasks = {{.name = "apple", .date = "3/1/26"},
+                              {.name = "banana", .date = "3/2/26"},
+                              {.name = "cherry", .date = "3/3/26"}};
+
+void press(const MainWindow &main, const char *keys)
+{
+    QTest::keySequence(&main.table(), QKeySequence(QLatin1String(keys)));
+}
+
+QString clipboard()
+{
+    return QGuiApplication::clipboard()->text();
+}
+
+} // namespace
+
+/// The table of the main window: what is selected in it, how keys move in it, and what it follows.
+class tst_tasktable : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void commandsKeepToATaskThatIsSeenSelected_data()
+    {
+        const Deeds row;
+        row("hidden", [](const MainWindow &main) { main.click("hideButton"); });
+        row("deleted", [](const MainWindow &main) { main.click("deleteButton"); });
+        row("cloned", [](const MainWindow &main) { main.click("cloneButton"); });
+        row("in another view", [](const MainWindow &main) { main.views().setCurrentIndex(2); });
+        row("out of a search",
+            [](const MainWindow &main) { QTest::keyClicks(&main.searchField(), u"cherry"_s); });
+        row("removed by another program", [](const MainWindow &main) {
+            TemporaryHome::write(main.home.listPath(), someTasks.first().bytes() + someTasks.last().bytes());
+            QTRY_COMPARE(main.shown(), u"apple cherry"_s);
+        });
+        row("the cloud's last", [](const MainWindow &main) {
+            const_cast<MainWindow &>(main).store.setSelected(u"KEY-apple"_s);
+            const_cast<MainWindow &>(main).notifications.post(u"reload"_s);
+        });
+    }
+    void commandsKeepToATaskThatIsSeenSelected()
+    {
+        const auto [deed] = Deeds::cells();
+        const MainWindow main(someTasks);
+        main.clickRow(u"banana"_s);
+        deed(main);
+        const QByteArray before = TemporaryHome::content(main.home.listPath());
+        QGuiApplication::clipboard()->setText(u"before"_s);
+        for (const char *keys : {"Return", "Enter", "F2", "Ctrl+E", "Del", "Ctrl+H", "Ctrl+K", "Ctrl+D",
+                                 "Ctrl+C", "Ctrl+Shift+C", "Ctrl+Shift+S", "Ctrl+Up"})
+            press(main, keys);
+        main.window->doubleClickTable();
+        main.window->hideClicked();
+        main.window->btnDeleteTask_Click(nullptr);
+        main.window->cloneTask(nullptr);
+        main.window->closeTask(nullptr);
+        main.window->downer();
+        QVERIFY(!main.window->findChild<QDialog *>());
+        QCOMPARE(clipboard(), u"before"_s);
+        QCOMPARE(TemporaryHome::content(main.home.listPath()), before);
+    }
+
+    void cannotBeLeftWithNothingSelected()
+    {
+        const MainWindow main(someTasks);
+        main.clickRow(u"banana"_s);
+        clickCell(main.table(), 1, 3, Qt::ControlModifier);
+        QCOMPARE(main.selectedName(), u"banana"_s);
+        press(main, "Ctrl+Space");
+        QCOMPARE(main.selectedName(), u"banana"_s);
+    }
+
+    void startsWithItsFirstRow()
+    {
+        const MainWindow main(someTasks);
+        QVERIFY(main.table().hasFocus());
+        QCOMPARE(main.selectedName(), QString());
+        press(main, "Down");
+        QCOMPARE(main.selectedName(), u"apple"_s);
+        for (const auto &[keys, name] : {std::pair("End", u"cherry"_s),
+                                         {"Right", u"cherry"_s},
+                                         {"Home", u"apple"_s},
+                                         {"Ctrl+End", u"cherry"_s},
+                                         {"Ctrl+Home", u"apple"_s}}) {
+            press(main, keys);
+            QCOMPARE(main.selectedName(), name);
+        }
+        QCOMPARE(main.table().currentIndex().column(), 1);
+    }
+
+    void findsANameAsItIsTyped_data()
+    {
+        const Searches row;
+        row("in capitals or not", u"b"_s, "Beta");
+        row("with a blank", u"BETA t"_s, "beta two");
+        row("one letter again goes on", u"bb"_s, "beta two");
+        row("and round", u"bbb"_s, "Beta");
+        row("an equivalent text", u"É"_s, "e\u0301clair");
+        row("another form of a letter", u"οδος"_s, "ΟΔΟΣ");
+        row("only the beginning", u"two"_s, "alpha");
+    }
+    void findsANameAsItIsTyped()
+    {
+        const auto [typed, name] = Searches::cells();
+        const MainWindow main({{.name = "alpha", .date = "3/1/26"},
+                               {.name = "Beta", .date = "3/2/26"},
+                               {.name = "beta two", .date = "3/3/26"},
+                               {.name = "e\u0301clair", .date = "3/4/26"},
+                               {.name = "ΟΔΟΣ", .date = "3/5/26"}});
+        press(main, "Space");
+        press(main, "Right");
+        for (const QChar letter : typed)
+            QTest::sendKeyEvent(QTest::Click, &main.table(), Qt::Key_unknown, QString(letter), {});
+        QCOMPARE(main.selectedName(), QString::fromUtf8(name));
+    }
+
+    void copiesAndEditsByKey()
+    {
+        const MainWindow main(someTasks);
+        main.clickRow(u"banana"_s);
+        press(main, "Ctrl+C");
+        QVERIFY2(clipboard().contains(u"\n\nSchedule: banana\nStart Date: "_s), qPrintable(clipboard()));
+        QCOMPARE(main.status(), u"Copied “banana” as text."_s);
+        press(main, "F2");
+        auto *form = main.window->findChild<QDialog *>();
+        QVERIFY(form);
+        QCOMPARE(find<QLineEdit>(*form, "txtTaskName").text(), u"banana"_s);
+    }
+
+    void followsTheFont()
+    {
+        const auto measures = [](const MainWindow &main) {
+            const QHeaderView &header = *main.table().horizontalHeader();
+            return QList<int>{
+                main.table().rowHeight(0),   header.height(),
+                header.minimumSectionSize(), header.sectionSize(3),
+                header.sectionSize(9),       find<QLabel>(*main.window, "emptyTitle").fontInfo().pixelSize()};
+        };
+        const QFont usual = QApplication::font();
+        const MainWindow main(someTasks);
+        const QList<int> before = measures(main);
+        QFont large = usual;
+        large.setPointSizeF(usual.pointSizeF() * 2.5);
+        QApplication::setFont(large);
+        const MainWindow fresh(someTasks);
+        QTRY_COMPARE(measures(main), measures(fresh));
+        QApplication::setFont(usual);
+        QTRY_COMPARE(measures(main), before);
+    }
+
+    void tracesARowOnceAReload()
+    {
+        const MainWindow main(someTasks);
+        const QByteArray traces = tracesOf([&main] {
+            main.views().setCurrentIndex(1);
+            for (int paint = 0; paint < 2; ++paint)
+                main.table().viewport()->repaint();
+        });
+        QCOMPARE(traces.count("\nRow: 2\n"), 1);
+    }
+};
+
+OBLINO_TEST(tst_tasktable, QApplication)
+
+#include "tst_tasktable.moc"
