@@ -63,6 +63,7 @@ void ViewController::viewDidLoad()
     m_notifications.observe(QStringLiteral("update"), this, [this] { updateComplete(); });
     m_notifications.observe(QStringLiteral("AppleInterfaceThemeChangedNotification"), this,
                             [this] { interfaceModeChanged(); });
+    connect(&m_store, &TaskManager::taskAdded, this, [this](const QString &key) { m_added.insert(key); });
 }
 
 void ViewController::viewWillAppear()

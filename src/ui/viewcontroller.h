@@ -11,6 +11,7 @@
 #include <QHash>
 #include <QMainWindow>
 #include <QPointer>
+#include <QSet>
 
 #include <functional>
 #include <memory>
@@ -168,6 +169,7 @@ private:
     void reload();
     void restoreSelection(const QString &key);
     void changeList();
+    void showAdded();
     void say(const QString &message);
     void moveSelected(bool up, const QString &elsewhereMessage);
     void showHideCommand(bool hidden);
@@ -203,6 +205,7 @@ private:
     QString m_dataFolder;
     QPointer<ViewControllerAdd> m_addForm;
     QHash<QAction *, QString> m_toolTips; // of commands while they are enabled
+    QSet<QString> m_added;                // keys of tasks that the table is to lead to
     QString m_said;                       // in the status line, by this window itself
     QActionGroup *m_views = nullptr;
     std::function<bool()> m_beforeEnd = [] { return true; };

@@ -64,6 +64,7 @@ void ViewController::changeList()
     reinitForSearching();
     reload();
     disableSelectionButtons();
+    showAdded();
     saveToFile();
 }
 

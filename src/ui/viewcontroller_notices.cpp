@@ -2,17 +2,38 @@
 #include <ui/viewcontroller.h>
 
 #include <ui/noticebar.h>
+#include <ui/tabletexts.h>
+#include <ui/tasktable.h>
 
 #include <core/taskmanager.h>
+#include <platform/clock.h>
 
 #include <QLabel>
 #include <QLocale>
+
+#include <utility>
 
 namespace oblino {
 
 void ViewController::updateComplete()
 {
     statusMessageLabel->setText(m_store.lastMessage());
+}
+
+// Leads to what was added, without selecting it.
+void ViewController::showAdded()
+{
+    const QSet<QString> keys = std::exchange(m_added, {});
+    QList<task> added;
+    for (const task &t : m_store.fullList()) {
+        if (keys.contains(t.key))
+            added += t;
+    }
+    if (added.isEmpty())
+        return;
+    if (const int row = rowOfKey(added.last().key); row >= 0)
+        tblView->goToRow(row);
+    say(addedText(added, viewIndex(), m_store.isSearching() ? m_store.searchTerm() : QString(), today()));
 }
 
 // In the status line, where an empty message takes back the last one.

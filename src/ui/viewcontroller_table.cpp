@@ -3,6 +3,7 @@
 
 #include <ui/emptystate.h>
 #include <ui/searchfield.h>
+#include <ui/tabletexts.h>
 #include <ui/tasktable.h>
 #include <ui/theme.h>
 #include <ui_viewcontroller.h>
@@ -183,15 +184,13 @@ void ViewController::showCounts()
                                ? tr("%1 %2").arg(locale.toString(all), noun)
                                : tr("%1 of %2 %3").arg(locale.toString(shown), locale.toString(all), noun));
     m_emptyState->setVisible(shown == 0);
-    if (all == 0) {
-        m_emptyState->say(tr("No tasks yet"), tr("Add the first one with Task ▸ New Task… (Ctrl+N)."));
-    } else if (m_store.isSearching() && m_store.tasks().isEmpty()) {
-        m_emptyState->say(tr("No task matches “%1”").arg(m_store.searchTerm().left(60)),
-                          tr("Press Esc in the search field to see every task of the view again."));
-    } else {
-        m_emptyState->say(tr("No tasks in the view %1").arg(viewSelection->currentText()),
-                          tr("Choose another view to see your other tasks."));
-    }
+    if (shown > 0)
+        return;
+    const EmptyText text = emptyText({.view = viewSelection->currentText(),
+                                      .searchTerm = m_store.isSearching() ? m_store.searchTerm() : QString(),
+                                      .all = all,
+                                      .matches = m_store.tasks().size()});
+    m_emptyState->say(text.title, text.advice);
 }
 
 } // namespace oblino

@@ -27,6 +27,13 @@ QString clipboard()
     return QGuiApplication::clipboard()->text();
 }
 
+void addTask(MainWindow &main, const QString &name)
+{
+    const QDateTime moment = QDateTime::currentDateTime();
+    main.store.addTask({}, moment, name, {}, Color(), moment, 0, 0, {}, {}, false, 8, 0, 9, 0, {}, {});
+    main.notifications.post(u"reload"_s);
+}
+
 } // namespace
 
 /// The table of the main window: what is selected in it, how keys move in it, and what it follows.
@@ -161,6 +168,30 @@ private Q_SLOTS:
         QTRY_COMPARE(measures(main), measures(fresh));
         QApplication::setFont(usual);
         QTRY_COMPARE(measures(main), before);
+    }
+
+    void leadsToATaskThatIsAdded()
+    {
+        QList<Row> rows;
+        for (int i = 0; i < 100; ++i)
+            rows += Row{.name = "one"};
+        MainWindow main(rows);
+        const auto isSeen = [&main](const QString &name) {
+            const auto row = static_cast<int>(main.shown().split(u' ').indexOf(name));
+            return main.table().viewport()->rect().intersects(
+                main.table().visualRect(main.table().model()->index(row, 3)));
+        };
+        addTask(main, u"fence"_s);
+        QVERIFY(isSeen(u"fence"_s));
+        QCOMPARE(main.selectedName(), QString());
+        QCOMPARE(main.status(), u"Added “fence”."_s);
+        main.views().setCurrentIndex(2);
+        addTask(main, u"gate"_s);
+        QCOMPARE(main.status(), u"Added “gate” to Open; this view shows Closed."_s);
+        main.store.setLastMessage({});
+        main.notifications.post(u"update"_s);
+        main.interfaceChange();
+        QCOMPARE(main.status(), QString());
     }
 
     void tracesARowOnceAReload()
