@@ -91,6 +91,8 @@ void Application::start()
         NotificationCenter::standard().post(QStringLiteral("AppleInterfaceThemeChangedNotification"));
     });
 
+    followDay();
+
     tskMgr().setSharingPicker(&m_sharingMenu);
     tskMgr().setCloud(&m_cloud.container(), &NotificationCenter::standard());
     m_mainWindow = std::make_unique<ViewController>(tskMgr(), Documents::standard(), uiUtil(),
@@ -327,6 +329,17 @@ void Application::tellNotRemembered()
 void Application::followAppearance()
 {
     applyAppearance(tskMgr().inDarkMode());
+}
+
+// Whoever comes back to the program after a pause need not wait for the watch to wake up.
+void Application::followDay()
+{
+    connect(&m_dayWatch, &DayWatch::dayChanged, this,
+            [] { NotificationCenter::standard().post(QStringLiteral("dayChanged")); });
+    connect(qApp, &QApplication::applicationStateChanged, &m_dayWatch, [this](Qt::ApplicationState state) {
+        if (state == Qt::ApplicationActive)
+            m_dayWatch.look();
+    });
 }
 
 bool Application::mayEnd()

@@ -3,6 +3,7 @@
 #include <app/lastsave.h>
 #include <messaging/sendingrun.h>
 #include <platform/cloud/cloudsession.h>
+#include <platform/daywatch.h>
 #include <platform/keyring.h>
 #include <platform/noticelog.h>
 #include <platform/portalappearance.h>
@@ -45,6 +46,7 @@ private:
     void reloadContacts(const FetchRequest &request);
     void tellNotRemembered();
     void followAppearance();
+    void followDay();
     /// Asks where something would be broken off.
     [[nodiscard]] bool mayEnd();
     void terminate();
@@ -62,6 +64,7 @@ private:
     CloudSession m_cloud;
     NoticeLog m_notices;
     SendingRun m_sendingRun;
+    DayWatch m_dayWatch;
     std::unique_ptr<ViewController> m_mainWindow;
     std::unique_ptr<LastSave> m_lastSave;
     SingleInstance &m_instance;

@@ -63,6 +63,7 @@ void ViewController::viewDidLoad()
     m_notifications.observe(QStringLiteral("update"), this, [this] { updateComplete(); });
     m_notifications.observe(QStringLiteral("AppleInterfaceThemeChangedNotification"), this,
                             [this] { interfaceModeChanged(); });
+    m_notifications.observe(QStringLiteral("dayChanged"), this, [this] { dayChanged(); });
     connect(&m_store, &TaskManager::taskAdded, this, [this](const QString &key) { m_added.insert(key); });
 }
 
@@ -193,6 +194,12 @@ void ViewController::showChangedList(const QString &selectedKey)
     }
     reinitForSearching();
     showOn(selectedKey);
+}
+
+void ViewController::dayChanged()
+{
+    if (!m_store.isWaitingForCloud()) // after which the table is reloaded anyway
+        showOn(keyOfShownSelection());
 }
 
 void ViewController::showOn(const QString &selectedKey)

@@ -186,6 +186,7 @@ private:
     void takeUpChanges();
     void showChangedList(const QString &selectedKey);
     void showOn(const QString &selectedKey);
+    void dayChanged();
     [[nodiscard]] bool isFormOpen() const;
     void showCounts();
     [[nodiscard]] QString keyOfShownSelection() const;

@@ -2,6 +2,7 @@
 
 #include <support/httpsserver.h>
 #include <support/testmain.h>
+#include <support/timezone.h>
 
 #include <contacts/windows/viewcontrollerclientmgmt.h>
 #include <contacts/windows/viewcontrollerteammgmt.h>
@@ -219,6 +220,27 @@ private Q_SLOTS:
         QCOMPARE(TemporaryHome::content(notes), "of before");
         QCOMPARE(m_home.filesWith("just typed").size(), 1);
         versions->close();
+        walk.window->close();
+    }
+
+    void goesOnWithTheDay()
+    {
+        // Midnight is a few seconds away.
+        const int untilMidnight =
+            86'396 - QDateTime::currentDateTimeUtc().time().msecsSinceStartOfDay() / 1'000;
+        const int east = (untilMidnight + 129'600) % 86'400 - 43'200;
+        const QString offset = QTime(0, 0).addSecs(std::abs(east)).toString(u"hh:mm:ss"_s);
+        const TimeZone zone((east < 0 ? "DAY+" : "DAY-") + offset.toUtf8());
+        const auto rowFor = [](const char *name, QDate due) {
+            return "1/1/24|"_ba + name + "||1.0|1.0|1.0|1.0|" + due.toString(u"M/d/yy"_s).toUtf8() +
+                   "|0|0|Open|Low|" + name + "|false|8|0|9|0||^";
+        };
+        const QDate day = QDate::currentDate();
+        TemporaryHome::write(m_home.listPath(), rowFor("old", day) + rowFor("new", day.addDays(1)));
+        const Walk walk;
+        walk.press(Qt::Key_0);
+        QCOMPARE(walk.shown(), QStringList(u"old"_s));
+        QTRY_COMPARE_WITH_TIMEOUT(walk.shown(), QStringList(u"new"_s), 20'000);
         walk.window->close();
     }
 

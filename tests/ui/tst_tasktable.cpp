@@ -2,6 +2,7 @@
 
 #include <support/table.h>
 #include <support/testmain.h>
+#include <support/timezone.h>
 #include <support/traces.h>
 
 #include <functional>
@@ -168,6 +169,32 @@ private Q_SLOTS:
         QTRY_COMPARE(measures(main), measures(fresh));
         QApplication::setFont(usual);
         QTRY_COMPARE(measures(main), before);
+    }
+
+    void movesOnWithTheDay()
+    {
+        // Between these zones it is never the same day.
+        const TimeZone west("WST12");
+        const auto due = [](const char *name, int status) {
+            const QByteArray day = QDate::currentDate().toString(u"M/d/yy"_s).toUtf8();
+            return Row{.name = name, .status = status}.bytes().replace("3/9/26", day);
+        };
+        MainWindow main({});
+        QByteArray list = due("yesterday", 0);
+        const TimeZone east("EST-14");
+        list += due("today", 0) + Row{.name = "always", .status = 8}.bytes();
+        TemporaryHome::write(main.home.listPath(), list);
+        {
+            const TimeZone back("WST12");
+            QTRY_COMPARE(main.shown(), u"yesterday today always"_s);
+            main.views().setCurrentIndex(9);
+            QCOMPARE(main.shown(), u"yesterday always"_s);
+            main.clickRow(u"always"_s);
+        }
+        main.notifications.post(u"dayChanged"_s);
+        QCOMPARE(main.shown(), u"today always"_s);
+        QCOMPARE(main.selectedName(), u"always"_s);
+        QCOMPARE(TemporaryHome::content(main.home.listPath()), list);
     }
 
     void leadsToATaskThatIsAdded()
