@@ -175,6 +175,7 @@ private:
     void showHideCommand(bool hidden);
     void setSelectionCommandsEnabled(bool enabled);
     void forgetSortOrder();
+    void reverseOrder();
     void copyTask();
     void copyKey();
     void about();
@@ -208,6 +209,8 @@ private:
     QHash<QAction *, QString> m_toolTips; // of commands while they are enabled
     QSet<QString> m_added;                // keys of tasks that the table is to lead to
     QString m_said;                       // in the status line, by this window itself
+    int m_sortColumn = 0;                 // by which the table was sorted last
+    Qt::SortOrder m_sortOrder = Qt::AscendingOrder;
     QActionGroup *m_views = nullptr;
     std::function<bool()> m_beforeEnd = [] { return true; };
     std::function<bool()> m_beforeCloud = [] { return true; };

@@ -175,11 +175,7 @@ void ViewController::fillSortMenu()
                         [header, column] { header->setSortIndicator(column, Qt::AscendingOrder); });
     }
     menu->addSeparator();
-    QAction *reverse = menu->addAction(tr("&Reverse Order"), this, [header] {
-        const bool ascending = header->sortIndicatorOrder() == Qt::AscendingOrder;
-        header->setSortIndicator(header->sortIndicatorSection(),
-                                 ascending ? Qt::DescendingOrder : Qt::AscendingOrder);
-    });
+    QAction *reverse = menu->addAction(tr("&Reverse Order"), this, &ViewController::reverseOrder);
     reverse->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_R));
 }
 

@@ -86,6 +86,8 @@ void ViewController::sortDescriptorsDidChange(int section, Qt::SortOrder order)
 {
     if (section < 0)
         return;
+    m_sortColumn = section;
+    m_sortOrder = order;
     SortDescriptor descriptor = m_sortPrototypes.at(section);
     descriptor.ascending = order == Qt::AscendingOrder;
     trace("Sorting:", descriptor);
@@ -172,6 +174,13 @@ void ViewController::forgetSortOrder()
     const QSignalBlocker blocker(header);
     header->setSortIndicator(-1, Qt::AscendingOrder);
     header->viewport()->update();
+}
+
+// An order that was made by hand has no other direction, so that of before is turned round.
+void ViewController::reverseOrder()
+{
+    tblView->horizontalHeader()->setSortIndicator(
+        m_sortColumn, m_sortOrder == Qt::AscendingOrder ? Qt::DescendingOrder : Qt::AscendingOrder);
 }
 
 void ViewController::showCounts()

@@ -221,6 +221,17 @@ private Q_SLOTS:
         QCOMPARE(main.status(), QString());
     }
 
+    void reversesWhatWasSortedLast()
+    {
+        const MainWindow main(someTasks);
+        clickHeader(main.table(), 3);
+        main.clickRow(u"banana"_s);
+        main.click("cloneButton");
+        QCOMPARE(main.shown(), u"apple banana cherry banana"_s);
+        press(main, "Ctrl+Shift+R");
+        QCOMPARE(main.shown(), u"cherry banana banana apple"_s);
+    }
+
     void tracesARowOnceAReload()
     {
         const MainWindow main(someTasks);
