@@ -171,6 +171,7 @@ private:
     void changeList();
     void showAdded();
     void say(const QString &message);
+    void endSearch();
     void moveSelected(bool up, const QString &elsewhereMessage);
     void showHideCommand(bool hidden);
     void setSelectionCommandsEnabled(bool enabled);

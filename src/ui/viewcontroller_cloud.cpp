@@ -17,6 +17,7 @@ void ViewController::UpdateToCloud(QObject *)
 {
     if (!m_beforeCloud())
         return;
+    endSearch(); // or only what it found would be sent
     m_waitingFor = tr("Sending to the cloud");
     if (m_store.syncToCloudFromLocal())
         m_utilities.dialogOK(QStringLiteral("Sync to iCloud succesfully!"));

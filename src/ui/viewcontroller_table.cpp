@@ -42,6 +42,13 @@ void ViewController::search()
     restoreSelection(key);
 }
 
+void ViewController::endSearch()
+{
+    searchField->clear();
+    if (m_store.isSearching())
+        search();
+}
+
 void ViewController::reinitForSearching()
 {
     if (m_store.isSearching())

@@ -64,8 +64,10 @@ private Q_SLOTS:
         main.command("updateToCloudAction");
         QCOMPARE(main.lastAsked(), u""_s);
         isKnown = true;
+        QTest::keyClicks(&main.searchField(), u"app"_s); // every task goes, during a search too
         main.command("updateToCloudAction");
         QCOMPARE(main.lastAsked(), u"Sync to iCloud succesfully!"_s);
+        QCOMPARE(main.searchField().text(), QString());
         main.store.setSelected(u"KEY-pear"_s);
         main.store.removeSelected();
 
