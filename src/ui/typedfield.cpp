@@ -55,6 +55,7 @@ TypedField::TypedField(const QString &icon, const QString &buttonText, QWidget *
     m_button->setAccessibleName(buttonText);
     m_button->setFocusPolicy(Qt::NoFocus);
     setFocusProxy(m_edit);
+    setFocusPolicy(Qt::StrongFocus); // of the shortcut of its label; Tab goes to the line of text
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
     connect(m_button, &QToolButton::clicked, this, &TypedField::openPopup);
     connect(m_edit, &QLineEdit::textEdited, this, [this] {

@@ -37,17 +37,24 @@ public:
     QStringList texts;
 };
 
+bool isActive(const QWidget *window)
+{
+    return QTest::qWaitFor([window] { return QApplication::activeWindow() == window; });
+}
+
 template<typename Form>
 Form &opened(const MainWindow &main)
 {
     auto *form = main.window->findChild<Form *>();
     Q_ASSERT(form);
-    (void)QTest::qWaitFor([form] { return QApplication::activeWindow() == form; });
+    (void)isActive(form);
     return *form;
 }
 
 ViewControllerAdd &openAdd(const MainWindow &main)
 {
+    main.window->activateWindow();
+    (void)isActive(main.window.get());
     QTest::keyClick(main.window.get(), Qt::Key_N, Qt::ControlModifier);
     return opened<ViewControllerAdd>(main);
 }
@@ -123,8 +130,8 @@ private Q_SLOTS:
             QTest::keyClicks(form.focusWidget(), texts.at(static_cast<qsizetype>(i)));
         }
         QTest::keyClick(&form, Qt::Key_D, Qt::AltModifier); // Add
-        const QByteArrayList cells = TemporaryHome::content(main.home.listPath()).split('|');
-        QCOMPARE(cells.value(0) + ' ' + cells.value(7) + ' ' + cells.mid(14, 4).join('|'), saved);
+        const auto cells = [&main] { return TemporaryHome::content(main.home.listPath()).split('|'); };
+        QTRY_COMPARE(cells().value(0) + ' ' + cells().value(7) + ' ' + cells().mid(14, 4).join('|'), saved);
         QVERIFY(main.questions.asked.isEmpty());
     }
 
