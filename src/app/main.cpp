@@ -1,5 +1,6 @@
 #include <app/application.h>
 
+#include <config.h>
 #include <platform/singleinstance.h>
 #include <ui/icons.h>
 

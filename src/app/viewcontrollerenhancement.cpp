@@ -1,5 +1,6 @@
 #include <app/viewcontrollerenhancement.h>
 
+#include <config.h>
 #include <platform/widgets/windowsize.h>
 #include <ui_viewcontrollerenhancement.h>
 

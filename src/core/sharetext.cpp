@@ -1,5 +1,6 @@
 #include <core/sharetext.h>
 
+#include <config.h>
 #include <core/days.h>
 
 namespace oblino {

@@ -1,6 +1,7 @@
 #include "../contacts/storecontacts.h"
 #include "mainwindowfixture.h"
 
+#include <config.h>
 #include <support/table.h>
 #include <support/testmain.h>
 
@@ -319,7 +320,7 @@ private Q_SLOTS:
                  u"Plan\n\nSchedule: plum\nStart Date: 3/7/26\nStart Time: 09:30\nEnd Time: 17:00\n"
                  "Due Date: 3/9/26\nDescription: a & b\nc %1\n\n\nClient: Harbor Cafe\nTeam Member: Dana\n\n"
                  "Task Key: KEY-apple\nMessage Key: NEW\n\nBye\n%3\n\n"
-                 "Sent with Oblino. Download from the App Store for Mac:\n\n" STORE ""_s);
+                 "Sent with Oblino. Download from the App Store for Mac:\n\n" OBLINO_STORE_ADDRESS ""_s);
         QTest::keyClick(&form, Qt::Key_Escape);
         QCOMPARE(main.saved(), u"plum"_s);
     }

@@ -1,5 +1,6 @@
 #include <tools/windows/viewcontrollerwhiteboard.h>
 
+#include <config.h>
 #include <platform/sharingpicker.h>
 #include <platform/trace.h>
 #include <platform/widgets/noticelabel.h>
