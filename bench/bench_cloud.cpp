@@ -4,13 +4,13 @@
 
 #include <support/postgresserver.h>
 
+#include <base/appearance.h>
+#include <base/notificationcenter.h>
+#include <base/trace.h>
 #include <cloud/taskrecord.h>
 #include <core/taskmanager.h>
-#include <platform/appearance.h>
-#include <platform/cloud/sqlcloudcontainer.h>
-#include <platform/defaults.h>
-#include <platform/notificationcenter.h>
-#include <platform/trace.h>
+#include <files/defaults.h>
+#include <records/sqlcloudcontainer.h>
 
 #include <QCoreApplication>
 #include <QDate>

@@ -2,17 +2,17 @@
 // description field, against two bare combo boxes that are filled with the same names.
 #include "paintwatch.h"
 
+#include <base/alert.h>
+#include <base/appearance.h>
+#include <base/notificationcenter.h>
+#include <base/trace.h>
 #include <contacts/contactmodel.h>
+#include <controls/descriptionview.h>
 #include <core/taskmanager.h>
-#include <platform/alert.h>
-#include <platform/appearance.h>
-#include <platform/defaults.h>
-#include <platform/notificationcenter.h>
-#include <platform/trace.h>
-#include <ui/descriptionview.h>
+#include <files/defaults.h>
 #include <ui/uiutil.h>
-#include <ui/viewcontrolleradd.h>
-#include <ui/viewcontrolleredit.h>
+#include <ui/windows/viewcontrolleradd.h>
+#include <ui/windows/viewcontrolleredit.h>
 
 #include <QComboBox>
 #include <QTemporaryDir>

@@ -1,12 +1,12 @@
 // How many messages a second sendSMS sends at delay 0, against the same POSTs by a bare QNetworkAccessManager
 // on one connection that is kept, both to a server on loopback.
+#include <base/appearance.h>
+#include <base/trace.h>
 #include <core/taskmanager.h>
+#include <files/defaults.h>
+#include <messaging/httpclient.h>
 #include <messaging/smsgateway.h>
 #include <messaging/smsmessage.h>
-#include <platform/appearance.h>
-#include <platform/defaults.h>
-#include <platform/httpclient.h>
-#include <platform/trace.h>
 #include <support/httpsserver.h>
 
 #include <QCoreApplication>

@@ -2,16 +2,16 @@
 #include "generatedlist.h"
 #include "ratios.h"
 
+#include <base/appearance.h>
+#include <base/trace.h>
 #include <core/tasklistfile.h>
 #include <core/tasklistreader.h>
 #include <core/tasklistwriter.h>
 #include <core/taskmanager.h>
 #include <core/taskordering.h>
 #include <core/tasksearch.h>
-#include <platform/appearance.h>
-#include <platform/defaults.h>
-#include <platform/documents.h>
-#include <platform/trace.h>
+#include <files/defaults.h>
+#include <files/documents.h>
 
 #include <QCoreApplication>
 #include <QDir>

@@ -2,12 +2,12 @@
 // of a stroke costs on the whiteboard: the capture, its saving, and its loading.
 #include "paintwatch.h"
 
+#include <base/alert.h>
+#include <base/appearance.h>
+#include <base/sharingpicker.h>
+#include <base/trace.h>
 #include <core/taskmanager.h>
-#include <platform/alert.h>
-#include <platform/appearance.h>
-#include <platform/defaults.h>
-#include <platform/sharingpicker.h>
-#include <platform/trace.h>
+#include <files/defaults.h>
 #include <tools/windows/viewcontrollernotes.h>
 #include <tools/windows/viewcontrollerwhiteboard.h>
 #include <ui/uiutil.h>

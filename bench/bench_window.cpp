@@ -3,17 +3,17 @@
 #include "generatedlist.h"
 #include "paintwatch.h"
 
+#include <base/alert.h>
+#include <base/appearance.h>
+#include <base/notificationcenter.h>
+#include <base/trace.h>
+#include <controls/searchfield.h>
 #include <core/tasklistwriter.h>
 #include <core/taskmanager.h>
-#include <platform/alert.h>
-#include <platform/appearance.h>
-#include <platform/defaults.h>
-#include <platform/documents.h>
-#include <platform/notificationcenter.h>
-#include <platform/trace.h>
-#include <ui/searchfield.h>
+#include <files/defaults.h>
+#include <files/documents.h>
 #include <ui/uiutil.h>
-#include <ui/viewcontroller.h>
+#include <ui/windows/viewcontroller.h>
 
 #include <QApplication>
 #include <QComboBox>

@@ -1,15 +1,28 @@
-# oblino_room(<room> [WINDOWS] SOURCES ... LINK ... [PCH ... | PCH_OF <target>])
+# Qt's headers, compiled once for every library of that kind: that takes as long as a dozen sources.
+file(WRITE "${PROJECT_BINARY_DIR}/empty.cpp" "")
+function(oblino_precompiled target)
+  add_library(${target} STATIC "${PROJECT_BINARY_DIR}/empty.cpp")
+  set_target_properties(${target} PROPERTIES AUTOMOC OFF AUTOUIC OFF AUTORCC OFF)
+  target_link_libraries(${target} PRIVATE oblino_flags ${ARGN})
+  list(TRANSFORM ARGN REPLACE "Qt6::(.*)" "<Qt\\1>" OUTPUT_VARIABLE headers)
+  target_precompile_headers(${target} PRIVATE ${headers})
+endfunction()
+
+# oblino_room(<room> [WINDOWS] SOURCES ... [PUBLIC ...] [PRIVATE ...] [WIDGETS])
 #
 # Makes the library of one room, oblino_<room>, or with WINDOWS its second library, oblino_<room>_windows.
 # A room's headers are reached as <room/header.h> through a folder that holds nothing but that room, so a
-# file can include only the rooms that its library links. PCH names the headers that are compiled once for the
-# library; PCH_OF takes those of another, which it shares its Qt modules with, since compiling them takes as long
-# as a dozen sources.
+# file can include only the rooms that its library links: PUBLIC those that its headers need, PRIVATE those that
+# only its sources do. WIDGETS says that a library without the word windows in its name has widgets too.
 function(oblino_room room)
-  cmake_parse_arguments(ARG "WINDOWS" "PCH_OF" "SOURCES;LINK;PCH" ${ARGN})
+  cmake_parse_arguments(ARG "WINDOWS;WIDGETS" "" "SOURCES;PUBLIC;PRIVATE" ${ARGN})
   set(target oblino_${room})
+  set(headers oblino_core_headers)
   if(ARG_WINDOWS)
     set(target oblino_${room}_windows)
+  endif()
+  if(ARG_WINDOWS OR ARG_WIDGETS)
+    set(headers oblino_widget_headers)
   endif()
   set(include_root "${PROJECT_BINARY_DIR}/include/${room}")
   file(MAKE_DIRECTORY "${include_root}")
@@ -17,10 +30,6 @@ function(oblino_room room)
 
   add_library(${target} STATIC ${ARG_SOURCES})
   target_include_directories(${target} PUBLIC "${include_root}")
-  target_link_libraries(${target} PUBLIC oblino_flags ${ARG_LINK})
-  if(ARG_PCH)
-    target_precompile_headers(${target} PRIVATE ${ARG_PCH})
-  elseif(ARG_PCH_OF)
-    target_precompile_headers(${target} REUSE_FROM ${ARG_PCH_OF})
-  endif()
+  target_link_libraries(${target} PUBLIC oblino_flags ${ARG_PUBLIC} PRIVATE ${ARG_PRIVATE})
+  target_precompile_headers(${target} REUSE_FROM ${headers})
 endfunction()

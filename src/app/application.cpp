@@ -2,34 +2,34 @@
 
 #include <app/viewcontrollerenhancement.h>
 
+#include <base/appearance.h>
+#include <base/notificationcenter.h>
+#include <base/trace.h>
+#include <base/unsavedwork.h>
 #include <cloud/taskrecord.h>
 #include <contacts/contactmodel.h>
 #include <contacts/windows/viewcontrollerclientmgmt.h>
 #include <contacts/windows/viewcontrollerteammgmt.h>
+#include <controls/theme.h>
 #include <core/taskmanager.h>
+#include <desktop/singleinstance.h>
+#include <files/defaults.h>
+#include <files/documents.h>
+#include <files/earlierversions.h>
+#include <files/filecalls.h>
 #include <messaging/smsgateway.h>
 #include <messaging/windows/viewcontrollersending.h>
 #include <messaging/windows/viewcontrollersettings.h>
-#include <platform/appearance.h>
-#include <platform/defaults.h>
-#include <platform/documents.h>
-#include <platform/earlierversions.h>
-#include <platform/filecalls.h>
-#include <platform/notificationcenter.h>
-#include <platform/singleinstance.h>
-#include <platform/trace.h>
-#include <platform/unsavedwork.h>
-#include <platform/widgets/cloudaccountwindow.h>
-#include <platform/widgets/passwordprompt.h>
+#include <records/windows/cloudaccountwindow.h>
+#include <records/windows/passwordprompt.h>
 #include <tools/notesfile.h>
 #include <tools/whiteboardfile.h>
 #include <tools/windows/earlierversionswindow.h>
 #include <tools/windows/viewcontrollerdestroy.h>
 #include <tools/windows/viewcontrollernotes.h>
 #include <tools/windows/viewcontrollerwhiteboard.h>
-#include <ui/theme.h>
 #include <ui/uiutil.h>
-#include <ui/viewcontroller.h>
+#include <ui/windows/viewcontroller.h>
 
 #include <QApplication>
 #include <QDBusConnection>

@@ -1,14 +1,14 @@
 #pragma once
 
 #include <app/lastsave.h>
+#include <base/daywatch.h>
+#include <base/noticelog.h>
+#include <controls/sharingmenu.h>
+#include <desktop/keyring.h>
+#include <desktop/portalappearance.h>
+#include <desktop/unixsignals.h>
 #include <messaging/sendingrun.h>
-#include <platform/cloud/cloudsession.h>
-#include <platform/daywatch.h>
-#include <platform/keyring.h>
-#include <platform/noticelog.h>
-#include <platform/portalappearance.h>
-#include <platform/unixsignals.h>
-#include <platform/widgets/sharingmenu.h>
+#include <records/cloudsession.h>
 
 #include <QObject>
 

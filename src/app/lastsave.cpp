@@ -1,7 +1,7 @@
 #include <app/lastsave.h>
 
-#include <platform/alert.h>
-#include <platform/unsavedwork.h>
+#include <base/alert.h>
+#include <base/unsavedwork.h>
 #include <ui/uiutil.h>
 
 #include <QCoreApplication>

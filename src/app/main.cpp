@@ -1,8 +1,8 @@
 #include <app/application.h>
 
 #include <config.h>
-#include <platform/singleinstance.h>
-#include <ui/icons.h>
+#include <controls/icons.h>
+#include <desktop/singleinstance.h>
 
 #include <QApplication>
 #include <QLoggingCategory>

@@ -1,7 +1,7 @@
 #include <app/viewcontrollerenhancement.h>
 
 #include <config.h>
-#include <platform/widgets/windowsize.h>
+#include <controls/windowsize.h>
 #include <ui_viewcontrollerenhancement.h>
 
 namespace oblino {

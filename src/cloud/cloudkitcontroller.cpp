@@ -1,6 +1,6 @@
 #include <cloud/cloudkitcontroller.h>
 
-#include <platform/dispatch.h>
+#include <base/dispatch.h>
 
 #include <QCoreApplication>
 #include <QPointer>

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <core/taskmanager.h>
-#include <platform/cloud/cloudcontainer.h>
+#include <records/cloudcontainer.h>
 
 #include <functional>
 #include <utility>

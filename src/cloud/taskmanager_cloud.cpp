@@ -4,10 +4,10 @@
 #include <cloud/cloudwork.h>
 #include <cloud/taskrecord.h>
 
-#include <platform/cloud/cloudcontainer.h>
-#include <platform/dispatch.h>
-#include <platform/notificationcenter.h>
-#include <platform/trace.h>
+#include <base/dispatch.h>
+#include <base/notificationcenter.h>
+#include <base/trace.h>
+#include <records/cloudcontainer.h>
 
 namespace oblino {
 

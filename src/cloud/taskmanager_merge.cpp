@@ -4,9 +4,9 @@
 #include <cloud/cloudwork.h>
 #include <cloud/taskrecord.h>
 
-#include <core/fieldtext.h>
-#include <platform/notificationcenter.h>
-#include <platform/trace.h>
+#include <base/fieldtext.h>
+#include <base/notificationcenter.h>
+#include <base/trace.h>
 
 #include <QHash>
 

@@ -4,9 +4,9 @@
 #include <cloud/cloudwork.h>
 #include <cloud/taskrecord.h>
 
-#include <platform/cloud/cloudcontainer.h>
-#include <platform/dispatch.h>
-#include <platform/trace.h>
+#include <base/dispatch.h>
+#include <base/trace.h>
+#include <records/cloudcontainer.h>
 
 #include <algorithm>
 

@@ -1,9 +1,9 @@
 #include <cloud/taskrecord.h>
 
-#include <core/fieldtext.h>
+#include <base/fieldtext.h>
+#include <base/trace.h>
 #include <core/filedays.h>
 #include <core/taskkey.h>
-#include <platform/trace.h>
 
 #include <QUuid>
 

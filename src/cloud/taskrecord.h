@@ -1,7 +1,7 @@
 #pragma once
 
 #include <core/task.h>
-#include <platform/cloud/cloudrecord.h>
+#include <records/cloudrecord.h>
 
 namespace oblino {
 

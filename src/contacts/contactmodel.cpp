@@ -1,6 +1,6 @@
 #include <contacts/contactmodel.h>
 
-#include <platform/trace.h>
+#include <base/trace.h>
 
 #include <QStandardPaths>
 

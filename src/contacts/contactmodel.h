@@ -1,6 +1,6 @@
 #pragma once
 
-#include <platform/persistentcontainer.h>
+#include <contacts/persistentcontainer.h>
 
 #include <QList>
 #include <QString>

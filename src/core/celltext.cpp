@@ -1,8 +1,8 @@
 #include <core/celltext.h>
 
+#include <base/trace.h>
 #include <core/cellidentifiers.h>
 #include <core/days.h>
-#include <platform/trace.h>
 
 namespace oblino {
 

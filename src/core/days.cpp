@@ -1,6 +1,6 @@
 #include <core/days.h>
 
-#include <platform/trace.h>
+#include <base/trace.h>
 
 namespace oblino {
 

@@ -1,6 +1,6 @@
 #include <core/filedays.h>
 
-#include <platform/clock.h>
+#include <base/clock.h>
 
 namespace oblino {
 

@@ -1,8 +1,8 @@
 #include <core/task.h>
 
+#include <base/clock.h>
+#include <base/trace.h>
 #include <core/taskmanager.h>
-#include <platform/clock.h>
-#include <platform/trace.h>
 
 namespace oblino {
 

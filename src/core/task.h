@@ -1,6 +1,6 @@
 #pragma once
 
-#include <platform/color.h>
+#include <base/color.h>
 
 #include <QDateTime>
 #include <QList>

@@ -1,11 +1,11 @@
 #include <core/tasklistfile.h>
 
+#include <base/clock.h>
+#include <base/trace.h>
 #include <core/tasklistreader.h>
 #include <core/tasklistwriter.h>
 #include <core/taskmanager.h>
-#include <platform/clock.h>
-#include <platform/earlierversions.h>
-#include <platform/trace.h>
+#include <files/earlierversions.h>
 
 #include <QLocale>
 

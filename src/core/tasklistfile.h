@@ -1,7 +1,7 @@
 #pragma once
 
 #include <core/task.h>
-#include <platform/documents.h>
+#include <files/documents.h>
 
 #include <QByteArray>
 #include <QDateTime>

@@ -1,6 +1,7 @@
 // What another program makes of the task list file while it is open.
 #include <core/tasklistfile.h>
 
+#include <base/trace.h>
 #include <core/listdifference.h>
 #include <core/taskkey.h>
 #include <core/tasklistreader.h>
@@ -8,8 +9,7 @@
 #include <core/taskmanager.h>
 #include <core/taskmerge.h>
 #include <core/taskrowreader.h>
-#include <platform/earlierversions.h>
-#include <platform/trace.h>
+#include <files/earlierversions.h>
 
 #include <QSet>
 

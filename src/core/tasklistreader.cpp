@@ -1,10 +1,10 @@
 #include <core/tasklistreader.h>
 
+#include <base/clock.h>
+#include <base/trace.h>
 #include <core/tasklistwriter.h>
 #include <core/taskmanager.h>
 #include <core/taskrowreader.h>
-#include <platform/clock.h>
-#include <platform/trace.h>
 
 #include <QUtf8StringView>
 

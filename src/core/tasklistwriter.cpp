@@ -1,7 +1,7 @@
 #include <core/tasklistwriter.h>
 
-#include <core/fieldtext.h>
-#include <platform/trace.h>
+#include <base/fieldtext.h>
+#include <base/trace.h>
 
 #include <QStringEncoder>
 

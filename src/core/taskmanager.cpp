@@ -1,12 +1,12 @@
 #include <core/taskmanager.h>
 
+#include <base/appearance.h>
+#include <base/clock.h>
+#include <base/trace.h>
 #include <core/taskkey.h>
 #include <core/taskordering.h>
 #include <core/taskviews.h>
-#include <platform/appearance.h>
-#include <platform/clock.h>
-#include <platform/defaults.h>
-#include <platform/trace.h>
+#include <files/defaults.h>
 
 #include <utility>
 

@@ -1,8 +1,8 @@
 #include <core/taskmanager.h>
 
-#include <platform/appearance.h>
-#include <platform/colorwell.h>
-#include <platform/textview.h>
+#include <base/appearance.h>
+#include <base/colorwell.h>
+#include <base/textview.h>
 
 namespace oblino {
 

@@ -1,7 +1,7 @@
 #include <core/taskmanager.h>
 
-#include <platform/clock.h>
-#include <platform/trace.h>
+#include <base/clock.h>
+#include <base/trace.h>
 
 #include <algorithm>
 

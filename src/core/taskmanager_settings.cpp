@@ -1,6 +1,6 @@
 #include <core/taskmanager.h>
 
-#include <platform/defaults.h>
+#include <files/defaults.h>
 
 namespace oblino {
 

@@ -1,9 +1,9 @@
 #include <core/taskmanager.h>
 
+#include <base/dispatch.h>
+#include <base/sharingpicker.h>
 #include <core/sharetext.h>
 #include <core/taskkey.h>
-#include <platform/dispatch.h>
-#include <platform/sharingpicker.h>
 
 #include <QLocale>
 #include <QPointer>

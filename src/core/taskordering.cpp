@@ -1,9 +1,9 @@
 #include <core/taskordering.h>
 
+#include <base/trace.h>
 #include <core/cellidentifiers.h>
 #include <core/epochmemo.h>
 #include <core/taskplaces.h>
-#include <platform/trace.h>
 
 #include <algorithm>
 #include <array>

@@ -1,7 +1,7 @@
 #include <messaging/schedule.h>
 
+#include <base/trace.h>
 #include <core/days.h>
-#include <platform/trace.h>
 
 #include <algorithm>
 

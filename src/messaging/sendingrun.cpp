@@ -1,8 +1,8 @@
 #include <messaging/sendingrun.h>
 
+#include <base/dispatch.h>
+#include <base/trace.h>
 #include <messaging/sendingstate.h>
-#include <platform/dispatch.h>
-#include <platform/trace.h>
 
 #include <atomic>
 #include <chrono>

@@ -1,10 +1,10 @@
 #include <messaging/smsgateway.h>
 
+#include <base/trace.h>
 #include <core/taskmanager.h>
+#include <messaging/httpclient.h>
 #include <messaging/sendingstate.h>
 #include <messaging/smsmessage.h>
-#include <platform/httpclient.h>
-#include <platform/trace.h>
 
 #include <QCoreApplication>
 #include <QStringDecoder>

@@ -1,6 +1,6 @@
 #include <tools/foreignlink.h>
 
-#include <platform/openfile.h>
+#include <files/openfile.h>
 
 #include <QFile>
 #include <QFileInfo>

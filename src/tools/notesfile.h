@@ -1,6 +1,6 @@
 #pragma once
 
-#include <platform/documents.h>
+#include <files/documents.h>
 
 #include <QByteArray>
 #include <QString>

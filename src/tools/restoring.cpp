@@ -4,8 +4,8 @@
 #include <core/tasklistfile.h>
 #include <core/tasklistwriter.h>
 #include <core/taskmanager.h>
-#include <platform/earlierversions.h>
-#include <platform/safefile.h>
+#include <files/earlierversions.h>
+#include <files/safefile.h>
 #include <tools/whiteboardfile.h>
 
 #include <QHash>

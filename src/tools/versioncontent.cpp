@@ -2,7 +2,7 @@
 
 #include <core/tasklistreader.h>
 #include <core/tasklistwriter.h>
-#include <platform/safefile.h>
+#include <files/safefile.h>
 
 #include <QLocale>
 #include <QUtf8StringView>

@@ -2,7 +2,7 @@
 
 #include <core/listdifference.h>
 #include <core/task.h>
-#include <platform/recoveryfolder.h>
+#include <files/recoveryfolder.h>
 #include <tools/datakind.h>
 
 #include <QByteArray>

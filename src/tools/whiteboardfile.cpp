@@ -1,6 +1,6 @@
 #include <tools/whiteboardfile.h>
 
-#include <platform/openfile.h>
+#include <files/openfile.h>
 #include <tools/foreignlink.h>
 #include <tools/pngtext.h>
 

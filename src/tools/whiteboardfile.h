@@ -1,7 +1,7 @@
 #pragma once
 
-#include <platform/recoveryfolder.h>
-#include <platform/safefile.h>
+#include <files/recoveryfolder.h>
+#include <files/safefile.h>
 
 #include <QImage>
 #include <QSize>

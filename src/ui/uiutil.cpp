@@ -1,12 +1,12 @@
 #include <ui/uiutil.h>
 
-#include <ui/timefield.h>
+#include <controls/timefield.h>
 
+#include <base/trace.h>
+#include <controls/messageboxalert.h>
 #include <core/celltext.h>
 #include <core/days.h>
-#include <platform/soundplayer.h>
-#include <platform/trace.h>
-#include <platform/widgets/messageboxalert.h>
+#include <desktop/soundplayer.h>
 
 #include <algorithm>
 #include <utility>

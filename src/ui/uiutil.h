@@ -1,6 +1,6 @@
 #pragma once
 
-#include <platform/alert.h>
+#include <base/alert.h>
 
 #include <QDate>
 #include <QDateTime>

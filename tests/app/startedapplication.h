@@ -4,8 +4,8 @@
 #include <support/widgets.h>
 
 #include <app/application.h>
-#include <platform/singleinstance.h>
-#include <ui/viewcontroller.h>
+#include <desktop/singleinstance.h>
+#include <ui/windows/viewcontroller.h>
 
 #include <functional>
 

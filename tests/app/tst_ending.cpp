@@ -7,8 +7,8 @@
 
 #include <contacts/windows/viewcontrollerclientmgmt.h>
 #include <core/taskmanager.h>
+#include <files/documents.h>
 #include <messaging/windows/viewcontrollersending.h>
-#include <platform/documents.h>
 #include <tools/notesfile.h>
 
 #include <QNetworkProxy>

@@ -4,7 +4,7 @@
 
 #include <app/startpageview.h>
 #include <app/viewcontrollerenhancement.h>
-#include <ui/theme.h>
+#include <controls/theme.h>
 
 #include <QDesktopServices>
 #include <QTextBlock>

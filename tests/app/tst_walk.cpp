@@ -12,7 +12,7 @@
 #include <tools/windows/viewcontrollerdestroy.h>
 #include <tools/windows/viewcontrollernotes.h>
 #include <tools/windows/viewcontrollerwhiteboard.h>
-#include <ui/viewcontrolleradd.h>
+#include <ui/windows/viewcontrolleradd.h>
 
 #include <QNetworkProxy>
 #include <QTcpServer>

@@ -4,12 +4,12 @@
 #include <support/scriptedcontainer.h>
 #include <support/temporaryhome.h>
 
+#include <base/appearance.h>
+#include <base/notificationcenter.h>
 #include <cloud/taskrecord.h>
 #include <core/taskmanager.h>
-#include <platform/appearance.h>
-#include <platform/cloud/sqlcloudcontainer.h>
-#include <platform/defaults.h>
-#include <platform/notificationcenter.h>
+#include <files/defaults.h>
+#include <records/sqlcloudcontainer.h>
 
 namespace oblino {
 

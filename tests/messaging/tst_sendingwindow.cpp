@@ -1,5 +1,6 @@
 #include "../contacts/storecontacts.h"
 
+#include <controls/datefield.h>
 #include <messaging/sendingrun.h>
 #include <messaging/sendingstate.h>
 #include <messaging/windows/viewcontrollersending.h>
@@ -8,7 +9,6 @@
 #include <support/table.h>
 #include <support/testmain.h>
 #include <support/widgets.h>
-#include <ui/datefield.h>
 #include <ui/uiutil.h>
 
 #include <QSignalSpy>

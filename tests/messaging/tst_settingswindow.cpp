@@ -1,7 +1,7 @@
+#include <messaging/httpclient.h>
 #include <messaging/sendingstate.h>
 #include <messaging/smsgateway.h>
 #include <messaging/windows/viewcontrollersettings.h>
-#include <platform/httpclient.h>
 #include <support/httpsserver.h>
 #include <support/scriptedalert.h>
 #include <support/store.h>

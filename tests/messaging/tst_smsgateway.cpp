@@ -1,7 +1,7 @@
+#include <messaging/httpclient.h>
 #include <messaging/sendingstate.h>
 #include <messaging/smsgateway.h>
 #include <messaging/smsmessage.h>
-#include <platform/httpclient.h>
 #include <support/httpsserver.h>
 #include <support/store.h>
 #include <support/table.h>

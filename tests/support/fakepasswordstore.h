@@ -1,6 +1,6 @@
 #pragma once
 
-#include <platform/passwordstore.h>
+#include <base/passwordstore.h>
 
 #include <QList>
 #include <QMap>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <platform/openfile.h>
+#include <files/openfile.h>
 
 #include <algorithm>
 #include <cerrno>

@@ -1,8 +1,8 @@
 #pragma once
 
-#include <platform/journal.h>
-#include <platform/openfile.h>
-#include <platform/safefile.h>
+#include <files/journal.h>
+#include <files/openfile.h>
+#include <files/safefile.h>
 #include <support/temporaryhome.h>
 
 #include <QFileInfo>

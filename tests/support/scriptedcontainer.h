@@ -1,6 +1,6 @@
 #pragma once
 
-#include <platform/cloud/cloudcontainer.h>
+#include <records/cloudcontainer.h>
 
 #include <atomic>
 #include <functional>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <platform/cloud/recordstore.h>
+#include <records/recordstore.h>
 
 #include <QSqlDatabase>
 #include <QSqlError>

@@ -1,8 +1,8 @@
 #pragma once
 
+#include <base/appearance.h>
 #include <core/taskmanager.h>
-#include <platform/appearance.h>
-#include <platform/defaults.h>
+#include <files/defaults.h>
 #include <support/temporaryhome.h>
 
 namespace oblino {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <platform/trace.h>
+#include <base/trace.h>
 #include <support/temporaryhome.h>
 
 #include <QTemporaryFile>

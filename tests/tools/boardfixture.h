@@ -4,10 +4,10 @@
 #include <support/temporaryhome.h>
 #include <support/widgets.h>
 
-#include <platform/sharingpicker.h>
-#include <platform/widgets/noticelabel.h>
+#include <base/sharingpicker.h>
+#include <controls/colorbutton.h>
+#include <controls/noticelabel.h>
 #include <tools/windows/viewcontrollerwhiteboard.h>
-#include <ui/colorbutton.h>
 #include <ui/uiutil.h>
 
 #include <QBuffer>

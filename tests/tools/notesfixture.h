@@ -3,8 +3,8 @@
 #include <support/store.h>
 #include <support/widgets.h>
 
-#include <platform/documents.h>
-#include <platform/widgets/noticelabel.h>
+#include <controls/noticelabel.h>
+#include <files/documents.h>
 #include <tools/windows/viewcontrollernotes.h>
 
 #include <QPointer>

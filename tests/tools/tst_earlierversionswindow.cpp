@@ -4,10 +4,10 @@
 #include <support/testmain.h>
 #include <support/widgets.h>
 
+#include <base/noticelog.h>
+#include <base/notificationcenter.h>
 #include <core/tasklistfile.h>
 #include <core/tasksearch.h>
-#include <platform/noticelog.h>
-#include <platform/notificationcenter.h>
 #include <tools/windows/earlierversionswindow.h>
 #include <tools/windows/viewcontrollerdestroy.h>
 #include <ui/uiutil.h>

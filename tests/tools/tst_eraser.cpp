@@ -7,10 +7,10 @@
 #include <support/testmain.h>
 #include <support/widgets.h>
 
+#include <base/notificationcenter.h>
 #include <core/tasklistfile.h>
-#include <platform/cloud/sqlcloudcontainer.h>
-#include <platform/journal.h>
-#include <platform/notificationcenter.h>
+#include <files/journal.h>
+#include <records/sqlcloudcontainer.h>
 #include <tools/windows/viewcontrollerdestroy.h>
 #include <ui/uiutil.h>
 

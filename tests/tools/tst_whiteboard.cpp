@@ -4,7 +4,7 @@
 #include <support/testmain.h>
 #include <support/traces.h>
 
-#include <platform/widgets/sharingmenu.h>
+#include <controls/sharingmenu.h>
 
 using namespace oblino;
 using namespace Qt::Literals::StringLiterals;

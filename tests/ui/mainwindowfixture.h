@@ -4,11 +4,11 @@
 #include <support/store.h>
 #include <support/widgets.h>
 
-#include <platform/documents.h>
-#include <platform/notificationcenter.h>
-#include <platform/widgets/noticelabel.h>
+#include <base/notificationcenter.h>
+#include <controls/noticelabel.h>
+#include <files/documents.h>
 #include <ui/uiutil.h>
-#include <ui/viewcontroller.h>
+#include <ui/windows/viewcontroller.h>
 
 namespace oblino {
 

@@ -3,7 +3,7 @@
 #include <support/scriptedcontainer.h>
 #include <support/testmain.h>
 
-#include <platform/cloud/sqlcloudcontainer.h>
+#include <records/sqlcloudcontainer.h>
 
 #include <QTimer>
 

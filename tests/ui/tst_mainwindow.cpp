@@ -3,7 +3,7 @@
 #include <support/table.h>
 #include <support/testmain.h>
 
-#include <platform/widgets/messageboxalert.h>
+#include <controls/messageboxalert.h>
 
 #include <QSignalSpy>
 

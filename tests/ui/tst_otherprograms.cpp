@@ -3,7 +3,7 @@
 #include <support/table.h>
 #include <support/testmain.h>
 
-#include <ui/viewcontrolleredit.h>
+#include <ui/windows/viewcontrolleredit.h>
 
 #include <functional>
 

@@ -5,15 +5,15 @@
 #include <support/table.h>
 #include <support/testmain.h>
 
-#include <platform/sharingpicker.h>
-#include <platform/widgets/noticelabel.h>
-#include <platform/widgets/sharingmenu.h>
-#include <ui/colorbutton.h>
-#include <ui/datefield.h>
-#include <ui/descriptionview.h>
-#include <ui/timefield.h>
-#include <ui/viewcontrolleradd.h>
-#include <ui/viewcontrolleredit.h>
+#include <base/sharingpicker.h>
+#include <controls/colorbutton.h>
+#include <controls/datefield.h>
+#include <controls/descriptionview.h>
+#include <controls/noticelabel.h>
+#include <controls/sharingmenu.h>
+#include <controls/timefield.h>
+#include <ui/windows/viewcontrolleradd.h>
+#include <ui/windows/viewcontrolleredit.h>
 
 using namespace oblino;
 using Bytes = Table<QByteArray>;

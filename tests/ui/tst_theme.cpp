@@ -1,8 +1,8 @@
 #include <support/table.h>
 #include <support/testmain.h>
 
-#include <ui/calmstyle.h>
-#include <ui/theme.h>
+#include <controls/calmstyle.h>
+#include <controls/theme.h>
 
 #include <QtWidgets>
 

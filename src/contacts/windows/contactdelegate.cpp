@@ -1,8 +1,8 @@
 #include <contacts/windows/contactdelegate.h>
 
+#include <base/fieldtext.h>
 #include <contacts/contactmodel.h>
-#include <core/fieldtext.h>
-#include <platform/widgets/refusingvalidator.h>
+#include <controls/refusingvalidator.h>
 
 #include <QAbstractItemView>
 #include <QHelpEvent>

@@ -1,7 +1,7 @@
 #include <contacts/windows/contacttable.h>
 
 #include <contacts/windows/contactdelegate.h>
-#include <platform/widgets/tableheader.h>
+#include <controls/tableheader.h>
 
 #include <QEvent>
 #include <QPainter>

@@ -1,9 +1,9 @@
 #include <contacts/windows/contactwindow.h>
 
+#include <base/trace.h>
 #include <contacts/windows/contacttable.h>
-#include <platform/earlierversions.h>
-#include <platform/trace.h>
-#include <platform/widgets/windowsize.h>
+#include <controls/windowsize.h>
+#include <files/earlierversions.h>
 
 #include <QHideEvent>
 #include <QItemSelectionModel>

@@ -1,8 +1,8 @@
 #pragma once
 
+#include <base/unsavedwork.h>
 #include <contacts/contactmodel.h>
 #include <contacts/windows/contactlist.h>
-#include <platform/unsavedwork.h>
 
 #include <QDialog>
 #include <QTimer>

@@ -1,8 +1,8 @@
 #include <contacts/windows/viewcontrollerclientmgmt.h>
 
+#include <base/trace.h>
 #include <contacts/windows/contactdelegate.h>
 #include <contacts/windows/contacttable.h>
-#include <platform/trace.h>
 #include <ui_viewcontrollerclientmgmt.h>
 
 namespace oblino {

@@ -1,15 +1,15 @@
 #include <messaging/windows/viewcontrollersending.h>
 
+#include <base/clock.h>
+#include <base/trace.h>
 #include <contacts/windows/contactlist.h>
 #include <contacts/windows/contacttable.h>
+#include <controls/datefield.h>
+#include <controls/windowsize.h>
 #include <core/filedays.h>
 #include <core/taskmanager.h>
 #include <messaging/sendingsettings.h>
 #include <messaging/smsmessage.h>
-#include <platform/clock.h>
-#include <platform/trace.h>
-#include <platform/widgets/windowsize.h>
-#include <ui/datefield.h>
 #include <ui/uiutil.h>
 #include <ui_viewcontrollersending.h>
 

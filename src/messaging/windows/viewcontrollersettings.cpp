@@ -1,11 +1,11 @@
 #include <messaging/windows/viewcontrollersettings.h>
 
+#include <base/trace.h>
+#include <controls/windowsize.h>
 #include <core/taskmanager.h>
 #include <messaging/sendingsettings.h>
 #include <messaging/sendingstate.h>
 #include <messaging/smsmessage.h>
-#include <platform/trace.h>
-#include <platform/widgets/windowsize.h>
 #include <ui/uiutil.h>
 #include <ui_viewcontrollersettings.h>
 

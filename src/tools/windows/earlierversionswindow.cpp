@@ -1,14 +1,14 @@
 #include <tools/windows/earlierversionswindow.h>
 
+#include <base/noticelog.h>
+#include <controls/emptystate.h>
+#include <controls/tableheader.h>
+#include <controls/windowsize.h>
 #include <core/tasklistfile.h>
 #include <core/taskmanager.h>
-#include <platform/noticelog.h>
-#include <platform/widgets/tableheader.h>
-#include <platform/widgets/windowsize.h>
 #include <tools/notesfile.h>
 #include <tools/restoring.h>
 #include <tools/whiteboardfile.h>
-#include <ui/emptystate.h>
 #include <ui_earlierversionswindow.h>
 
 #include <QDir>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <platform/earlierversions.h>
+#include <files/earlierversions.h>
 #include <tools/datakind.h>
 #include <tools/versioncontent.h>
 #include <tools/windows/versiontablemodel.h>

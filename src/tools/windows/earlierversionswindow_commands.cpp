@@ -1,9 +1,9 @@
 // What the window of earlier versions does to them.
 #include <tools/windows/earlierversionswindow.h>
 
+#include <base/noticelog.h>
+#include <base/notificationcenter.h>
 #include <core/tasklistfile.h>
-#include <platform/noticelog.h>
-#include <platform/notificationcenter.h>
 #include <tools/notesfile.h>
 #include <tools/restoring.h>
 #include <ui/uiutil.h>

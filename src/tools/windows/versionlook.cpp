@@ -1,11 +1,11 @@
 #include <tools/windows/versionlook.h>
 
+#include <controls/tableheader.h>
+#include <controls/theme.h>
 #include <core/cellidentifiers.h>
 #include <core/celltext.h>
-#include <platform/widgets/tableheader.h>
 #include <tools/windows/boardview.h>
-#include <ui/taskcelldelegate.h>
-#include <ui/theme.h>
+#include <ui/windows/taskcelldelegate.h>
 
 #include <QLabel>
 #include <QPlainTextEdit>

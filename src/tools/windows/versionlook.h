@@ -1,7 +1,7 @@
 #pragma once
 
 #include <tools/versioncontent.h>
-#include <ui/tasktablemodel.h>
+#include <ui/windows/tasktablemodel.h>
 
 #include <QStackedWidget>
 

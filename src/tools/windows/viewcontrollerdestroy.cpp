@@ -1,10 +1,10 @@
 #include <tools/windows/viewcontrollerdestroy.h>
 
+#include <base/notificationcenter.h>
+#include <base/trace.h>
 #include <contacts/contactmodel.h>
 #include <core/tasklistfile.h>
 #include <core/taskmanager.h>
-#include <platform/notificationcenter.h>
-#include <platform/trace.h>
 #include <tools/notesfile.h>
 #include <tools/restoring.h>
 #include <tools/whiteboardfile.h>

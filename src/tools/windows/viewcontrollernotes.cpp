@@ -1,9 +1,9 @@
 #include <tools/windows/viewcontrollernotes.h>
 
+#include <base/trace.h>
+#include <controls/noticelabel.h>
+#include <controls/windowsize.h>
 #include <core/taskmanager.h>
-#include <platform/trace.h>
-#include <platform/widgets/noticelabel.h>
-#include <platform/widgets/windowsize.h>
 #include <tools/lineends.h>
 #include <ui_viewcontrollernotes.h>
 

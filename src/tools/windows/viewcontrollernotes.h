@@ -1,7 +1,7 @@
 #pragma once
 
-#include <platform/filewatch.h>
-#include <platform/unsavedwork.h>
+#include <base/unsavedwork.h>
+#include <files/filewatch.h>
 #include <tools/filenotices.h>
 #include <tools/notesfile.h>
 

@@ -1,12 +1,12 @@
 #include <tools/windows/viewcontrollerwhiteboard.h>
 
+#include <base/sharingpicker.h>
+#include <base/trace.h>
 #include <config.h>
-#include <platform/sharingpicker.h>
-#include <platform/trace.h>
-#include <platform/widgets/noticelabel.h>
+#include <controls/colorbutton.h>
+#include <controls/icons.h>
+#include <controls/noticelabel.h>
 #include <tools/windows/boardview.h>
-#include <ui/colorbutton.h>
-#include <ui/icons.h>
 #include <ui/uiutil.h>
 #include <ui_viewcontrollerwhiteboard.h>
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include <platform/color.h>
-#include <platform/unsavedwork.h>
+#include <base/color.h>
+#include <base/unsavedwork.h>
 #include <tools/filenotices.h>
 #include <tools/whiteboardfile.h>
 

@@ -1,7 +1,7 @@
 #include <tools/windows/viewcontrollerwhiteboard.h>
 
-#include <platform/trace.h>
-#include <ui/theme.h>
+#include <base/trace.h>
+#include <controls/theme.h>
 
 #include <QMouseEvent>
 #include <QPainter>

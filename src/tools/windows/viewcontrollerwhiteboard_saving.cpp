@@ -1,7 +1,7 @@
 #include <tools/windows/viewcontrollerwhiteboard.h>
 
-#include <platform/earlierversions.h>
-#include <platform/trace.h>
+#include <base/trace.h>
+#include <files/earlierversions.h>
 #include <tools/windows/boardview.h>
 
 #include <QBuffer>

@@ -1,0 +1,25 @@
+#pragma once
+
+#include <base/color.h>
+
+#include <QColor>
+#include <QPalette>
+
+namespace oblino {
+
+/// The program's own palette, light or dark, for desktops without a style of their own.
+[[nodiscard]] QPalette calmPalette(bool dark);
+
+/// Gives the application its own style and palette where the desktop brings none.
+void applyAppearance(bool dark);
+
+/// The colour for the screen: components outside 0..1 count as the nearest inside.
+[[nodiscard]] QColor screenColor(const Color &color);
+
+/// Black or white, whichever contrasts more with an opaque background.
+[[nodiscard]] QColor readableOn(const QColor &background);
+
+/// A colour with alpha laid over an opaque one.
+[[nodiscard]] QColor laidOver(const QColor &color, const QColor &ground);
+
+} // namespace oblino

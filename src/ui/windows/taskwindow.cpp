@@ -1,0 +1,199 @@
+#include <ui/windows/taskwindow.h>
+
+#include <controls/colorbutton.h>
+#include <controls/datefield.h>
+#include <controls/descriptionview.h>
+#include <ui/uiutil.h>
+#include <ui/windows/taskform.h>
+
+#include <base/trace.h>
+#include <contacts/contactmodel.h>
+#include <contacts/persistentcontainer.h>
+#include <core/taskmanager.h>
+
+#include <QDialogButtonBox>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QScreen>
+#include <QShowEvent>
+#include <QTimer>
+#include <QVBoxLayout>
+
+namespace oblino {
+
+TaskWindow::TaskWindow(const TaskWindowContext &context, const QString &mainTitle, QWidget *parent)
+    : QDialog(parent)
+    , m_store(context.store)
+    , m_utilities(context.utilities)
+    , m_notifications(context.notifications)
+    , m_form(new TaskForm(context.utilities, this))
+    , m_layout(new QVBoxLayout(this))
+    , m_buttons(new QDialogButtonBox(this))
+    , m_mainButton(m_buttons->addButton(mainTitle, QDialogButtonBox::AcceptRole))
+    , m_dataFolder(context.dataFolder)
+{
+    m_layout->setContentsMargins(16, 16, 16, 16);
+    m_layout->setSpacing(16);
+    m_layout->addWidget(m_form, 1);
+    m_layout->addWidget(m_buttons);
+    m_mainButton->setDefault(true);
+    connect(m_buttons->addButton(tr("Cancel"), QDialogButtonBox::RejectRole), &QPushButton::clicked, this,
+            &QDialog::reject);
+    m_form->txtTaskName->setFocus();
+    connect(m_form->color, &ColorButton::panelColorChanged, this, [this] { changeColor(m_form->color); });
+    watchDates();
+    loadView();
+}
+
+TaskWindow::~TaskWindow() = default;
+
+// The colour panel is still open; acceptPickedColor() is called when a colour is chosen.
+void TaskWindow::changeColor(QObject * /*sender*/)
+{
+    trace("Change color");
+}
+
+void TaskWindow::loadView()
+{
+    persistentContainer = makeContactContainer(m_dataFolder);
+    const StoreLoading loading = persistentContainer->loadPersistentStores();
+    if (loading.error.isEmpty()) {
+        trace("---Persistent Store---:", loading.location, loading.type);
+    } else {
+        trace("Unable to Add Persistent Store");
+        trace(QStringLiteral("%1, %2").arg(loading.error, loading.reason));
+    }
+    managedObjectContext = persistentContainer->viewContext();
+    trace("Mngd Context:", managedObjectContext ? "Model" : "none");
+    m_form->setContacts(fetchNames<Clients>(managedObjectContext),
+                        fetchNames<TeamMembers>(managedObjectContext));
+}
+
+bool TaskWindow::becomeFirstResponder()
+{
+    m_form->txtTaskDescription->setFocus();
+    trace(m_form->txtTaskDescription->hasFocus());
+    return true;
+}
+
+void TaskWindow::viewDidAppear()
+{
+    resize(sizeHint().expandedTo({565, 613}).boundedTo(screen()->availableSize()));
+    update();
+}
+
+void TaskWindow::viewDidDisappear()
+{
+    m_form->color->deactivate();
+}
+
+void TaskWindow::acceptPickedColor()
+{
+    const Color picked = m_form->color->color();
+    trace("Select color well", picked.red(), picked.green(), picked.blue(), picked.alpha());
+    m_form->color->deactivate();
+    if (picked == m_form->txtTaskDescription->textColor()) {
+        m_form->color->setColor(colorWell);
+        return;
+    }
+    colorWell = picked;
+    m_form->txtTaskDescription->setTextColor(m_store.textColor());
+}
+
+void TaskWindow::watchDates()
+{
+    connect(m_form->dtTaskDate, &DateField::dateChosen, this,
+            [this] { m_dateWasChosen = m_choseDateLast = true; });
+    connect(m_form->dtTaskDueDate, &DateField::dateChosen, this, [this] {
+        m_dueDateWasChosen = true;
+        m_choseDateLast = false;
+    });
+    // On the way from the one date to the other their order says nothing yet. The question comes later,
+    // because in the middle of a change of focus it would swallow the click that made it.
+    const auto check = [this](const DateField *field, void (TaskWindow::*select)()) {
+        const bool isForAButton =
+            focusWidget() && m_buttons->isAncestorOf(focusWidget()); // checks, or cancels
+        if (isVisible() && !isForAButton && !field->isMarked())
+            (this->*select)();
+    };
+    connect(m_form->dtTaskDate, &DateField::left, this, [this, check] {
+        if (m_dueDateWasChosen)
+            QTimer::singleShot(0, this,
+                               [this, check] { check(m_form->dtTaskDate, &TaskWindow::SelectDate); });
+    });
+    connect(m_form->dtTaskDueDate, &DateField::left, this, [this, check] {
+        if (m_dateWasChosen)
+            QTimer::singleShot(0, this,
+                               [this, check] { check(m_form->dtTaskDueDate, &TaskWindow::SelectDueDate); });
+    });
+}
+
+bool TaskWindow::asksToMoveDueDate(const QString &text)
+{
+    return m_utilities.ask({{}, text, {QStringLiteral("OK"), tr("Move the due date too")}, 0}) == 1;
+}
+
+void TaskWindow::refuseDate()
+{
+    if (!asksToMoveDueDate(QStringLiteral("Select a Start Date prior to Due Date"))) {
+        m_form->setDate(previousDate);
+        m_form->dtTaskDate->setFocus();
+        return;
+    }
+    const QDateTime moved = previousDueDate.addDays(previousDate.daysTo(m_form->date()));
+    m_form->setDueDate(isInOrder(m_form->date(), moved) ? moved : m_form->date());
+    previousDueDate = m_form->dueDate();
+}
+
+void TaskWindow::refuseDueDate()
+{
+    m_utilities.dialogOK(QStringLiteral("Select a Due Date after Start Date"));
+    m_form->setDueDate(previousDueDate);
+    m_form->dtTaskDueDate->setFocus();
+}
+
+// A date that is put back is not what the user meant, so that nothing is confirmed with it.
+bool TaskWindow::mayConfirm()
+{
+    if (!m_form->judge())
+        return false;
+    const bool wasChosen = m_dateWasChosen || m_dueDateWasChosen;
+    if (!wasChosen || isInOrder(m_form->date(), m_form->dueDate()))
+        return true;
+    if (!m_choseDateLast) {
+        SelectDueDate();
+        return false;
+    }
+    const QDateTime date = m_form->date();
+    SelectDate();
+    return m_form->date() == date;
+}
+
+void TaskWindow::forgetChosenDates()
+{
+    m_dateWasChosen = m_dueDateWasChosen = false;
+}
+
+void TaskWindow::showEvent(QShowEvent *event)
+{
+    if (!event->spontaneous())
+        viewWillAppear();
+    QDialog::showEvent(event);
+    if (!event->spontaneous())
+        viewDidAppear();
+}
+
+void TaskWindow::hideEvent(QHideEvent *event)
+{
+    QDialog::hideEvent(event);
+    if (!event->spontaneous())
+        viewDidDisappear();
+}
+
+void TaskWindow::focusInEvent(QFocusEvent *event)
+{
+    QDialog::focusInEvent(event);
+    becomeFirstResponder();
+}
+
+} // namespace oblino

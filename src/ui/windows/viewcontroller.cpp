@@ -1,0 +1,236 @@
+#include <ui/windows/viewcontroller.h>
+
+#include <controls/emptystate.h>
+#include <controls/noticebar.h>
+#include <controls/searchfield.h>
+#include <ui/uiutil.h>
+#include <ui/windows/tasktable.h>
+#include <ui/windows/taskwindow.h>
+#include <ui_viewcontroller.h>
+
+#include <base/notificationcenter.h>
+#include <base/trace.h>
+#include <controls/windowsize.h>
+#include <core/taskmanager.h>
+#include <core/taskviews.h>
+
+#include <QActionGroup>
+#include <QCloseEvent>
+#include <QHeaderView>
+#include <QLabel>
+#include <QScrollBar>
+#include <QToolButton>
+
+namespace oblino {
+
+ViewController::ViewController(TaskManager &store, Documents &documents, UIUtil &utilities,
+                               NotificationCenter &notifications, const QString &dataFolder, QWidget *parent)
+    : QMainWindow(parent)
+    , m_ui(std::make_unique<Ui::ViewController>())
+    , m_store(store)
+    , m_utilities(utilities)
+    , m_notifications(notifications)
+    , m_file(store, documents)
+    , m_watch(m_file.path())
+    , m_model(*this)
+    , m_dataFolder(dataFolder)
+{
+    m_ui->setupUi(this);
+    bindOutlets();
+    prepareTable();
+    fillViews();
+    fillSortMenu();
+    connectCommands();
+    viewDidLoad();
+}
+
+ViewController::~ViewController() = default;
+
+void ViewController::viewDidLoad()
+{
+    m_utilities.prepareSound();
+    splitStringFile(readFromFile());
+    viewSelection->setCurrentIndex(0);
+    for (const QString &identifier : TaskTableModel::identifiers())
+        m_sortPrototypes.append({identifier, true});
+    m_store.sort(m_sortPrototypes.first());
+    reload();
+    disableSelectionButtons();
+    trace("Dark Mode:", m_store.inDarkMode());
+
+    connect(&m_watch, &FileWatch::changed, this, &ViewController::lookAtFile);
+    m_notifications.observe(QStringLiteral("reload"), this, [this] { reloadTableData(); });
+    m_notifications.observe(QStringLiteral("update"), this, [this] { updateComplete(); });
+    m_notifications.observe(QStringLiteral("AppleInterfaceThemeChangedNotification"), this,
+                            [this] { interfaceModeChanged(); });
+    m_notifications.observe(QStringLiteral("dayChanged"), this, [this] { dayChanged(); });
+    connect(&m_store, &TaskManager::taskAdded, this, [this](const QString &key) { m_added.insert(key); });
+}
+
+void ViewController::viewWillAppear()
+{
+    reload();
+    disableSelectionButtons();
+    setLeastSize(*this, {1040, 430});
+    tblView->setFocus(Qt::OtherFocusReason);
+}
+
+bool ViewController::windowShouldClose()
+{
+    trace("Close");
+    takeUpChanges(); // what a form has put off until now
+    if (!m_beforeEnd())
+        return false;
+    Q_EMIT terminationRequested();
+    return true;
+}
+
+void ViewController::showEvent(QShowEvent *event)
+{
+    if (!event->spontaneous())
+        viewWillAppear();
+    QMainWindow::showEvent(event);
+}
+
+void ViewController::closeEvent(QCloseEvent *event)
+{
+    event->setAccepted(windowShouldClose());
+}
+
+// Not every file system tells of changes; a look costs next to nothing. Whoever closed a form over this
+// window may be in the middle of changing the list.
+void ViewController::changeEvent(QEvent *event)
+{
+    QMainWindow::changeEvent(event);
+    if (event->type() == QEvent::ActivationChange && isActiveWindow())
+        QMetaObject::invokeMethod(this, &ViewController::lookAtFile, Qt::QueuedConnection);
+}
+
+void ViewController::comeToFront()
+{
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    show();
+    raise();
+    activateWindow();
+}
+
+void ViewController::ChangeView()
+{
+    trace("Change View", viewIndex());
+    m_views->actions().at(viewIndex())->setChecked(true);
+    disableSelectionButtons();
+    reinitForSearching();
+    reload();
+    tblView->goToRow(0);
+    say({});
+}
+
+void ViewController::reloadTableData()
+{
+    forgetSortOrder();
+    changeList();
+}
+
+void ViewController::interfaceModeChanged()
+{
+    trace("Dark mode change");
+    m_file.interfaceModeChanged();
+    reinitForSearching();
+    forgetSortOrder();
+    disableSelectionButtons();
+    reload();
+    showNotices();
+}
+
+bool ViewController::saveToFile()
+{
+    tblView->viewport()->repaint(); // the change is seen before the disk has taken its time
+    const QString key = keyOfShownSelection();
+    const bool saved = m_file.saveToFile();
+    if (m_file.takeMerged())
+        showChangedList(key);
+    m_noticeBar->tell({}); // of before this change
+    showNotices();
+    return saved;
+}
+
+QString ViewController::readFromFile()
+{
+    return m_file.readFromFile();
+}
+
+QString ViewController::splitStringFile(const QString &joinedStr)
+{
+    QString nothing = m_file.splitStringFile(joinedStr);
+    showNotices();
+    return nothing;
+}
+
+void ViewController::lookAtFile()
+{
+    // What a form shows is compared when it is confirmed; the cloud is on its way from or to this list.
+    if (!isFormOpen() && !m_store.isWaitingForCloud())
+        takeUpChanges();
+}
+
+void ViewController::takeUpChanges()
+{
+    const QString key = keyOfShownSelection();
+    if (m_file.takeUpChanges()) {
+        showChangedList(key);
+        if (m_file.hasUnsavedChanges())
+            saveToFile();
+    }
+    showNotices();
+}
+
+// The list is another one: what was seen and selected of it stays, as far as it is still there.
+void ViewController::showChangedList(const QString &selectedKey)
+{
+    if (const int section = tblView->horizontalHeader()->sortIndicatorSection(); section >= 0) {
+        SortDescriptor descriptor = m_sortPrototypes.at(section);
+        descriptor.ascending = tblView->horizontalHeader()->sortIndicatorOrder() == Qt::AscendingOrder;
+        m_store.sort(descriptor);
+    }
+    reinitForSearching();
+    showOn(selectedKey);
+}
+
+void ViewController::dayChanged()
+{
+    if (!m_store.isWaitingForCloud()) // after which the table is reloaded anyway
+        showOn(keyOfShownSelection());
+}
+
+void ViewController::showOn(const QString &selectedKey)
+{
+    const int scrolled = tblView->verticalScrollBar()->value();
+    reload();
+    if (!selectedKey.isEmpty())
+        restoreSelection(selectedKey);
+    tblView->verticalScrollBar()->setValue(scrolled);
+}
+
+bool ViewController::isFormOpen() const
+{
+    const QList<TaskWindow *> forms = findChildren<TaskWindow *>();
+    return std::any_of(forms.cbegin(), forms.cend(),
+                       [](const TaskWindow *form) { return form->isVisible(); });
+}
+
+QString ViewController::workTitle() const
+{
+    return tr("The list");
+}
+
+QString ViewController::saveNow()
+{
+    return saveToFile() && !isUnsaved() ? QString() : m_file.failure();
+}
+
+QString ViewController::rescue()
+{
+    return m_file.rescue();
+}
+
+} // namespace oblino

@@ -1,0 +1,242 @@
+#pragma once
+
+#include <ui/windows/tasktablemodel.h>
+
+#include <base/unsavedwork.h>
+#include <core/sortdescriptor.h>
+#include <core/task.h>
+#include <core/tasklistfile.h>
+#include <files/filewatch.h>
+
+#include <QHash>
+#include <QMainWindow>
+#include <QPointer>
+#include <QSet>
+
+#include <functional>
+#include <memory>
+#include <utility>
+
+class QAction;
+class QActionGroup;
+class QComboBox;
+class QLabel;
+class QToolButton;
+
+namespace oblino {
+
+namespace Ui {
+class ViewController;
+}
+
+class EmptyState;
+class NoticeBar;
+class NotificationCenter;
+class SearchField;
+class ViewControllerAdd;
+struct TaskWindowContext;
+class TaskManager;
+class TaskTable;
+class UIUtil;
+
+/// The main window: turns the user's actions into operations of the task store, keeps table and commands in
+/// step with it, and has the list saved after every change.
+class ViewController : public QMainWindow, public UnsavedWork, private TaskTableSource
+{
+    Q_OBJECT
+
+public:
+    /// @param dataFolder  where the contact store lies, which the forms of tasks open
+    ViewController(TaskManager &store, Documents &documents, UIUtil &utilities,
+                   NotificationCenter &notifications, const QString &dataFolder, QWidget *parent = nullptr);
+    ~ViewController() override;
+
+    // Commands
+
+    void ChangeView();
+    void search();
+    void upper();
+    void downer();
+    void hideClicked();
+    void btnDeleteTask_Click(QObject *sender);
+    void cloneTask(QObject *sender);
+    void closeTask(QObject *sender);
+    void sharingTask(QObject *sender);
+    void newTask();
+    void editTask();
+    void doubleClickTable();
+    void doubleClickOnResultRow();
+    void addEnhancement(QObject *sender);
+    void UpdateToCloud(QObject *sender);
+    void UpdateFromCoud(QObject *sender);
+
+    /// Sets what is called before a command that uses the cloud. It asks the user for what the cloud lacks,
+    /// and answers whether the command may go on.
+    void setBeforeCloud(std::function<bool()> beforeCloud) { m_beforeCloud = std::move(beforeCloud); }
+
+    // What others tell the window
+
+    void reloadTableData();
+    void updateComplete();
+    void interfaceModeChanged();
+
+    // The task list file
+
+    bool saveToFile();
+    [[nodiscard]] QString readFromFile();
+    QString splitStringFile(const QString &joinedStr);
+
+    [[nodiscard]] TaskListFile &taskListFile() { return m_file; }
+
+    /// Takes up what another program has made of the file, at once or when the forms that are open are
+    /// closed.
+    void lookAtFile();
+
+    // The list as unsaved work
+
+    [[nodiscard]] QString workTitle() const override;
+    [[nodiscard]] bool isUnsaved() const override { return m_file.hasUnsavedChanges(); }
+    [[nodiscard]] QString saveNow() override;
+    [[nodiscard]] QByteArray unsavedContent() const override { return m_file.text(); }
+    [[nodiscard]] QString unsavedFileName() const override { return TaskListFile::name; }
+    [[nodiscard]] QString rescue() override;
+
+    /// Brings the window in front of the others.
+    void comeToFront();
+
+    /// Sets what is called before the window closes. It answers whether the application may end.
+    void setBeforeEnd(std::function<bool()> beforeEnd) { m_beforeEnd = std::move(beforeEnd); }
+
+    /// Tells the user what has happened, in whole sentences.
+    void tell(const QStringList &notices);
+    /// Tells the user what is wrong with something for as long as it is; with an empty sentence nothing is.
+    void setTrouble(const QString &thing, const QString &sentence);
+    /// What the window tells the user at this moment; usually nothing.
+    [[nodiscard]] QString notice() const;
+
+Q_SIGNALS:
+    /// The user was told something.
+    void told(const QString &notice);
+    /// The window was closed, which ends the application.
+    void terminationRequested();
+    void clientsRequested();
+    void teamMembersRequested();
+    void sendingRequested();
+    void messagingSettingsRequested();
+    void cloudAccountRequested();
+    void notesRequested();
+    void whiteboardRequested();
+    void earlierVersionsRequested();
+    void eraserRequested();
+    void startPageRequested();
+
+protected:
+    void showEvent(QShowEvent *event) override;
+    void closeEvent(QCloseEvent *event) override;
+    void changeEvent(QEvent *event) override;
+
+private:
+    // Life cycle
+
+    void viewDidLoad();
+    void viewWillAppear();
+    bool windowShouldClose();
+
+    // The table
+
+    [[nodiscard]] int numberOfRows() override;
+    [[nodiscard]] QString objectValueFor(int column, int row) const override;
+    [[nodiscard]] QString wholeTextFor(int column, int row) const override;
+    [[nodiscard]] QColor didAdd(int row) const override;
+    [[nodiscard]] int markFor(int column, int row) const override;
+    void sortDescriptorsDidChange(int section, Qt::SortOrder order);
+    void tableViewSelectionDidChange();
+
+    void disableSelectionButtons();
+    void enableSelectionButtons();
+    void reinitForSearching();
+
+    // Setting up
+
+    void bindOutlets();
+    void connectCommands();
+    void fillViews();
+    void fillSortMenu();
+    void prepareTable();
+
+    // Helpers
+
+    void reload();
+    void restoreSelection(const QString &key);
+    void changeList();
+    void showAdded();
+    void say(const QString &message);
+    void endSearch();
+    void moveSelected(bool up, const QString &elsewhereMessage);
+    void showHideCommand(bool hidden);
+    void setSelectionCommandsEnabled(bool enabled);
+    void forgetSortOrder();
+    void reverseOrder();
+    void copyTask();
+    void copyKey();
+    void about();
+    void holdCommands();
+    void releaseCommands();
+    void showCloudProgress(int percent);
+    void showCloudCause(const QString &cause);
+    void showNotices();
+    void takeUpChanges();
+    void showChangedList(const QString &selectedKey);
+    void showOn(const QString &selectedKey);
+    void dayChanged();
+    [[nodiscard]] bool isFormOpen() const;
+    void showCounts();
+    [[nodiscard]] QString keyOfShownSelection() const;
+    [[nodiscard]] bool showsSelection() const { return !keyOfShownSelection().isEmpty(); }
+    [[nodiscard]] int rowOfKey(const QString &key) const;
+    [[nodiscard]] int viewIndex() const;
+    [[nodiscard]] TaskWindowContext formContext();
+
+    std::unique_ptr<Ui::ViewController> m_ui;
+    TaskManager &m_store;
+    UIUtil &m_utilities;
+    NotificationCenter &m_notifications;
+    TaskListFile m_file;
+    FileWatch m_watch;
+    TaskTableModel m_model;
+    QList<SortDescriptor> m_sortPrototypes;
+    QString m_dataFolder;
+    QPointer<ViewControllerAdd> m_addForm;
+    QHash<QAction *, QString> m_toolTips; // of commands while they are enabled
+    QSet<QString> m_added;                // keys of tasks that the table is to lead to
+    QString m_said;                       // in the status line, by this window itself
+    int m_sortColumn = 0;                 // by which the table was sorted last
+    Qt::SortOrder m_sortOrder = Qt::AscendingOrder;
+    QActionGroup *m_views = nullptr;
+    std::function<bool()> m_beforeEnd = [] { return true; };
+    std::function<bool()> m_beforeCloud = [] { return true; };
+    bool m_deletionHasAsked = false;
+    QString m_waitingFor = tr("Waiting for the cloud"); // the start of a message
+    QList<QAction *> m_heldCommands;                    // disabled while the cloud is waited for
+
+    // Outlets
+
+    TaskTable *tblView = nullptr;
+    QToolButton *deleteButton = nullptr;
+    QToolButton *hideButton = nullptr;
+    QToolButton *upperButton = nullptr;
+    QToolButton *downerButton = nullptr;
+    QToolButton *editButton = nullptr;
+    QToolButton *shareButton = nullptr;
+    QToolButton *cloneButton = nullptr;
+    QToolButton *closeButton = nullptr;
+    QComboBox *viewSelection = nullptr;
+    SearchField *searchField = nullptr;
+    QLabel *statusMessage = nullptr;
+    QLabel *statusMessageLabel = nullptr;
+    QLabel *m_saveState = nullptr;
+    NoticeBar *m_noticeBar = nullptr;
+    EmptyState *m_emptyState = nullptr;
+};
+
+} // namespace oblino

@@ -1,0 +1,240 @@
+// The commands of the main window on the selected task.
+#include <ui/windows/viewcontroller.h>
+
+#include <controls/icons.h>
+#include <ui/uiutil.h>
+#include <ui/windows/tasktable.h>
+#include <ui/windows/viewcontrolleradd.h>
+#include <ui/windows/viewcontrolleredit.h>
+#include <ui_viewcontroller.h>
+
+#include <base/trace.h>
+#include <controls/pasteboard.h>
+#include <core/taskmanager.h>
+#include <core/taskviews.h>
+
+#include <QCoreApplication>
+#include <QLabel>
+#include <QMessageBox>
+#include <QToolButton>
+
+namespace oblino {
+
+namespace {
+
+const QString selectFirst = QStringLiteral("Select a task first.");
+
+} // namespace
+
+void ViewController::enableSelectionButtons()
+{
+    setSelectionCommandsEnabled(true);
+    for (QAction *action : {m_ui->moveUpAction, m_ui->moveDownAction})
+        action->setEnabled(true);
+}
+
+void ViewController::disableSelectionButtons()
+{
+    setSelectionCommandsEnabled(false);
+}
+
+void ViewController::setSelectionCommandsEnabled(bool enabled)
+{
+    for (QAction *action : {m_ui->editAction, m_ui->shareAction, m_ui->deleteAction, m_ui->hideAction,
+                            m_ui->cloneAction, m_ui->closeAction, m_ui->copyAction, m_ui->copyKeyAction}) {
+        action->setEnabled(enabled);
+        if (action != m_ui->hideAction) // its tool tip says which way it works
+            action->setToolTip(enabled ? m_toolTips.value(action) : selectFirst);
+    }
+}
+
+void ViewController::showHideCommand(bool hidden)
+{
+    m_ui->hideAction->setIcon(
+        themedIcon(hidden ? QStringLiteral("AppHideIcon") : QStringLiteral("AppShowIcon")));
+    m_ui->hideAction->setText(hidden ? tr("Un&hide") : tr("&Hide"));
+    m_ui->hideAction->setIconText(hidden ? tr("Unhide") : tr("Hide"));
+    m_ui->hideAction->setToolTip(hidden ? QStringLiteral("UNHIDE") : QStringLiteral("HIDE"));
+}
+
+// The end of every command that changes the list.
+void ViewController::changeList()
+{
+    say({});
+    reinitForSearching();
+    reload();
+    disableSelectionButtons();
+    showAdded();
+    saveToFile();
+}
+
+void ViewController::upper()
+{
+    moveSelected(true, QStringLiteral("Change to Global-All View to order Tasks."));
+}
+
+void ViewController::downer()
+{
+    moveSelected(false, QStringLiteral("Change to the Global-All View to order Tasks."));
+}
+
+void ViewController::moveSelected(bool up, const QString &elsewhereMessage)
+{
+    if (viewIndex() != globalAllView) {
+        m_utilities.dialogOK(elsewhereMessage);
+        return;
+    }
+    if (!showsSelection()) {
+        m_utilities.dialogOK(QStringLiteral("Select a Task."));
+        return;
+    }
+    const QString key = m_store.getSelectedTask().key;
+    if (m_store.swapSelected(up))
+        forgetSortOrder();
+    reload();
+    disableSelectionButtons();
+    m_store.setSelected(key);
+    if (const int row = rowOfKey(key); row >= 0)
+        tblView->selectRow(row);
+    say({});
+    saveToFile();
+}
+
+void ViewController::hideClicked()
+{
+    if (!showsSelection())
+        return;
+    trace("Hide Pressed!");
+    const bool hidden = m_store.getHiddenSelected();
+    showHideCommand(!hidden);
+    if (hidden)
+        m_store.unhideSelected();
+    else
+        m_store.hideSelected();
+    changeList();
+}
+
+void ViewController::btnDeleteTask_Click(QObject *)
+{
+    if (!showsSelection())
+        return;
+    const task selected = m_store.getSelectedTask();
+    const bool confirmed = m_utilities.dialogYesNo(
+        QStringLiteral(
+            "The task will be deleted locally as well as from the iCloud if present. Are you sure you "
+            "want to delete ?"),
+        selected.name);
+    // Asked once only: a task can be deleted here without the cloud.
+    if (confirmed && !std::exchange(m_deletionHasAsked, true))
+        (void)m_beforeCloud();
+    // The list may have changed under the questions; only the task that was asked about goes.
+    if (confirmed && m_store.setSelected(selected.key) >= 0) {
+        trace("Ok Pressed!");
+        m_store.deleteTaskToCloud(selected.key);
+        m_store.removeSelected();
+    }
+    trace("Tasks:", m_store.tasks());
+    changeList();
+}
+
+void ViewController::cloneTask(QObject *sender)
+{
+    if (!showsSelection())
+        return;
+    m_store.cloneSelected(sender);
+    forgetSortOrder();
+    changeList();
+}
+
+void ViewController::closeTask(QObject *sender)
+{
+    if (!showsSelection())
+        return;
+    if (m_store.getSelectedTask().status != OpenStatus) {
+        m_utilities.dialogOK(QStringLiteral("Task already closed"));
+        return;
+    }
+    m_utilities.playSound();
+    trace("Close Task");
+    m_store.closeSelected(sender);
+    changeList();
+}
+
+void ViewController::addEnhancement(QObject * /*sender*/)
+{
+    Q_EMIT startPageRequested();
+}
+
+void ViewController::sharingTask(QObject *sender)
+{
+    if (showsSelection())
+        m_store.shareSelected(sender);
+}
+
+TaskWindowContext ViewController::formContext()
+{
+    return {m_store, m_utilities, m_notifications, m_dataFolder};
+}
+
+void ViewController::newTask()
+{
+    if (!m_addForm) {
+        m_addForm = new ViewControllerAdd(formContext(), this);
+        m_addForm->setAttribute(Qt::WA_DeleteOnClose);
+        connect(m_addForm, &QDialog::finished, this, &ViewController::lookAtFile, Qt::QueuedConnection);
+    }
+    m_addForm->show();
+    m_addForm->raise();
+    m_addForm->activateWindow();
+}
+
+void ViewController::editTask()
+{
+    if (!showsSelection())
+        return say(selectFirst);
+    auto *form = new ViewControllerEdit(formContext(), this);
+    form->setAttribute(Qt::WA_DeleteOnClose);
+    connect(form, &QDialog::finished, this, &ViewController::lookAtFile, Qt::QueuedConnection);
+    form->open();
+}
+
+void ViewController::doubleClickTable()
+{
+    trace("Double Click");
+    doubleClickOnResultRow();
+}
+
+void ViewController::doubleClickOnResultRow()
+{
+    const int row = tblView->currentIndex().row();
+    if (row >= 0)
+        editTask();
+    trace("doubleClickOnResultRow ", row);
+}
+
+void ViewController::copyTask()
+{
+    if (!showsSelection())
+        return;
+    Pasteboard::setText(m_store.shareTextOfSelected());
+    say(tr("Copied “%1” as text.").arg(m_store.getSelectedTask().name));
+}
+
+void ViewController::copyKey()
+{
+    if (!showsSelection())
+        return;
+    Pasteboard::setText(m_store.getSelectedTask().key);
+    say(tr("Task key copied."));
+}
+
+void ViewController::about()
+{
+    QMessageBox::about(
+        this, tr("About Oblino"),
+        tr("<h3>Oblino %1</h3><p>Plan work as a list of tasks, and text clients and team members "
+           "their schedules.</p>")
+            .arg(QCoreApplication::applicationVersion()));
+}
+
+} // namespace oblino

@@ -1,0 +1,212 @@
+// The table of the main window, its selection, its sorting and the search.
+#include <ui/windows/viewcontroller.h>
+
+#include <controls/emptystate.h>
+#include <controls/searchfield.h>
+#include <controls/theme.h>
+#include <ui/tabletexts.h>
+#include <ui/windows/tasktable.h>
+#include <ui_viewcontroller.h>
+
+#include <base/trace.h>
+#include <core/celltext.h>
+#include <core/taskmanager.h>
+#include <core/tasksearch.h>
+
+#include <QHeaderView>
+#include <QLabel>
+#include <QLocale>
+#include <QScrollBar>
+#include <QSignalBlocker>
+
+#include <algorithm>
+
+namespace oblino {
+
+void ViewController::search()
+{
+    const QString key = keyOfShownSelection();
+    const QString term = searchField->text();
+    if (!term.isEmpty()) {
+        trace(term);
+        m_store.setIsSearching(true);
+        m_store.setSearchTerm(term);
+        trace("Tasks:", m_store.tasks());
+        trace("Backup Tasks:", m_store.backupTasks());
+        reinitForSearching();
+    } else {
+        trace("isEmpty");
+        m_store.setIsSearching(false);
+    }
+    reload();
+    restoreSelection(key);
+}
+
+void ViewController::endSearch()
+{
+    searchField->clear();
+    if (m_store.isSearching())
+        search();
+}
+
+void ViewController::reinitForSearching()
+{
+    if (m_store.isSearching())
+        m_store.setTasks(tasksMatching(m_store.backupTasks(), m_store.searchTerm()));
+}
+
+int ViewController::numberOfRows()
+{
+    trace("Index of Selected:", viewIndex());
+    m_store.setFilter(viewIndex());
+    trace("Number of Rows:", m_store.tasksInView().size());
+    return static_cast<int>(m_store.tasksInView().size());
+}
+
+QString ViewController::objectValueFor(int column, int row) const
+{
+    return cellText(m_store.tasksInView().at(row), TaskTableModel::identifiers().at(column), QLocale());
+}
+
+QString ViewController::wholeTextFor(int column, int row) const
+{
+    const task &t = m_store.tasksInView().at(row);
+    return TaskTableModel::identifiers().at(column) == CellIdentifiers::DescCell
+               ? t.desc
+               : objectValueFor(column, row);
+}
+
+QColor ViewController::didAdd(int row) const
+{
+    trace("Row:", row);
+    return screenColor(m_store.tasksInView().at(row).color);
+}
+
+int ViewController::markFor(int column, int row) const
+{
+    const task &t = m_store.tasksInView().at(row);
+    const bool status = TaskTableModel::identifiers().at(column) == CellIdentifiers::StatusCell;
+    return static_cast<int>(std::clamp<qint64>(status ? t.status : t.priority, -1, 1000));
+}
+
+void ViewController::sortDescriptorsDidChange(int section, Qt::SortOrder order)
+{
+    if (section < 0)
+        return;
+    m_sortColumn = section;
+    m_sortOrder = order;
+    SortDescriptor descriptor = m_sortPrototypes.at(section);
+    descriptor.ascending = order == Qt::AscendingOrder;
+    trace("Sorting:", descriptor);
+    const QString key = keyOfShownSelection();
+    m_store.sort(descriptor);
+    reload();
+    restoreSelection(key);
+}
+
+void ViewController::tableViewSelectionDidChange()
+{
+    trace("Selection changed");
+    const QModelIndexList rows = tblView->selectionModel()->selectedRows(TaskTableModel::keyColumn);
+    const int row = rows.isEmpty() ? -1 : rows.first().row();
+    trace("Selected Row:", row);
+    if (row >= 0) {
+        const qint64 index = m_store.setSelected(rows.first().data().toString());
+        trace("Index:", index);
+        const bool hidden = m_store.getHiddenSelected();
+        trace("Hidden:", hidden);
+        showHideCommand(hidden);
+        if (index < 0)
+            disableSelectionButtons();
+        else
+            enableSelectionButtons();
+    }
+    trace("Row:", row);
+}
+
+void ViewController::reload()
+{
+    const QModelIndex current = tblView->currentIndex();
+    const int scrolled = tblView->verticalScrollBar()->value();
+    m_model.reload();
+    // The keyboard goes on from the row where it was; nothing is selected by that.
+    if (const int rows = m_model.rowCount(); rows > 0) {
+        const QModelIndex near =
+            m_model.index(std::clamp(current.row(), 0, rows - 1), std::max(current.column(), 0));
+        tblView->selectionModel()->setCurrentIndex(near, QItemSelectionModel::NoUpdate);
+        tblView->verticalScrollBar()->setValue(scrolled);
+    }
+    showCounts();
+}
+
+// Empty where the user sees no task selected, whatever the store has selected: no command acts then.
+QString ViewController::keyOfShownSelection() const
+{
+    const QModelIndexList rows = tblView->selectionModel()->selectedRows(TaskTableModel::keyColumn);
+    if (rows.isEmpty() || m_store.getSelectedTaskIndex() < 0)
+        return {};
+    const QString key = rows.first().data().toString();
+    return m_store.getSelectedTask().key == key ? key : QString();
+}
+
+void ViewController::restoreSelection(const QString &key)
+{
+    const int row = key.isEmpty() ? -1 : rowOfKey(key);
+    if (row >= 0) {
+        tblView->selectRow(row);
+        tblView->scrollTo(m_model.index(row, tblView->currentIndex().column()));
+        return;
+    }
+    if (!key.isEmpty())
+        disableSelectionButtons();
+    tblView->goToRow(0);
+}
+
+int ViewController::rowOfKey(const QString &key) const
+{
+    const QList<task> &rows = m_store.tasksInView();
+    const auto found =
+        std::find_if(rows.cbegin(), rows.cend(), [&key](const task &t) { return t.key == key; });
+    return found == rows.cend() ? -1 : static_cast<int>(found - rows.cbegin());
+}
+
+int ViewController::viewIndex() const
+{
+    return viewSelection->currentIndex();
+}
+
+void ViewController::forgetSortOrder()
+{
+    QHeaderView *header = tblView->horizontalHeader();
+    const QSignalBlocker blocker(header);
+    header->setSortIndicator(-1, Qt::AscendingOrder);
+    header->viewport()->update();
+}
+
+// An order that was made by hand has no other direction, so that of before is turned round.
+void ViewController::reverseOrder()
+{
+    tblView->horizontalHeader()->setSortIndicator(
+        m_sortColumn, m_sortOrder == Qt::AscendingOrder ? Qt::DescendingOrder : Qt::AscendingOrder);
+}
+
+void ViewController::showCounts()
+{
+    const qsizetype shown = m_store.tasksInView().size();
+    const qsizetype all = m_store.fullList().size();
+    const QLocale locale;
+    const QString noun = all == 1 ? tr("task") : tr("tasks");
+    statusMessage->setText(shown == all
+                               ? tr("%1 %2").arg(locale.toString(all), noun)
+                               : tr("%1 of %2 %3").arg(locale.toString(shown), locale.toString(all), noun));
+    m_emptyState->setVisible(shown == 0);
+    if (shown > 0)
+        return;
+    const EmptyText text = emptyText({.view = viewSelection->currentText(),
+                                      .searchTerm = m_store.isSearching() ? m_store.searchTerm() : QString(),
+                                      .all = all,
+                                      .matches = m_store.tasks().size()});
+    m_emptyState->say(text.title, text.advice);
+}
+
+} // namespace oblino

@@ -1,0 +1,131 @@
+#include <ui/windows/viewcontrolleradd.h>
+
+#include <controls/colorbutton.h>
+#include <controls/datefield.h>
+#include <controls/descriptionview.h>
+#include <controls/timefield.h>
+#include <ui/uiutil.h>
+#include <ui/windows/taskform.h>
+
+#include <base/clock.h>
+#include <base/notificationcenter.h>
+#include <base/trace.h>
+#include <controls/windowsize.h>
+#include <core/taskmanager.h>
+
+#include <QComboBox>
+#include <QDialogButtonBox>
+#include <QLineEdit>
+#include <QPushButton>
+
+namespace oblino {
+
+ViewControllerAdd::ViewControllerAdd(const TaskWindowContext &context, QWidget *parent)
+    : TaskWindow(context, tr("A&dd"), parent)
+{
+    setWindowTitle(tr("New Task"));
+    m_mainButton->setObjectName(QStringLiteral("addButton"));
+    QPushButton *reset = m_buttons->addButton(tr("&Reset"), QDialogButtonBox::ResetRole);
+    reset->setObjectName(QStringLiteral("resetButton"));
+    reset->setAutoDefault(false);
+    connect(m_mainButton, &QPushButton::clicked, this, &ViewControllerAdd::btnAddTask_Click);
+    connect(reset, &QPushButton::clicked, this, &ViewControllerAdd::ResetToOriginal);
+    connect(m_form->color, &ColorButton::picked, this, &ViewControllerAdd::selectColorWell);
+    previousDate = previousDueDate = now();
+    viewDidLoad();
+}
+
+void ViewControllerAdd::viewDidLoad()
+{
+    chooseNow();
+    m_form->inTaskStatus->setCurrentIndex(0);
+    m_form->inTaskPriority->setCurrentIndex(0);
+    m_form->setDescription({});
+    m_notifications.observe(QStringLiteral("AppleInterfaceThemeChangedNotification"), this,
+                            [this] { interfaceModeChanged(); });
+    setMinimumSize(100, 150);
+    m_store.changeColor(*m_form->color, *m_form->txtTaskDescription);
+    m_form->setTimes(m_store.defaultStartHour(), m_store.defaultStartMin(), m_store.defaultEndHour(),
+                     m_store.defaultEndMin());
+}
+
+void ViewControllerAdd::viewWillAppear()
+{
+    setLeastSize(*this, {565, 452});
+    colorWell = m_store.neutralColor();
+    const auto traceTime = [this](const TimeField &picker) {
+        trace(m_utilities.getHourFromDatePicker(picker), ":", m_utilities.getMinuteFromDatePicker(picker));
+    };
+    traceTime(*m_form->startTime);
+    traceTime(*m_form->endTime);
+}
+
+void ViewControllerAdd::chooseNow()
+{
+    const QDateTime moment = now();
+    m_form->setDueDate(moment);
+    m_form->setDate(moment);
+}
+
+bool ViewControllerAdd::isInOrder(const QDateTime &start, const QDateTime &due) const
+{
+    return start.date() <= due.date();
+}
+
+void ViewControllerAdd::SelectDate()
+{
+    if (m_utilities.compareDate<int>(m_form->date(), m_form->dueDate()) == -1)
+        refuseDate();
+    previousDate = m_form->date();
+}
+
+void ViewControllerAdd::SelectDueDate()
+{
+    trace("Start Date:", m_form->date());
+    trace("Due Date:", m_form->dueDate());
+    if (m_utilities.compareDate<int>(m_form->dueDate(), m_form->date()) == 1)
+        refuseDueDate();
+    previousDueDate = m_form->dueDate();
+}
+
+void ViewControllerAdd::selectColorWell()
+{
+    acceptPickedColor();
+}
+
+void ViewControllerAdd::interfaceModeChanged()
+{
+    trace("Dark mode change");
+    m_store.changeColor(*m_form->color, *m_form->txtTaskDescription);
+    colorWell = m_form->color->color();
+}
+
+void ViewControllerAdd::ResetToOriginal()
+{
+    trace("Reset");
+    forgetChosenDates();
+    chooseNow();
+    m_form->setName({});
+    m_form->inTaskStatus->setCurrentIndex(0);
+    m_form->inTaskPriority->setCurrentIndex(0);
+    m_form->setDescription({});
+    m_store.changeColor(*m_form->color, *m_form->txtTaskDescription);
+}
+
+void ViewControllerAdd::btnAddTask_Click()
+{
+    trace("Button Pressed");
+    if (!mayConfirm())
+        return;
+    const task t = m_form->entered();
+    m_store.addTask({}, t.date, t.name, t.desc, t.color, t.due, t.status, t.priority, t.statusName,
+                    t.priorityName, false, t.startHour, t.startMin, t.endHour, t.endMin, t.client,
+                    t.teamMember);
+    m_form->setName({});
+    m_form->setDescription({});
+    m_form->color->deactivate();
+    m_notifications.post(QStringLiteral("reload"));
+    close();
+}
+
+} // namespace oblino

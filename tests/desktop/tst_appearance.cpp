@@ -1,0 +1,100 @@
+#include <support/privatebus.h>
+#include <support/table.h>
+#include <support/testmain.h>
+
+#include <base/appearance.h>
+#include <desktop/portalappearance.h>
+
+#include <QGuiApplication>
+#include <QPalette>
+#include <QSignalSpy>
+
+using namespace oblino;
+using namespace Qt::Literals::StringLiterals;
+using namespace std::chrono_literals;
+using Answer = FakePortal::Answer;
+
+namespace {
+
+bool isDark(const Appearance &appearance)
+{
+    return appearance.text(u"AppleInterfaceStyle"_s) == u"Dark"_s;
+}
+
+} // namespace
+
+class tst_appearance : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { QVERIFY2(!m_bus.address().isEmpty(), "these tests need dbus-daemon"); }
+    void cleanupTestCase()
+    {
+        QDBusConnection::disconnectFromBus(m_programBus.name());
+        QDBusConnection::disconnectFromBus(m_portalBus.name());
+    }
+
+    void startsAsThePortalOrElseThePaletteSays_data()
+    {
+        const Table<uint, Answer, bool, bool> row;
+        row("no preference", 0, Answer::Given, true, false);
+        row("prefers dark", 1, Answer::Given, false, true);
+        row("prefers light", 2, Answer::Given, true, false);
+        row("unknown to this day", 3, Answer::Given, true, false);
+        row("no such setting, dark palette", 2, Answer::Error, true, true);
+        row("no such setting, light palette", 1, Answer::Error, false, false);
+        row("no answer, dark palette", 2, Answer::Withheld, true, true);
+    }
+    void startsAsThePortalOrElseThePaletteSays()
+    {
+        const auto [scheme, answer, isPaletteDark, expected] = Table<uint, Answer, bool, bool>::cells();
+        QPalette palette(Qt::white);
+        palette.setColor(QPalette::Window, isPaletteDark ? Qt::black : Qt::white);
+        palette.setColor(QPalette::WindowText, isPaletteDark ? Qt::white : Qt::black);
+        QGuiApplication::setPalette(palette);
+        FakePortal portal(m_portalBus);
+        portal.scheme = scheme;
+        portal.answer = answer;
+        Appearance appearance;
+        PortalAppearance follower(appearance, m_programBus);
+        follower.settle(answer == Answer::Withheld ? 50ms : 20s);
+        QCOMPARE(isDark(appearance), expected);
+        if (answer == Answer::Withheld) {
+            portal.answer = Answer::Given;
+            QTRY_COMPARE(portal.request.member(), u"Read"_s);
+            portal.reply(portal.request);
+            QTRY_COMPARE(isDark(appearance), !expected);
+        }
+    }
+
+    void tellsEachChangeOnce()
+    {
+        QGuiApplication::setPalette(QPalette(Qt::white));
+        Appearance appearance;
+        PortalAppearance follower(appearance, m_programBus);
+        follower.settle(20s);
+        FakePortal portal(m_portalBus); // which starts later than the program
+        const QSignalSpy changes(&appearance, &Appearance::changed);
+        portal.change(1, u"org.freedesktop.other"_s);
+        portal.change(1, u"org.freedesktop.appearance"_s, u"contrast"_s);
+        portal.change(2);
+        portal.change(0);
+        portal.change(1);
+        QTRY_VERIFY(isDark(appearance));
+        QCOMPARE(changes.size(), 1);
+        portal.change(1);
+        portal.change(2);
+        QTRY_VERIFY(!isDark(appearance));
+        QCOMPARE(changes.size(), 2);
+    }
+
+private:
+    PrivateBus m_bus;
+    QDBusConnection m_portalBus = m_bus.connection(u"portal"_s);
+    QDBusConnection m_programBus = m_bus.connection(u"program"_s);
+};
+
+OBLINO_TEST(tst_appearance, QGuiApplication)
+
+#include "tst_appearance.moc"

@@ -1,0 +1,119 @@
+#include <support/place.h>
+#include <support/table.h>
+#include <support/testmain.h>
+
+#include <desktop/singleinstance.h>
+
+#include <QSignalSpy>
+
+#include <sys/file.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <future>
+
+using namespace oblino;
+using namespace Qt::Literals::StringLiterals;
+using Claim = SingleInstance::Claim;
+
+class tst_singleinstance : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_home = std::make_unique<TemporaryHome>();
+        m_folder = m_home->privateFolder();
+        setRuntimeFolder({}); // killed programs leave their sockets there
+    }
+
+    void everyLaterStartRaisesTheFirstThoughOneBeforeWasKilled()
+    {
+        const pid_t killed = ::fork();
+        if (killed == 0) {
+            SingleInstance instance(m_folder);
+            ::raise(instance.claim() == Claim::First ? SIGKILL : SIGTERM);
+        }
+        int status = 0;
+        QCOMPARE(::waitpid(killed, &status, 0), killed);
+        QCOMPARE(WTERMSIG(status), SIGKILL);
+
+        SingleInstance first(m_folder);
+        const QSignalSpy raises(&first, &SingleInstance::raiseRequested);
+        QCOMPARE(first.claim(), Claim::First);
+        for (int i = 1; i <= 2; ++i) {
+            auto later = std::async(std::launch::async, [this] { return SingleInstance(m_folder).claim(); });
+            QTRY_COMPARE(raises.size(), i);
+            QCOMPARE(later.get(), Claim::RaisedOther);
+        }
+        QCOMPARE(SingleInstance(m_home->path(u"another"_s)).claim(), Claim::First);
+        QCOMPARE(statusOf(m_folder).st_mode & 0777, 0700U);
+    }
+
+    void listensWhereNobodyElseCanAndIsFoundThere_data()
+    {
+        // The runtime folders of the first start and of the next one; in which folder the socket lies.
+        const Table<QString, QString, QString> row;
+        row("a runtime folder", u"run"_s, u"run"_s, u"run"_s);
+        row("none", {}, {}, u"private"_s);
+        row("none for the next", u"run"_s, {}, u"run"_s);
+        row("none for the first", {}, u"run"_s, u"private"_s);
+        row("another for the next", u"run"_s, u"run2"_s, u"run"_s);
+        row("others may look into it", u"open"_s, u"open"_s, u"private"_s);
+        row("it is gone", u"gone"_s, u"gone"_s, u"private"_s);
+        row("a path longer than an address may be", u"long"_s, u"long"_s, QString(200, u'l'));
+    }
+    void listensWhereNobodyElseCanAndIsFoundThere()
+    {
+        const auto [first, next, place] = Table<QString, QString, QString>::cells();
+        const QDir home(m_home->path({}));
+        for (const QString &name : {u"run"_s, u"run2"_s, u"open"_s, QString(200, u'l')}) {
+            QVERIFY(home.mkdir(name));
+            QCOMPARE(::chmod(qPrintable(home.filePath(name)), name == u"open" ? 0750 : 0700), 0);
+        }
+        setRuntimeFolder(first);
+        SingleInstance instance(m_folder);
+        QCOMPARE(instance.claim(), Claim::First);
+        QStringList sockets;
+        for (QDirIterator all(home.path(), QDir::System | QDir::Hidden, QDirIterator::Subdirectories);
+             all.hasNext();)
+            sockets += QFileInfo(all.next()).dir().dirName();
+        QCOMPARE(sockets, QStringList{place});
+        setRuntimeFolder(next);
+        auto later = std::async(std::launch::async, [this] { return SingleInstance(m_folder).claim(); });
+        QTRY_VERIFY(later.wait_for(std::chrono::seconds(0)) == std::future_status::ready);
+        QCOMPARE(later.get(), Claim::RaisedOther);
+    }
+
+    void waitsForOneThatHoldsTheDataAndIsSilent()
+    {
+        put(m_folder + u"/oblino.lock"_s, {});
+        QFile lock(m_folder + u"/oblino.lock"_s);
+        QVERIFY(lock.open(QIODevice::ReadWrite));
+        QCOMPARE(::flock(lock.handle(), LOCK_EX), 0);
+        QCOMPARE(SingleInstance(m_folder).claim(), Claim::OtherSilent);
+        auto later = std::async(std::launch::async, [this] { return SingleInstance(m_folder).claim(); });
+        QCOMPARE(later.wait_for(std::chrono::milliseconds(150)), std::future_status::timeout);
+        lock.close();
+        QCOMPARE(later.get(), Claim::First);
+    }
+
+private:
+    // A folder of the test's home; none without a name.
+    void setRuntimeFolder(const QString &name) const
+    {
+        if (name.isEmpty())
+            qunsetenv("XDG_RUNTIME_DIR");
+        else
+            qputenv("XDG_RUNTIME_DIR",
+                    QFile::encodeName(m_home->path(name == u"long" ? QString(200, u'l') : name)));
+    }
+
+    std::unique_ptr<TemporaryHome> m_home;
+    QString m_folder;
+};
+
+OBLINO_TEST(tst_singleinstance, QCoreApplication)
+
+#include "tst_singleinstance.moc"

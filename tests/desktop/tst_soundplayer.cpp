@@ -1,0 +1,36 @@
+#include <support/testmain.h>
+
+#include <desktop/soundplayer.h>
+
+#include <QAudioDevice>
+#include <QGuiApplication>
+#include <QMediaDevices>
+#include <QSignalSpy>
+
+using namespace oblino;
+using namespace Qt::Literals::StringLiterals;
+
+class tst_soundplayer : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase() { qputenv("QT_MEDIA_BACKEND", "ffmpeg"); }
+
+    void saysWhenASoundCannotBePlayed()
+    {
+        const bool canBeHeard = !QMediaDevices::defaultAudioOutput().isNull();
+        for (const QString &resource : {u":/sounds/ding.mp3"_s, u":/sounds/dong.mp3"_s}) {
+            const bool exists = resource == u":/sounds/ding.mp3"_s;
+            QCOMPARE(SoundPlayer::exists(resource), exists);
+            SoundPlayer player(resource);
+            const QSignalSpy failures(&player, &SoundPlayer::failed);
+            player.play();
+            QTRY_COMPARE(failures.size(), exists && canBeHeard ? 0 : 1);
+        }
+    }
+};
+
+OBLINO_TEST(tst_soundplayer, QGuiApplication)
+
+#include "tst_soundplayer.moc"

@@ -1,0 +1,221 @@
+#include <support/place.h>
+#include <support/table.h>
+#include <support/testmain.h>
+
+#include <files/defaults.h>
+
+#include <linux/filter.h>
+#include <linux/seccomp.h>
+#include <sys/prctl.h>
+#include <sys/resource.h>
+#include <sys/syscall.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <csignal>
+#include <cstddef>
+
+using namespace oblino;
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+// From now on the system kills this process instead of renaming a file.
+void killAtRenaming()
+{
+    std::array code = {
+        sock_filter BPF_STMT(BPF_LD | BPF_W | BPF_ABS, offsetof(seccomp_data, nr)),
+        sock_filter BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_renameat, 3, 0),
+        sock_filter BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_renameat2, 2, 0),
+#ifdef SYS_rename
+        sock_filter BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_rename, 1, 0),
+#else
+        sock_filter BPF_JUMP(BPF_JMP | BPF_JEQ | BPF_K, SYS_renameat, 1, 0),
+#endif
+        sock_filter BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_ALLOW),
+        sock_filter BPF_STMT(BPF_RET | BPF_K, SECCOMP_RET_KILL_PROCESS),
+    };
+    const sock_fprog filter = {static_cast<unsigned short>(code.size()), code.data()};
+    ::prctl(PR_SET_NO_NEW_PRIVS, 1, 0, 0, 0);
+    ::prctl(PR_SET_SECCOMP, SECCOMP_MODE_FILTER, &filter);
+}
+
+} // namespace
+
+class tst_defaults : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void init()
+    {
+        m_home = std::make_unique<TemporaryHome>();
+        m_path = m_home->path(u"config/oblino/oblino.ini"_s);
+    }
+
+    void keepsItsFileToTheUserAlone()
+    {
+        put(m_path, "[General]\nold=kept\n");
+        QCOMPARE(::chmod(qPrintable(m_path), 0644), 0);
+        Defaults defaults(m_path);
+        QCOMPARE(mode(), 0600U);
+        defaults.setText(u"secret"_s, u"s3cret"_s);
+        QVERIFY(defaults.save());
+        QCOMPARE(mode(), 0600U);
+        QCOMPARE(contentOf(m_path), "[General]\nold=kept\nsecret=s3cret\n");
+    }
+
+    void readsAFileEditedByHand_data()
+    {
+        const Table<QByteArray, std::optional<QString>, bool, qint64> row;
+        row("absent", "", {}, false, 0);
+        row("empty", "k=", u""_s, false, 0);
+        row("a comma is no list", "k=Dear Ann, good day", u"Dear Ann, good day"_s, false, 0);
+        row("true", "k=true", u"true"_s, true, 0);
+        row("false", "k=false", u"false"_s, false, 0);
+        row("leading zeros of a telephone number", "k=0049171", u"0049171"_s, false, 49171);
+        row("negative", "k=-5", u"-5"_s, false, -5);
+        row("beyond the largest integer", "k=9223372036854775808", u"9223372036854775808"_s, false, 0);
+        row("no integer", "k=12 ms", u"12 ms"_s, false, 0);
+    }
+    void readsAFileEditedByHand()
+    {
+        const auto [line, text, boolean, integer] =
+            Table<QByteArray, std::optional<QString>, bool, qint64>::cells();
+        put(m_path, "[General]\n" + line + '\n');
+        const Defaults defaults(m_path);
+        QCOMPARE(defaults.text(u"k"_s), text);
+        QCOMPARE(defaults.boolean(u"k"_s), boolean);
+        QCOMPARE(defaults.integer(u"k"_s), integer);
+    }
+
+    void keepsEveryText()
+    {
+        for (const QString &text :
+             {u""_s, u" x "_s, u"a, b"_s, u"a;b#c=d"_s, u"\"quoted\""_s, u"one\ntwo\ttab"_s, u"C:\\x41 %20"_s,
+              u"@Variant(x)"_s, u"true"_s, u"007"_s, u"Grüße 😀"_s, QString(10'000, u'ü')}) {
+            Defaults defaults(m_path);
+            defaults.setText(u"k"_s, text);
+            QCOMPARE(defaults.text(u"k"_s), text);
+            QVERIFY(defaults.save());
+            QCOMPARE(Defaults(m_path).text(u"k"_s), text);
+        }
+    }
+
+    void saysWhenItCannotSave()
+    {
+        QVERIFY(QDir().mkpath(m_path));
+        Defaults defaults(m_path);
+        defaults.setText(u"k"_s, u"value"_s);
+        QVERIFY(!defaults.save());
+        QCOMPARE(defaults.text(u"k"_s), u"value"_s);
+        QVERIFY(QDir().rmdir(m_path));
+        QVERIFY2(defaults.save(), "the obstacle is gone");
+        QCOMPARE(Defaults(m_path).text(u"k"_s), u"value"_s);
+    }
+
+    void copiesADamagedFileBeforeItIsRewritten_data()
+    {
+        const Table<QByteArray, bool> row;
+        row("a line that is none", "[General]\nk=value\ntwillioSecret s3cret\n", true);
+        row("cut in a line", "[General]\nk=value\ntwillioSecret=s3cr", true);
+        row("zeros after a power cut", "[General]\nk=value\nx=1\n"_ba + QByteArray(4096, '\0'), true);
+        row("another encoding", "[General]\nk=value\ntwillioMessageTitle=Gr\xfc\xdf\x65\n", true);
+        row("a broken section", "[General\nk=value\n", true);
+        row("whole", "; mine\n\n[General]\nk=value\n\n[Other]\nl=\"a\\nb\"\n", false);
+        row("empty", "", false);
+    }
+    void copiesADamagedFileBeforeItIsRewritten()
+    {
+        const auto [bytes, isDamaged] = Table<QByteArray, bool>::cells();
+        const QByteArrayList expected = isDamaged ? QByteArrayList{bytes} : QByteArrayList();
+        put(m_path, bytes);
+        for (int start = 1; start <= 2; ++start) {
+            Defaults defaults(m_path);
+            QCOMPARE(copies(), expected);
+            QCOMPARE(defaults.takeNotices().size(), start == 1 ? expected.size() : 0);
+            defaults.setText(u"new"_s, u"1"_s);
+            QVERIFY(defaults.save());
+        }
+        QVERIFY(contentOf(m_path).contains("new=1\n"));
+        Defaults defaults(m_path);
+        put(m_path, bytes + "more"); // another program, while this one runs
+        defaults.setText(u"new"_s, u"2"_s);
+        QVERIFY(defaults.save());
+        QVERIFY(copies().contains(bytes + "more"));
+        QCOMPARE(defaults.eraseCopies(), QString());
+        defaults.setText(u"new"_s, u"3"_s);
+        QVERIFY(defaults.save());
+        QCOMPARE(contentOf(m_path), "[General]\nnew=3\n");
+        QCOMPARE(copies(), QByteArrayList());
+    }
+
+    void leavesADamagedFileAloneThatCannotBeCopied()
+    {
+        const QByteArray bytes = "[General]\nk=value\nx=1\n"_ba + QByteArray(4096, '\0');
+        put(m_path, bytes);
+        rlimit before = {};
+        ::getrlimit(RLIMIT_FSIZE, &before);
+        const rlimit full = {1000, before.rlim_max}; // the new content would fit
+        const auto handler = ::signal(SIGXFSZ, SIG_IGN);
+        ::setrlimit(RLIMIT_FSIZE, &full);
+        Defaults defaults(m_path);
+        defaults.setText(u"k"_s, u"new"_s);
+        const bool saved = defaults.save();
+        ::setrlimit(RLIMIT_FSIZE, &before);
+        ::signal(SIGXFSZ, handler);
+        QVERIFY(!saved);
+        QCOMPARE(contentOf(m_path), bytes);
+        QCOMPARE(defaults.text(u"k"_s), u"new"_s);
+        QCOMPARE(defaults.takeNotices().size(), 1);
+        QVERIFY2(defaults.save(), "there is room again");
+        QCOMPARE(copies(), {bytes});
+        QCOMPARE(Defaults(m_path).text(u"k"_s), u"new"_s);
+    }
+
+    void leavesNoSecretOfAKilledSave()
+    {
+        const QString folder = QFileInfo(m_path).path();
+        put(folder + u"/oblino.ini.backup"_s, "mine");
+        const pid_t saving = ::fork();
+        if (saving == 0) {
+            Defaults defaults(m_path);
+            defaults.setText(u"twillioSecret"_s, u"s3cret"_s);
+            killAtRenaming();
+            ::_exit(defaults.save() ? 1 : 2);
+        }
+        int status = 0;
+        QCOMPARE(::waitpid(saving, &status, 0), saving);
+        QCOMPARE(WTERMSIG(status), SIGSYS); // which, as SIGKILL does, ends it there and then
+        QCOMPARE(m_home->filesWith("s3cret").size(), 1);
+        QVERIFY(!m_home->filesWith("s3cret").contains(m_path));
+
+        const Defaults defaults(m_path);
+        QCOMPARE(m_home->filesWith("s3cret"), QStringList());
+        QCOMPARE(QDir(folder).entryList(QDir::Files), (QStringList{u"oblino.ini"_s, u"oblino.ini.backup"_s}));
+    }
+
+private:
+    // Every other file beside the settings, all of them private.
+    [[nodiscard]] QByteArrayList copies() const
+    {
+        QByteArrayList contents;
+        for (const QFileInfo &file : QFileInfo(m_path).dir().entryInfoList(QDir::Files)) {
+            if (file.filePath() != m_path) {
+                contents += contentOf(file.filePath());
+                contents.last() += (statusOf(file.filePath()).st_mode & 0077) == 0 ? "" : " read by others";
+            }
+        }
+        return contents;
+    }
+
+    [[nodiscard]] uint mode() const { return statusOf(m_path).st_mode & 0777; }
+
+    std::unique_ptr<TemporaryHome> m_home;
+    QString m_path;
+};
+
+OBLINO_TEST(tst_defaults, QCoreApplication)
+
+#include "tst_defaults.moc"

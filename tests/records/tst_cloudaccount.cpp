@@ -1,0 +1,342 @@
+#include <support/cloudrequests.h>
+#include <support/fakepasswordstore.h>
+#include <support/postgresserver.h>
+#include <support/table.h>
+#include <support/temporaryhome.h>
+#include <support/testmain.h>
+#include <support/traces.h>
+
+#include <records/cloudsession.h>
+#include <records/windows/cloudaccountwindow.h>
+#include <records/windows/passwordprompt.h>
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QComboBox>
+#include <QDirIterator>
+#include <QLabel>
+#include <QLineEdit>
+#include <QSignalSpy>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTimer>
+
+#include <functional>
+
+using namespace oblino;
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+const CloudAccount annsAccount = {.host = u"db.invalid"_s, .database = u"tasks"_s, .user = u"ann"_s};
+const CloudAccount bobsAccount = {.host = u"db.invalid"_s, .database = u"tasks"_s, .user = u"bob"_s};
+const QString annsKey = u"ann@db.invalid:5432/tasks"_s;
+
+/// A session on files of a test's own, whose keyring has an old password of Ann's, and its account window,
+/// driven by real events.
+struct Desktop
+{
+    explicit Desktop(const CloudAccount &account)
+    {
+        keyring.passwords.insert(annsKey, u"old"_s);
+        QVERIFY(accounts.save(account));
+        session = std::make_unique<CloudSession>(accounts, home.path(u"c.db"_s), keyring,
+                                                 QList<const RecordType *>());
+    }
+    void openWindow()
+    {
+        window = std::make_unique<CloudAccountWindow>(*session);
+        window->show();
+        window->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(window.get()));
+    }
+
+    [[nodiscard]] QString state() const
+    {
+        return session->needsPassword() ? u"needed"_s : session->password().value_or(u"none"_s);
+    }
+    template<typename Widget = QWidget>
+    [[nodiscard]] Widget &find(const char *name) const
+    {
+        return *window->findChild<Widget *>(QLatin1String(name));
+    }
+    /// Types over what a field has.
+    void enter(const char *field, const QString &text) const
+    {
+        find(field).setFocus();
+        QTest::keyClick(&find(field), Qt::Key_A, Qt::ControlModifier);
+        QTest::keyClick(&find(field), Qt::Key_Delete);
+        QTest::keyClicks(&find(field), text);
+    }
+    void enter(const CloudAccount &account) const
+    {
+        QTest::keyClick(&find("serverButton"), Qt::Key_Space);
+        enter("hostField", account.host);
+        enter("portField", QString::number(account.port));
+        enter("databaseField", account.database);
+        enter("userField", account.user);
+        find<QComboBox>("securityBox").setCurrentIndex(static_cast<int>(account.tlsMode));
+    }
+    void startTest() const { QTest::mouseClick(&find("testButton"), Qt::LeftButton); }
+    [[nodiscard]] bool isTesting() const { return find("testProgress").isVisible(); }
+
+    TemporaryHome home;
+    CloudAccounts accounts = CloudAccounts(home.path(u"config/cloud.ini"_s));
+    FakePasswordStore keyring;
+    std::unique_ptr<CloudSession> session;
+    std::unique_ptr<CloudAccountWindow> window;
+};
+
+using Act = std::function<void(Desktop &)>;
+using Prompted = std::function<void(QWidget *prompt, Desktop &desktop)>;
+
+Act changeTo(const CloudAccount &account, const std::optional<QString> &password, bool remember)
+{
+    return [=](Desktop &desktop) { QVERIFY(desktop.session->setAccount(account, password, remember)); };
+}
+
+} // namespace
+
+/// The account of the cloud records, its password, and the windows that ask for both.
+class tst_cloudaccount : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void keepsTheAccountForTheNextRun()
+    {
+        const TemporaryHome home;
+        const CloudAccounts accounts(home.path(u"config/cloud.ini"_s));
+        for (const CloudAccount &account :
+             {CloudAccount{u"a,b"_s, 65535, u"täsks; #1"_s, u"ann"_s, TlsMode::Disable},
+              CloudAccount{u"::1"_s, 1, u"tasks"_s, u"ann"_s, TlsMode::Require}, CloudAccount{}}) {
+            QVERIFY(accounts.save(account));
+            QCOMPARE(accounts.load(), account);
+        }
+        QVERIFY(
+            !(QFile::permissions(home.path(u"config/cloud.ini"_s)) & (QFile::ReadGroup | QFile::ReadOther)));
+    }
+
+    void weakensNothingThatWasMisspelt()
+    {
+        const TemporaryHome home;
+        const QString path = home.path(u"cloud.ini"_s);
+        TemporaryHome::write(path, "host= , h ,\nport=65536\ndatabase=d\nuser=u\ntls=disabled\n");
+        QCOMPARE(CloudAccounts(path).load(),
+                 (CloudAccount{u"h"_s, 5432, u"d"_s, u"u"_s, TlsMode::VerifyFull}));
+        TemporaryHome::write(path, "host=h\nuser=u\n");
+        QCOMPARE(CloudAccounts(path).load(), CloudAccount{});
+    }
+
+    void knowsWhatKeyringAndUserSay_data()
+    {
+        const auto nothing = [](Desktop &) {};
+        const auto gone = [](Desktop &desktop) { desktop.session.reset(); };
+        const auto typed = [](Desktop &desktop) { desktop.session->setPassword(u"typed"_s, false); };
+        const auto back = [](Desktop &desktop) {
+            changeTo({}, {}, false)(desktop);
+            changeTo(annsAccount, u"new"_s, false)(desktop);
+        };
+        const Table<bool, Act, QString, QString> row;
+        row("answered", true, nothing, u"old"_s, u"old"_s);
+        row("too late: the session is gone", false, gone, u"gone"_s, u"old"_s);
+        row("too late: the user has typed it", false, typed, u"typed"_s, u"old"_s);
+        row("too late: another account", false, changeTo(bobsAccount, {}, false), u"needed"_s, u"old"_s);
+        row("too late: there is no account", false, changeTo({}, {}, false), u"none"_s, u"old"_s);
+        row("another", true, changeTo(annsAccount, u"new"_s, true), u"new"_s, u"new"_s);
+        row("no longer", true, changeTo(annsAccount, u"new"_s, false), u"new"_s, u""_s);
+        row("no longer, and asked for", true, changeTo(annsAccount, {}, false), u"needed"_s, u""_s);
+        row("the one it has", true, changeTo(annsAccount, {}, true), u"old"_s, u"old"_s);
+        row("of another account", true, changeTo(bobsAccount, u"new"_s, true), u"new"_s, u"old"_s);
+        row("an outdated one of an account that comes back", true, back, u"new"_s, u""_s);
+    }
+    void knowsWhatKeyringAndUserSay()
+    {
+        const auto [isAnswered, act, state, stored] = Table<bool, Act, QString, QString>::cells();
+        Desktop desktop(annsAccount);
+        QVERIFY(desktop.session->needsPassword());
+        if (isAnswered)
+            desktop.keyring.answer();
+        act(desktop);
+        desktop.keyring.answer();
+        QCOMPARE(desktop.session ? desktop.state() : u"gone"_s, state);
+        QCOMPARE(desktop.keyring.passwords.value(annsKey), stored);
+    }
+
+    void saysWhenTheKeyringTakesNoPassword()
+    {
+        Desktop desktop(annsAccount);
+        desktop.keyring.exists = false;
+        const QSignalSpy failures(desktop.session.get(), &CloudSession::rememberingFailed);
+        desktop.session->setPassword(u"secret"_s, true);
+        desktop.keyring.answer();
+        QCOMPARE(failures.size(), 1);
+        QCOMPARE(desktop.state(), u"secret"_s);
+        QVERIFY(!desktop.session->isRemembered() && !desktop.session->canRemember());
+    }
+
+    void refusesWhatCannotBeAnAccount_data()
+    {
+        const Table<const char *, QString, const char *> row;
+        row("no host", "hostField", u" , "_s, "hostProblem");
+        row("a host of two words", "hostField", u"db example"_s, "hostProblem");
+        row("an address with a path", "hostField", u"a.example,db.example/tasks"_s, "hostProblem");
+        row("port 0", "portField", u"0"_s, "portProblem");
+        row("no database", "databaseField", u""_s, "databaseProblem");
+        row("no user", "userField", u" "_s, "userProblem");
+    }
+    void refusesWhatCannotBeAnAccount()
+    {
+        const auto [field, text, problem] = Table<const char *, QString, const char *>::cells();
+        Desktop desktop(CloudAccount{});
+        desktop.openWindow();
+        desktop.enter(annsAccount);
+        desktop.enter(field, text);
+        desktop.startTest();
+        QVERIFY(!desktop.isTesting());
+        QTest::keyClick(&desktop.find("passwordField"), Qt::Key_Return);
+        QVERIFY(desktop.window->isVisible() && desktop.find(problem).isVisible());
+        QVERIFY(desktop.find(field).hasFocus());
+        QCOMPARE(desktop.accounts.load(), CloudAccount{});
+    }
+
+    void holdsTheAccountWhileTheCloudIsInUse()
+    {
+        Desktop desktop(CloudAccount{});
+        desktop.openWindow();
+        desktop.enter(annsAccount);
+        desktop.session->setInUse(true);
+        QVERIFY(!desktop.find("okButton").isEnabled());
+        QVERIFY(desktop.find("okButton").toolTip().contains(u"The cloud is being used."_s));
+        QTest::keyClick(&desktop.find("passwordField"), Qt::Key_Return);
+        desktop.window->accept();
+        QVERIFY(desktop.window->isVisible());
+        QCOMPARE(desktop.accounts.load(), CloudAccount{});
+        desktop.session->setInUse(false);
+        QCOMPARE(desktop.find("okButton").toolTip(), QString());
+        QTest::keyClick(&desktop.find("passwordField"), Qt::Key_Return);
+        QCOMPARE(desktop.accounts.load(), annsAccount);
+    }
+
+    void tellsThePasswordToServerAndKeyringAlone_data()
+    {
+        const Table<bool> row;
+        row("remembered", true);
+        row("not remembered", false);
+    }
+    void tellsThePasswordToServerAndKeyringAlone()
+    {
+        const auto [remember] = Table<bool>::cells();
+        if (!PostgresServer::isInstalled())
+            QSKIP("PostgreSQL is not installed.");
+        PostgresServer server;
+        const RecordPlace place = server.newPlace();
+        Desktop desktop(CloudAccount{});
+        desktop.openWindow();
+        desktop.enter(place.account);
+        const auto outcome = [&desktop](const QString &password) {
+            desktop.enter("passwordField", password);
+            desktop.startTest();
+            const bool isDone = QTest::qWaitFor([&] { return !desktop.isTesting(); }, 20'000);
+            return isDone ? desktop.find<QLabel>("testResult").text() : QString();
+        };
+        CloudContainer &container = desktop.session->container();
+        const QByteArray traces = tracesOf([&, remember = remember] {
+            QCOMPARE(outcome(u"wrong"_s),
+                     u"Wrong password: the server refused the user name or the password."_s);
+            QCOMPARE(outcome(place.password), u"The server can be used: sign-in and rights are in order."_s);
+            QCOMPARE(desktop.accounts.load(), CloudAccount{});
+            desktop.find<QCheckBox>("rememberBox").setChecked(remember);
+            QTest::keyClick(&desktop.find("passwordField"), Qt::Key_Return);
+            QCOMPARE(desktop.accounts.load(), place.account);
+            QCOMPARE(save(container, note(u"one"_s)), u""_s);
+        });
+        desktop.keyring.answer();
+        QCOMPARE(desktop.keyring.passwords.values().contains(place.password), remember);
+        QVERIFY(container.description().startsWith(u"anna@127.0.0.1/"_s));
+        QVERIFY(!container.description().contains(u"secret"_s) && !traces.contains("secret"));
+        QDirIterator files(desktop.home.path({}), QDir::Files, QDirIterator::Subdirectories);
+        QVERIFY(files.hasNext());
+        while (files.hasNext())
+            QVERIFY(!TemporaryHome::content(files.next()).contains("secret"));
+    }
+
+    void endsATestWithWhatItWasFor()
+    {
+        QTcpServer silent;
+        QVERIFY(silent.listen(QHostAddress::LocalHost));
+        Desktop desktop(CloudAccount{});
+        desktop.openWindow();
+        desktop.enter(
+            {.host = u"127.0.0.1"_s, .port = silent.serverPort(), .database = u"d"_s, .user = u"u"_s});
+        desktop.startTest();
+        QTRY_VERIFY(silent.hasPendingConnections());
+        const QTcpSocket *guest = silent.nextPendingConnection();
+        QVERIFY(desktop.isTesting());
+        desktop.enter("userField", u"bob"_s);
+        QTRY_COMPARE_WITH_TIMEOUT(guest->state(), QAbstractSocket::UnconnectedState, 3'000);
+        QVERIFY(!desktop.isTesting() && !desktop.find("testResult").isVisible());
+    }
+
+    void asksAgainForAPasswordThatTheServerRefuses()
+    {
+        if (!PostgresServer::isInstalled())
+            QSKIP("PostgreSQL is not installed.");
+        PostgresServer server;
+        const RecordPlace place = server.newPlace();
+        Desktop desktop(place.account);
+        desktop.openWindow();
+        const QString words = u"Wrong password: the server refused the user name or the password."_s;
+        for (const QString &password : {u"wrong"_s, QString()}) {
+            desktop.session->setPassword(password, true);
+            desktop.keyring.answer();
+            QVERIFY(!desktop.session->needsPassword());
+            const QString why = save(desktop.session->container(), note(u"one"_s));
+            QCOMPARE(why, password.isEmpty() ? u"The server asks for a password."_s : words);
+            QTRY_VERIFY(desktop.session->needsPassword());
+        }
+        QString asked;
+        bool isRemembered = true;
+        QTimer::singleShot(0, qApp, [&] {
+            const QWidget *prompt = QApplication::activeModalWidget();
+            asked = prompt->findChild<QLabel *>(u"accountLabel"_s)->text();
+            prompt->findChild<QLineEdit *>()->setText(place.password);
+            isRemembered = prompt->findChild<QCheckBox *>()->isChecked();
+            prompt->findChild<QCheckBox *>()->setChecked(false);
+            QTest::keyClick(prompt->findChild<QLineEdit *>(), Qt::Key_Return);
+        });
+        QVERIFY(ensurePassword(*desktop.session, desktop.window.get()));
+        QVERIFY2(asked.startsWith(u"The server refused the password that was used."_s), qPrintable(asked));
+        QVERIFY(isRemembered); // as the one before was
+        QCOMPARE(save(desktop.session->container(), note(u"one"_s)), u""_s);
+        desktop.keyring.answer();
+        QVERIFY(!desktop.keyring.passwords.values().contains(QString())); // the refused one
+    }
+
+    void asksForThePasswordOnceARun_data()
+    {
+        const Prompted typed = [](QWidget *prompt, Desktop &) {
+            QTest::keyClicks(prompt->findChild<QLineEdit *>(), u"typed"_s);
+            QTest::keyClick(prompt, Qt::Key_Return);
+        };
+        const Prompted answered = [](QWidget *, Desktop &desktop) { desktop.keyring.answer(); };
+        const Prompted gone = [](QWidget *, Desktop &desktop) { desktop.window.reset(); };
+        const Table<Prompted, QString> row;
+        row("typed", typed, u"typed"_s);
+        row("the keyring answers after all", answered, u"old"_s);
+        row("its window goes", gone, u"needed"_s);
+    }
+    void asksForThePasswordOnceARun()
+    {
+        const auto [act, state] = Table<Prompted, QString>::cells();
+        Desktop desktop(annsAccount);
+        desktop.openWindow();
+        QTimer::singleShot(0, qApp, [&, act = act] { act(QApplication::activeModalWidget(), desktop); });
+        QCOMPARE(ensurePassword(*desktop.session, desktop.window.get()), state != u"needed"_s);
+        QCOMPARE(desktop.state(), state);
+    }
+};
+
+OBLINO_TEST(tst_cloudaccount, QApplication)
+
+#include "tst_cloudaccount.moc"

@@ -1,0 +1,80 @@
+#include <support/cloudrequests.h>
+#include <support/secondconnection.h>
+#include <support/table.h>
+#include <support/temporaryhome.h>
+#include <support/testmain.h>
+
+#include <records/sqlcloudcontainer.h>
+
+#include <QFile>
+
+#include <sys/stat.h>
+
+using namespace oblino;
+using namespace Qt::Literals::StringLiterals;
+
+/// Cloud records in a file of this machine.
+class tst_cloudfile : public QObject
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void keepsTheFileToItsOwner()
+    {
+        const TemporaryHome home;
+        const QString path = home.path(u"private/cloud.sqlite"_s);
+        const mode_t before = ::umask(0);
+        const QString why = save(*containerAt(path), note(u"one"_s));
+        ::umask(before);
+        QCOMPARE(why, u""_s);
+        constexpr auto ownersAlone =
+            QFile::ReadOwner | QFile::WriteOwner | QFile::ReadUser | QFile::WriteUser;
+        QCOMPARE(QFile::permissions(path), ownersAlone);
+        QCOMPARE(QFile::permissions(home.privateFolder()), ownersAlone | QFile::ExeOwner | QFile::ExeUser);
+    }
+
+    void leavesAloneWhatIsNoFileOfRecords_data()
+    {
+        const Table<QByteArray> row;
+        row("text", QByteArray("a list of things\n").repeated(300));
+        row("a database that was damaged", QByteArray("SQLite format 3\0", 16) + QByteArray(4080, 'x'));
+    }
+    void leavesAloneWhatIsNoFileOfRecords()
+    {
+        const auto [content] = Table<QByteArray>::cells();
+        const TemporaryHome home;
+        const QString path = home.path(u"cloud.sqlite"_s);
+        TemporaryHome::write(path, content);
+        const auto container = containerAt(path);
+        QCOMPARE(statusOf(*container), AccountStatus::CouldNotDetermine);
+        for (const QString &why :
+             {save(*container, note(u"one"_s)), remove(*container, u"one"_s), namesIn(*container)})
+            QVERIFY2(why.contains(u"not a database"_s), qPrintable(why));
+        QCOMPARE(TemporaryHome::content(path), content);
+    }
+
+    void givesUpOnALockedFileOnceForAll()
+    {
+        const TemporaryHome home;
+        const QString path = home.path(u"cloud.sqlite"_s);
+        const auto container = containerAt(path);
+        QCOMPARE(statusOf(*container), AccountStatus::Available);
+        SecondConnection other({path});
+        other.run(u"BEGIN EXCLUSIVE"_s);
+        const auto answers = saveMany(*container, 50);
+        QTRY_COMPARE_WITH_TIMEOUT(answers->bad, 50, 14'000); // first one by itself, then the others
+        other.run(u"ROLLBACK"_s);
+        QCOMPARE(namesIn(*container), u""_s);
+        QCOMPARE(save(*container, note(u"one"_s)), u""_s);
+    }
+
+private:
+    static std::unique_ptr<SqlCloudContainer> containerAt(const QString &path)
+    {
+        return std::make_unique<SqlCloudContainer>(RecordPlace{path}, QList{&noteType()});
+    }
+};
+
+OBLINO_TEST(tst_cloudfile, QCoreApplication)
+
+#include "tst_cloudfile.moc"
