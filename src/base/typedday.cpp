@@ -101,7 +101,7 @@ private:
 Word wordOf(const QString &text, const Names &own)
 {
     static const QStringList fillers = {u"st"_s, u"nd"_s, u"rd"_s,  u"th"_s, u"of"_s, u"the"_s, u"on"_s,
-                                        u"er"_s, u"de"_s, u"den"_s, u"am"_s, u"le"_s, u"el"_s};
+                                        u"er"_s, u"de"_s, u"den"_s, u"am"_s, u"le"_s, u"el"_s,  u"г"_s};
     static const Names english(QLocale::c());
     for (const Word &word :
          {own.named(text), english.named(text), own.monthBeginning(text), english.monthBeginning(text)}) {
@@ -140,6 +140,16 @@ struct Said
     bool isRead = true;
 };
 
+// Whether the signs in a date of numbers stand as one writes them: one kind of sign, between the numbers, and
+// none at the ends but a full stop.
+bool areSignsUsual(const QString &text)
+{
+    static const QRegularExpression usual(
+        QRegularExpression::anchoredPattern(u"\\d+(?:(?<sign> ?[./,-] ?| )\\d+(?:\\g{sign}\\d+)?\\.?)?"_s));
+    static const QRegularExpression onlyNumbers(QRegularExpression::anchoredPattern(u"[\\d\\s./,-]*"_s));
+    return !onlyNumbers.match(text).hasMatch() || usual.match(text).hasMatch();
+}
+
 Said takeApart(QString text, const QLocale &locale)
 {
     // Between the numbers of a Chinese or Japanese date; the last of the three is also part of weekdays.
@@ -148,6 +158,8 @@ Said takeApart(QString text, const QLocale &locale)
     const Names own(locale);
     Said said;
     said.hasMarkers = text.contains(markers);
+    static const QRegularExpression shortYear(u"\\b\\d{1,3} ?年"_s); // perhaps one of an era
+    said.isRead = areSignsUsual(text) && !text.contains(shortYear);
     text.replace(markers, u" "_s);
     for (auto tokens = token.globalMatch(text); tokens.hasNext();) {
         const QRegularExpressionMatch match = tokens.next();
@@ -277,6 +289,11 @@ QDate dayOf(const Said &said, const QLocale &locale, QDate today)
 std::optional<QDate> readDay(const QString &text, const QLocale &locale, QDate today)
 {
     const QString typed = foldedTyping(text);
+    for (const QString &format : {shortDayFormat(locale), locale.dateFormat(QLocale::LongFormat)}) {
+        if (const QDate day = locale.toDate(text, format);
+            day.isValid() && foldedTyping(locale.toString(day, format)) == typed)
+            return day;
+    }
     if (const auto day = dayOfWord(typed, today))
         return day;
     const Said said = takeApart(typed, locale);

@@ -45,10 +45,19 @@ HalfOfDay takeHalfOfDay(QString &text, const QLocale &locale)
     return HalfOfDay::None;
 }
 
+QString shortTimeFormat(const QLocale &locale)
+{
+    // The letter of the part of the day, as in Chinese, is unknown to QLocale.
+    return locale.timeFormat(QLocale::ShortFormat).remove(u":ss"_s).replace(u"B"_s, u"AP "_s);
+}
+
 } // namespace
 
 std::optional<QTime> readTime(const QString &text, const QLocale &locale)
 {
+    if (const QTime time = locale.toTime(text, shortTimeFormat(locale));
+        time.isValid() && shortTime(time, locale) == text)
+        return time;
     QString rest = foldedTyping(text);
     const HalfOfDay half = takeHalfOfDay(rest, locale);
     static const QRegularExpression form(
@@ -61,7 +70,7 @@ std::optional<QTime> readTime(const QString &text, const QLocale &locale)
     int hour = match.capturedView(1).toInt();
     const int minute = match.capturedView(2).toInt() + match.capturedView(3).toInt(); // one of them is empty
     if (half != HalfOfDay::None) {
-        if (hour < 1 || hour > 12)
+        if (hour > 12) // 0 is usual in Japanese
             return {};
         hour = hour % 12 + (half == HalfOfDay::Afternoon ? 12 : 0);
     }
@@ -71,7 +80,7 @@ std::optional<QTime> readTime(const QString &text, const QLocale &locale)
 
 QString shortTime(QTime time, const QLocale &locale)
 {
-    return locale.toString(time, locale.timeFormat(QLocale::ShortFormat).remove(u":ss"_s));
+    return locale.toString(time, shortTimeFormat(locale));
 }
 
 } // namespace oblino

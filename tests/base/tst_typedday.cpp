@@ -39,10 +39,26 @@ private Q_SLOTS:
         same(u"−1"_s, u"2026-11-22"_s);
         same(u"fri"_s, u"2026-11-27"_s);
         same(u"monday"_s, u"2026-11-30"_s); // not today
-        for (const QString &nothing :
-             {u""_s, u"soon"_s, u"25"_s, u"2026"_s, u"Dec 2026"_s, u"31.2.2026"_s, u"2026-02-29"_s,
-              u"12/25/2520!"_s, u"25/12/026"_s, u"1/2/3/4"_s, u"Thursday 25 December 2026"_s, u"12:25"_s,
-              u"25 Dec Jan"_s, u"2026-12-25 10:00"_s, u"5 |"_s})
+        for (const QString &nothing : {u""_s,
+                                       u"soon"_s,
+                                       u"25"_s,
+                                       u"2026"_s,
+                                       u"Dec 2026"_s,
+                                       u"31.2.2026"_s,
+                                       u"2026-02-29"_s,
+                                       u"12/25/2520!"_s,
+                                       u"25/12/026"_s,
+                                       u"1/2/3/4"_s,
+                                       u"Thursday 25 December 2026"_s,
+                                       u"12:25"_s,
+                                       u"25 Dec Jan"_s,
+                                       u"2026-12-25 10:00"_s,
+                                       u"5 |"_s,
+                                       u"12//25/2026"_s,
+                                       u"-12-25"_s,
+                                       u"12/25/"_s,
+                                       u"1-2/26"_s,
+                                       u"26年12月25日"_s})
             same(nothing, u"-"_s);
         row(u"12/25/2026"_s, u"2026-12-25 - - - 2026-12-25 2026-12-25"_s);
         row(u"25.12.2026"_s, u"- 2026-12-25 2026-12-25 2026-12-25 2026-12-25 2026-12-25"_s);
@@ -96,8 +112,9 @@ private Q_SLOTS:
         row("14h", "14:00");
         row("12 am", "00:00");
         row("12p", "12:00");
-        row("0:05", "00:05");
-        for (const char *nothing : {"", "24:00", "9:75", "9:5", "9:", "14:30 pm", "0 am", "9:30:30", "930x",
+        for (const char *typed : {"0:05", "12:05 am", "0:05am"})
+            row(typed, "00:05");
+        for (const char *nothing : {"", "24:00", "9:75", "9:5", "9:", "14:30 pm", "13 am", "9:30:30", "930x",
                                     "99", "12345", "a", "-9", "fri"})
             row(nothing, "-");
     }
@@ -114,8 +131,8 @@ private Q_SLOTS:
 
     void readsWhatTheLocaleWrites()
     {
-        for (const char *name :
-             {"en_US", "en_GB", "de_DE", "fr_FR", "sv_SE", "ja_JP", "es_ES", "pt_BR", "ar_EG"}) {
+        for (const char *name : {"en_US", "en_GB", "de_DE", "fr_FR", "sv_SE", "ja_JP", "es_ES", "pt_BR",
+                                 "ar_EG", "bg_BG", "zh_TW"}) {
             const QLocale locale{QLatin1String(name)};
             for (QDate day(1976, 1, 1); day.year() < 2076; day = day.addDays(day.year() == 2026 ? 1 : 61)) {
                 for (const QString &text : {shortDay(day, locale), locale.toString(day, QLocale::ShortFormat),
