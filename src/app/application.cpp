@@ -35,6 +35,7 @@
 #include <QDBusConnection>
 #include <QDir>
 #include <QFileInfo>
+#include <QKeyEvent>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QStandardPaths>
@@ -114,10 +115,24 @@ void Application::start()
     m_signals.listen();
     FileCalls::posix().setProgressHandler(&UnixSignals::extendTime); // a large file takes its time
     Trace::flushWhenIdle();
+    qApp->installEventFilter(this);
+    qApp->installEventFilter(&m_wheelGuard);
     m_mainWindow->show();
     offerRescued();
     s_running = this;
     std::atexit(&Application::saveAtExit); // last, as what is made after it is gone before it is called
+}
+
+// The guide is a key away in every window; in the main window its menu takes the key.
+bool Application::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::KeyPress &&
+        static_cast<QKeyEvent *>(event)->matches(QKeySequence::HelpContents) &&
+        qobject_cast<QWidget *>(watched)) {
+        openGuide();
+        return true;
+    }
+    return QObject::eventFilter(watched, event);
 }
 
 void Application::saveAtExit()
@@ -170,9 +185,15 @@ void Application::askAboutRescued()
 template<typename Window, typename... Arguments>
 void Application::open(Arguments &&...arguments)
 {
-    auto *window = m_mainWindow->findChild<Window *>();
+    openFrom<Window>(m_mainWindow.get(), std::forward<Arguments>(arguments)...);
+}
+
+template<typename Window, typename... Arguments>
+void Application::openFrom(QWidget *parent, Arguments &&...arguments)
+{
+    auto *window = parent->findChild<Window *>();
     if (!window)
-        window = new Window(std::forward<Arguments>(arguments)..., m_mainWindow.get());
+        window = new Window(std::forward<Arguments>(arguments)..., parent);
     window->setAttribute(Qt::WA_DeleteOnClose); // again, where one has outlived its closing
     window->show();
     window->raise();
@@ -194,8 +215,7 @@ void Application::connectWindows()
     connect(m_mainWindow.get(), &ViewController::eraserRequested, this, &Application::openEraser);
     connect(m_mainWindow.get(), &ViewController::earlierVersionsRequested, this,
             &Application::openEarlierVersions);
-    connect(m_mainWindow.get(), &ViewController::startPageRequested, this,
-            [this] { open<ViewControllerEnhancement>(); });
+    connect(m_mainWindow.get(), &ViewController::startPageRequested, this, &Application::openGuide);
     connect(&m_sendingRun, &SendingRun::finished, m_mainWindow.get(), [this] {
         if (!m_mainWindow->findChild<ViewControllerSending *>())
             ViewControllerSending::tellFailure(uiUtil());
@@ -206,6 +226,13 @@ void Application::connectWindows()
         open<ViewControllerWhiteboard>(uiUtil(), m_sharingMenu, contactsFolder(),
                                        Documents::standard().folder().value_or(QString()));
     });
+}
+
+// From a modal window it must be one of that window's own: all others take no clicks.
+void Application::openGuide()
+{
+    QWidget *modal = QApplication::activeModalWidget();
+    openFrom<ViewControllerEnhancement>(modal ? modal : m_mainWindow.get());
 }
 
 void Application::openEraser()

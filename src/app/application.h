@@ -4,6 +4,7 @@
 #include <base/daywatch.h>
 #include <base/noticelog.h>
 #include <controls/sharingmenu.h>
+#include <controls/wheelguard.h>
 #include <desktop/keyring.h>
 #include <desktop/portalappearance.h>
 #include <desktop/unixsignals.h>
@@ -32,12 +33,17 @@ public:
 
     void start();
 
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
     void connectWindows();
     template<typename Window, typename... Arguments>
     void open(Arguments &&...arguments);
+    template<typename Window, typename... Arguments>
+    void openFrom(QWidget *parent, Arguments &&...arguments);
     template<typename Window>
     void openContacts();
+    void openGuide();
     void openEraser();
     void openEarlierVersions();
     [[nodiscard]] QString saveOpen(DataKind kind);
@@ -57,6 +63,7 @@ private:
 
     static inline Application *s_running = nullptr;
 
+    WheelGuard m_wheelGuard;
     UnixSignals m_signals;
     PortalAppearance m_portal;
     SharingMenu m_sharingMenu;
