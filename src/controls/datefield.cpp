@@ -29,7 +29,9 @@ void calm(QCalendarWidget *calendar)
     const auto setArrow = [calendar](const char *name, Qt::ArrowType arrow) {
         if (auto *button = calendar->findChild<QToolButton *>(QLatin1String(name))) {
             button->setArrowType(arrow);
-            button->setForegroundRole(QPalette::HighlightedText);
+            QPalette onBar = button->palette();
+            onBar.setColor(QPalette::ButtonText, calendar->palette().color(QPalette::HighlightedText));
+            button->setPalette(onBar);
         }
     };
     setArrow("qt_calendar_prevmonth", Qt::LeftArrow);

@@ -17,8 +17,9 @@ namespace oblino {
 
 namespace {
 
-constexpr int shownLength = 14; // characters
-constexpr int wheelStep = 120;  // eighths of a degree
+constexpr int shownLength = 14;    // characters
+constexpr float quietness = 0.72F; // of the text that says how the field is understood
+constexpr int wheelStep = 120;     // eighths of a degree
 
 // The text of the label that belongs to the field, without the mark of its shortcut.
 QString labelOf(const QWidget *field)
@@ -49,7 +50,6 @@ TypedField::TypedField(const QString &icon, const QString &buttonText, QWidget *
     m_edit->setMinimumWidth(fontMetrics().averageCharWidth() * shownLength);
     m_edit->installEventFilter(this);
     m_reading->setTextFormat(Qt::PlainText);
-    m_reading->setForegroundRole(QPalette::PlaceholderText);
     m_button->setIcon(themedIcon(icon));
     m_button->setToolTip(buttonText);
     m_button->setAccessibleName(buttonText);
@@ -57,6 +57,7 @@ TypedField::TypedField(const QString &icon, const QString &buttonText, QWidget *
     setFocusProxy(m_edit);
     setFocusPolicy(Qt::StrongFocus); // of the shortcut of its label; Tab goes to the line of text
     setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Fixed);
+    mark(false);
     connect(m_button, &QToolButton::clicked, this, &TypedField::openPopup);
     connect(m_edit, &QLineEdit::textEdited, this, [this] {
         mark(false);
@@ -106,7 +107,11 @@ void TypedField::mark(bool marked)
         palette.setColor(QPalette::Base, isDark ? QColor(0x5a, 0x26, 0x26) : QColor(0xff, 0xe3, 0xe0));
     }
     m_edit->setPalette(palette);
-    m_reading->setForegroundRole(marked ? QPalette::WindowText : QPalette::PlaceholderText);
+    QColor quiet = this->palette().color(QPalette::WindowText);
+    quiet.setAlphaF(marked ? 1.0F : quietness);
+    QPalette ofReading;
+    ofReading.setColor(QPalette::WindowText, quiet);
+    m_reading->setPalette(ofReading);
     if (marked)
         m_reading->setText(validationError());
     m_edit->setAccessibleDescription(marked ? validationError() : m_reading->text());

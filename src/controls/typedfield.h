@@ -27,6 +27,8 @@ public:
     bool judge();
     /// Why judge() would refuse what stands in the field: one sentence, empty where it would not.
     [[nodiscard]] QString validationError() const;
+    /// Whether the field shows its value, and nothing that was typed since.
+    [[nodiscard]] bool isUntouched() const;
     [[nodiscard]] bool isMarked() const { return m_isMarked; }
     [[nodiscard]] QLineEdit *lineEdit() const { return m_edit; }
 
@@ -60,7 +62,6 @@ protected:
 
 private:
     [[nodiscard]] bool handlesKey(int key, Qt::KeyboardModifiers modifiers);
-    [[nodiscard]] bool isUntouched() const;
     void openPopup();
     void mark(bool marked);
     void showReading();

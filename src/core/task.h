@@ -43,6 +43,8 @@ struct task
     qint64 startMin = sharedDefaultTimes().startMin;     ///< 0..59
     qint64 endHour = sharedDefaultTimes().endHour;       ///< 0..23
     qint64 endMin = sharedDefaultTimes().endMin;         ///< 0..59
+
+    [[nodiscard]] bool operator==(const task &other) const = default;
 };
 
 /// A task put together from its fields.

@@ -12,12 +12,15 @@
 #include <controls/noticelabel.h>
 #include <controls/sharingmenu.h>
 #include <controls/timefield.h>
+#include <controls/wheelguard.h>
 #include <ui/windows/viewcontrolleradd.h>
 #include <ui/windows/viewcontrolleredit.h>
 
 using namespace oblino;
 using Bytes = Table<QByteArray>;
 using Typing = Table<const char *, QString, QByteArray>;
+using Names = Table<QString, Qt::Key, QString, bool>;
+using Closing = Table<QString, int, qsizetype, bool>;
 using Checks = Table<bool, const char *, int, QString>;
 
 namespace {
@@ -65,6 +68,13 @@ ViewControllerEdit &openEdit(const MainWindow &main)
     main.clickRow(u"apple"_s);
     QTest::keyClick(&main.table(), Qt::Key_Return);
     return opened<ViewControllerEdit>(main);
+}
+
+// Where there is a list of completions, the keys go to it.
+void pressOn(const QWidget &form, Qt::Key key)
+{
+    QWidget *popup = QApplication::activePopupWidget();
+    QTest::keyClick(popup ? popup : form.focusWidget(), key);
 }
 
 // Picks a colour in the panel, as the user does.
@@ -166,8 +176,6 @@ private Q_SLOTS:
             Row{.name = "apple", .client = "Gone from the directory", .color = "0.1|0.3|0.7|0.5"}.bytes());
         row("status and priority outside the lists",
             "3/7/26|apple||1.0|1.0|1.0|1.0|3/9/26|5|-2|Waiting|Whenever|K|true|9|30|17|0||^");
-        row("names of other making",
-            "3/7/26|apple||1.0|1.0|1.0|1.0|3/9/26|1|0|Done|low|K|false|9|30|17|0||^");
         row("times and texts that the controls cannot show",
             "3/7/26|apple|a\r\nb\n|1.0|1.0|1.0|1.0|3/9/26|0|0|Open|Low|K|false|25|-1|100|99| x | y ^");
     }
@@ -181,6 +189,17 @@ private Q_SLOTS:
         main.views().setCurrentIndex(6);
         click(openEdit(main), "saveButton");
         QCOMPARE(TemporaryHome::content(main.home.listPath()), row);
+    }
+
+    void savesTheTextsThatItShows()
+    {
+        MainWindow main({{.name = "apple"}});
+        const QByteArray row = "3/7/26|apple||1.0|1.0|1.0|1.0|3/9/26|1|0|Done|low|K|false|9|30|17|0||^";
+        TemporaryHome::write(main.home.listPath(), row);
+        main.interfaceChange();
+        click(openEdit(main), "saveButton");
+        QCOMPARE(TemporaryHome::content(main.home.listPath()),
+                 QByteArray(row).replace("Done|low", "Closed|Low"));
     }
 
     void checksDatesEachFormInItsWay_data()
@@ -292,13 +311,91 @@ private Q_SLOTS:
         }
     }
 
-    void offersTheNamesOfTheContacts()
+    void takesNamesAsTheUserMeansThem_data()
+    {
+        const Names row;
+        row("nothing is chosen by passing through", u""_s, Qt::Key_Tab, u""_s, false);
+        row("the only one that contains it", u"ltd"_s, Qt::Key_Tab, u"Acme Ltd"_s, false);
+        row("one of several", u"bo"_s, Qt::Key_Tab, u"bo"_s, true);
+        row("equal apart from case", u"bob"_s, Qt::Key_Tab, u"Bob"_s, false);
+        row("left with the mouse", u"acme ltd"_s, Qt::Key_unknown, u"acme ltd"_s, false);
+        row("unknown", u"Zoe"_s, Qt::Key_Tab, u"Zoe"_s, true);
+        row("the first one", u""_s, Qt::Key_Down, u"Bob"_s, false);
+    }
+    void takesNamesAsTheUserMeansThem()
+    {
+        const auto [typed, key, saved, isUnknown] = Names::cells();
+        MainWindow main({});
+        storeContacts<Clients>(main.home.privateFolder(),
+                               {{u"Bob"_s, {}}, {u"Bobby"_s, {}}, {u"Acme Ltd"_s, {}}});
+        QWidget &form = openAdd(main);
+        auto &client = find<QComboBox>(form, "client");
+        client.setFocus();
+        QTest::keyClicks(&client, typed);
+        key == Qt::Key_unknown ? find<QLineEdit>(form, "txtTaskName").setFocus(Qt::MouseFocusReason)
+                               : pressOn(form, key);
+        QCOMPARE(find<QWidget>(form, "unknownClient").isVisible(), isUnknown);
+        click(form, "addButton");
+        QCOMPARE(TemporaryHome::content(main.home.listPath()).split('|').value(18), saved.toUtf8());
+    }
+
+    void addsAnUnknownName()
     {
         MainWindow main({});
-        storeContacts<Clients>(main.home.privateFolder(), {{u"Acme Ltd"_s, {}}});
-        const auto &client = find<QComboBox>(openAdd(main), "client");
-        QCOMPARE(client.currentText(), QString());
-        QCOMPARE(client.itemText(0), u"Acme Ltd"_s);
+        QWidget &form = openAdd(main);
+        find<QComboBox>(form, "client").setFocus();
+        QTest::keyClicks(&find<QComboBox>(form, "client"), u"Zoe"_s);
+        pressOn(form, Qt::Key_Tab);
+        auto &unknown = find<QWidget>(form, "unknownClient");
+        QTest::mouseClick(unknown.findChild<QPushButton *>(), Qt::LeftButton);
+        auto &number = find<QInputDialog>(form, "phoneNumber");
+        number.setTextValue(u"+1 555"_s);
+        number.accept();
+        QVERIFY(!unknown.isVisible());
+        QCOMPARE(find<QComboBox>(form, "client").currentText(), u"Zoe"_s);
+        const auto stored = makeContactContainer(main.home.privateFolder());
+        QCOMPARE(stored->loadPersistentStores().error, QString());
+        QCOMPARE(fetch<Clients>(stored->viewContext()).value(0).phoneNo, u"+1 555"_s);
+    }
+
+    void asksOnceBeforeWhatWasEnteredIsLost_data()
+    {
+        const Closing row;
+        row("nothing entered", u""_s, 0, 0, false);
+        row("given up", u"x"_s, 0, 1, false);
+        row("kept", u"x"_s, 1, 1, true);
+        row("without an answer", u"x"_s, -1, 1, true);
+    }
+    void asksOnceBeforeWhatWasEnteredIsLost()
+    {
+        const auto [typed, answer, questions, stays] = Closing::cells();
+        for (const bool isEdit : {false, true}) {
+            MainWindow main(oneTask);
+            QWidget *form = isEdit ? static_cast<QWidget *>(&openEdit(main)) : &openAdd(main);
+            main.questions.answer = answer < 0 ? std::nullopt : std::optional(answer);
+            QTest::keyClicks(find<DateField>(*form, "dtTaskDate").lineEdit(), typed);
+            QTest::keyClick(form, Qt::Key_Escape);
+            QCOMPARE(main.questions.asked.size(), questions);
+            QCOMPARE(form->isVisible(), stays);
+            QCOMPARE(main.window->close(), !stays);
+        }
+    }
+
+    void theWheelChangesNothingThatIsNotChosen()
+    {
+        MainWindow main({});
+        WheelGuard guard;
+        qApp->installEventFilter(&guard);
+        QWidget &form = openAdd(main);
+        for (const char *name : {"inTaskStatus", "dtTaskDate", "endTime"}) {
+            auto &field = find<QWidget>(form, name);
+            QWheelEvent turn(QPointF(5, 5), field.mapToGlobal(QPointF(5, 5)), {}, {0, -120}, {}, {},
+                             Qt::NoScrollPhase, false);
+            QApplication::sendEvent(&field, &turn);
+            QVERIFY2(!turn.isAccepted(), name);
+        }
+        QTest::keyClick(&form, Qt::Key_Escape);
+        QVERIFY(main.questions.asked.isEmpty()); // nothing has changed
     }
 
     void sharesWhatTheFormShowsUnderANewKeyAndKeepsIt()

@@ -4,32 +4,20 @@
 #include <controls/datefield.h>
 #include <controls/timefield.h>
 #include <ui/uiutil.h>
+#include <ui/windows/unknownname.h>
 #include <ui_taskform.h>
 
 #include <base/clock.h>
 #include <base/fieldtext.h>
+#include <controls/namebox.h>
 #include <controls/refusingvalidator.h>
 #include <core/filedays.h>
 
-#include <QCompleter>
 #include <QLineEdit>
 
 namespace oblino {
 
 namespace {
-
-constexpr int shownNameLength = 24; // characters
-
-void fillNames(QComboBox *box, const QStringList &names)
-{
-    const QString current = box->currentText();
-    box->clear();
-    box->addItems(names);
-    box->setCurrentText(current);
-    box->completer()->setCompletionMode(QCompleter::PopupCompletion);
-    box->completer()->setFilterMode(Qt::MatchContains);
-    box->completer()->setCaseSensitivity(Qt::CaseInsensitive);
-}
 
 // Selects the item of that number; a number outside the list becomes one more item.
 void select(QComboBox *box, qint64 number, const QString &name)
@@ -40,12 +28,6 @@ void select(QComboBox *box, qint64 number, const QString &name)
         index = box->count() - 1;
     }
     box->setCurrentIndex(index);
-}
-
-void showName(QComboBox *box, const QString &name)
-{
-    box->setCurrentIndex(box->findText(name, Qt::MatchFixedString | Qt::MatchCaseSensitive));
-    box->setCurrentText(name);
 }
 
 } // namespace
@@ -92,13 +74,14 @@ void TaskForm::prepareFields()
     }
     for (TimeField *field : {startTime, endTime})
         connect(field, &TimeField::timeChosen, this, &TaskForm::showTimesNotice);
-    for (QComboBox *box : {client, teamMember}) {
-        box->setInsertPolicy(QComboBox::NoInsert);
-        // Its layout would measure every name of a long directory.
-        box->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
-        box->setMinimumContentsLength(shownNameLength);
+    for (NameBox *box : {client, teamMember}) {
         new RefusingValidator(isFieldText, whyNotFieldText(), box->lineEdit());
+        connect(box, &NameBox::nameEntered, this, &TaskForm::showUnknownNames);
     }
+    connect(m_ui->unknownClient, &UnknownName::addRequested, this,
+            [this] { Q_EMIT clientToAdd(client->currentText().trimmed()); });
+    connect(m_ui->unknownTeamMember, &UnknownName::addRequested, this,
+            [this] { Q_EMIT teamMemberToAdd(teamMember->currentText().trimmed()); });
     new RefusingValidator(isFieldText, whyNotFieldText(), txtTaskName);
 }
 
@@ -109,10 +92,21 @@ void TaskForm::showTimesNotice()
     m_ui->timesNotice->setNotice(isBackwards ? tr("The end time is before the start time.") : QString());
 }
 
+void TaskForm::showUnknownNames()
+{
+    const QString nobody = task().client;
+    const auto show = [&](UnknownName *line, const NameBox *box, const QString &sentence) {
+        line->setNotice(box->isKnown() || box->currentText() == nobody ? QString() : sentence);
+    };
+    show(m_ui->unknownClient, client, tr("not among your clients: gets no texts"));
+    show(m_ui->unknownTeamMember, teamMember, tr("not among your team members: gets no texts"));
+}
+
 void TaskForm::setContacts(const QStringList &clients, const QStringList &teamMembers)
 {
-    fillNames(client, clients);
-    fillNames(teamMember, teamMembers);
+    client->setNames(clients);
+    teamMember->setNames(teamMembers);
+    showUnknownNames();
 }
 
 void TaskForm::setName(const QString &name)
@@ -144,13 +138,11 @@ void TaskForm::setDueDate(const QDateTime &due)
 void TaskForm::setStatus(qint64 status, const QString &statusName)
 {
     select(inTaskStatus, status, statusName);
-    m_statusName.set(statusName, status);
 }
 
 void TaskForm::setPriority(qint64 priority, const QString &priorityName)
 {
     select(inTaskPriority, priority, priorityName);
-    m_priorityName.set(priorityName, priority);
 }
 
 void TaskForm::setTimes(qint64 startHour, qint64 startMin, qint64 endHour, qint64 endMin)
@@ -168,10 +160,11 @@ void TaskForm::setTime(TimeField &picker, KeptValue<HourAndMinute, QTime> &kept,
 
 void TaskForm::setPeople(const QString &clientName, const QString &teamMemberName)
 {
-    showName(client, clientName);
+    client->setName(clientName);
     m_client.set(clientName, client->currentText());
-    showName(teamMember, teamMemberName);
+    teamMember->setName(teamMemberName);
     m_teamMember.set(teamMemberName, teamMember->currentText());
+    showUnknownNames();
 }
 
 QDateTime TaskForm::date() const
@@ -194,6 +187,12 @@ bool TaskForm::judge()
         }
     }
     return true;
+}
+
+bool TaskForm::isBeingTyped() const
+{
+    return !dtTaskDate->isUntouched() || !dtTaskDueDate->isUntouched() || !startTime->isUntouched() ||
+           !endTime->isUntouched();
 }
 
 task TaskForm::entered() const
@@ -219,8 +218,8 @@ task TaskForm::entered() const
                 .due = dueDate(),
                 .status = status,
                 .priority = priority,
-                .statusName = m_statusName.held(status, inTaskStatus->currentText()),
-                .priorityName = m_priorityName.held(priority, inTaskPriority->currentText()),
+                .statusName = inTaskStatus->currentText(),
+                .priorityName = inTaskPriority->currentText(),
                 .hidden = false,
                 .startHour = startHour,
                 .startMin = startMin,

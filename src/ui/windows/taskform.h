@@ -22,6 +22,7 @@ class TaskForm;
 class ColorButton;
 class DateField;
 class DescriptionView;
+class NameBox;
 class TimeField;
 class TypedField;
 class UIUtil;
@@ -56,6 +57,9 @@ public:
     /// @return whether all could
     [[nodiscard]] bool judge();
 
+    /// Whether something was typed into a field for dates or times that has not been read yet.
+    [[nodiscard]] bool isBeingTyped() const;
+
     /// What the form holds; key and hidden flag have no meaning.
     [[nodiscard]] task entered() const;
 
@@ -70,8 +74,13 @@ public:
     QComboBox *inTaskPriority;
     TimeField *startTime;
     TimeField *endTime;
-    QComboBox *teamMember;
-    QComboBox *client;
+    NameBox *teamMember;
+    NameBox *client;
+
+Q_SIGNALS:
+    /// The client in the form is to be entered in the directory.
+    void clientToAdd(const QString &name);
+    void teamMemberToAdd(const QString &name);
 
 private:
     using HourAndMinute = std::pair<qint64, qint64>;
@@ -79,6 +88,7 @@ private:
     void fillLists();
     void prepareFields();
     void showTimesNotice();
+    void showUnknownNames();
     void setTime(TimeField &picker, KeptValue<HourAndMinute, QTime> &kept, qint64 hour, qint64 minute);
 
     std::unique_ptr<Ui::TaskForm> m_ui;
@@ -87,8 +97,6 @@ private:
     KeptValue<QString> m_desc;
     KeptValue<QDateTime, QDate> m_date;
     KeptValue<QDateTime, QDate> m_due;
-    KeptValue<QString, qint64> m_statusName; // shown by its number
-    KeptValue<QString, qint64> m_priorityName;
     KeptValue<HourAndMinute, QTime> m_start;
     KeptValue<HourAndMinute, QTime> m_end;
     KeptValue<QString> m_client;

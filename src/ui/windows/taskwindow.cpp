@@ -12,6 +12,7 @@
 #include <core/taskmanager.h>
 
 #include <QDialogButtonBox>
+#include <QInputDialog>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QScreen>
@@ -65,8 +66,48 @@ void TaskWindow::loadView()
     }
     managedObjectContext = persistentContainer->viewContext();
     trace("Mngd Context:", managedObjectContext ? "Model" : "none");
+    showContacts();
+    connect(m_form, &TaskForm::clientToAdd, this, &TaskWindow::askForNumber<Clients>);
+    connect(m_form, &TaskForm::teamMemberToAdd, this, &TaskWindow::askForNumber<TeamMembers>);
+}
+
+void TaskWindow::showContacts()
+{
     m_form->setContacts(fetchNames<Clients>(managedObjectContext),
                         fetchNames<TeamMembers>(managedObjectContext));
+}
+
+template<typename Contact>
+void TaskWindow::askForNumber(const QString &name)
+{
+    auto *box = new QInputDialog(this);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->setObjectName(QStringLiteral("phoneNumber"));
+    box->setWindowTitle(tr("Add %1").arg(name));
+    box->setLabelText(tr("Phone number"));
+    connect(box, &QInputDialog::textValueSelected, this,
+            [this, name](const QString &number) { addContact(Contact{.name = name, .phoneNo = number}); });
+    box->open();
+}
+
+template<typename Contact>
+void TaskWindow::addContact(const Contact &contact)
+{
+    QString error = tr("The directory could not be opened.");
+    if (managedObjectContext) {
+        EntityModel &contacts = *managedObjectContext->objects(Contact::fetchRequest().entityName);
+        const int row = contacts.rowCount();
+        contacts.insertRow(row);
+        contacts.setData(contacts.index(row, NameColumn), contact.name);
+        contacts.setData(contacts.index(row, PhoneNoColumn), contact.phoneNo);
+        error = managedObjectContext->save();
+    }
+    if (!error.isEmpty()) {
+        m_utilities.dialogOK(tr("“%1” could not be added: %2").arg(contact.name, error));
+        if (managedObjectContext)
+            (void)managedObjectContext->load(); // without what could not be saved
+    }
+    showContacts();
 }
 
 bool TaskWindow::becomeFirstResponder()
@@ -172,6 +213,32 @@ bool TaskWindow::mayConfirm()
 void TaskWindow::forgetChosenDates()
 {
     m_dateWasChosen = m_dueDateWasChosen = false;
+}
+
+void TaskWindow::beginAfresh()
+{
+    forgetChosenDates();
+    m_shown = m_form->entered();
+}
+
+bool TaskWindow::isChanged() const
+{
+    return m_form->isBeingTyped() || m_form->entered() != m_shown;
+}
+
+bool TaskWindow::mayClose()
+{
+    return !isVisible() || !isChanged() ||
+           m_utilities.ask({tr("Discard what you have entered?"),
+                            tr("The task has not been saved."),
+                            {tr("Discard"), tr("Keep Editing")},
+                            1}) == 0;
+}
+
+void TaskWindow::reject()
+{
+    if (mayClose())
+        QDialog::reject();
 }
 
 void TaskWindow::showEvent(QShowEvent *event)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <base/color.h>
+#include <core/task.h>
 
 #include <QDateTime>
 #include <QDialog>
@@ -43,6 +44,10 @@ protected:
 public:
     ~TaskWindow() override;
 
+    /// Whether the form may go away: it holds nothing that the user has entered, or the user gives it up.
+    [[nodiscard]] bool mayClose();
+    void reject() override;
+
     bool becomeFirstResponder();
     void changeColor(QObject *sender);
 
@@ -65,6 +70,9 @@ protected:
     void refuseDueDate();
     /// Reads what was typed and sees to the order of the dates. @return whether the form may be confirmed
     [[nodiscard]] bool mayConfirm();
+    /// What the form shows now is not of the user's entering.
+    void beginAfresh();
+    [[nodiscard]] bool isChanged() const;
     /// The dates in the form are those that it began with.
     void forgetChosenDates();
     void showEvent(QShowEvent *event) override;
@@ -84,8 +92,14 @@ protected:
 
 private:
     void watchDates();
+    template<typename Contact>
+    void askForNumber(const QString &name);
+    template<typename Contact>
+    void addContact(const Contact &contact);
+    void showContacts();
     [[nodiscard]] bool asksToMoveDueDate(const QString &text);
 
+    task m_shown;                 // at the beginning
     bool m_dateWasChosen = false; // in this form
     bool m_dueDateWasChosen = false;
     bool m_choseDateLast = false; // rather than the due date

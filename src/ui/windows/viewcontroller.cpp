@@ -78,6 +78,10 @@ void ViewController::viewWillAppear()
 bool ViewController::windowShouldClose()
 {
     trace("Close");
+    for (TaskWindow *form : findChildren<TaskWindow *>()) {
+        if (!form->mayClose())
+            return false;
+    }
     takeUpChanges(); // what a form has put off until now
     if (!m_beforeEnd())
         return false;

@@ -47,6 +47,17 @@ void ViewControllerAdd::viewDidLoad()
     m_store.changeColor(*m_form->color, *m_form->txtTaskDescription);
     m_form->setTimes(m_store.defaultStartHour(), m_store.defaultStartMin(), m_store.defaultEndHour(),
                      m_store.defaultEndMin());
+    beginAfresh();
+    m_notifications.observe(QStringLiteral("dayChanged"), this, [this] { dayChanged(); });
+}
+
+void ViewControllerAdd::dayChanged()
+{
+    if (isChanged())
+        return;
+    chooseNow();
+    previousDate = previousDueDate = now();
+    beginAfresh();
 }
 
 void ViewControllerAdd::viewWillAppear()
@@ -96,20 +107,23 @@ void ViewControllerAdd::selectColorWell()
 void ViewControllerAdd::interfaceModeChanged()
 {
     trace("Dark mode change");
+    const bool wasChanged = isChanged();
     m_store.changeColor(*m_form->color, *m_form->txtTaskDescription);
     colorWell = m_form->color->color();
+    if (!wasChanged)
+        beginAfresh();
 }
 
 void ViewControllerAdd::ResetToOriginal()
 {
     trace("Reset");
-    forgetChosenDates();
     chooseNow();
     m_form->setName({});
     m_form->inTaskStatus->setCurrentIndex(0);
     m_form->inTaskPriority->setCurrentIndex(0);
     m_form->setDescription({});
     m_store.changeColor(*m_form->color, *m_form->txtTaskDescription);
+    beginAfresh();
 }
 
 void ViewControllerAdd::btnAddTask_Click()
@@ -125,6 +139,7 @@ void ViewControllerAdd::btnAddTask_Click()
     m_form->setDescription({});
     m_form->color->deactivate();
     m_notifications.post(QStringLiteral("reload"));
+    beginAfresh();
     close();
 }
 

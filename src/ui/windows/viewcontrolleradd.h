@@ -26,6 +26,8 @@ private:
     [[nodiscard]] bool isInOrder(const QDateTime &start, const QDateTime &due) const override;
     void selectColorWell();
     void chooseNow();
+    /// A form in which nothing was entered yet goes on with the day.
+    void dayChanged();
 };
 
 } // namespace oblino

@@ -70,6 +70,7 @@ void ViewControllerEdit::viewDidLoad()
     m_form->setTimes(selected.startHour, selected.startMin, selected.endHour, selected.endMin);
     trace("client:", selected.client);
     m_form->setPeople(selected.client, selected.teamMember);
+    beginAfresh();
     setMinimumSize(100, 150);
 }
 
@@ -135,8 +136,11 @@ void ViewControllerEdit::SelectColorWell()
 void ViewControllerEdit::interfaceModeChanged()
 {
     trace("Dark mode change");
+    const bool wasChanged = isChanged();
     m_store.invertColorWheeel(*m_form->color, *m_form->txtTaskDescription);
     colorWell = colorWell.inverted();
+    if (!wasChanged)
+        beginAfresh();
 }
 
 void ViewControllerEdit::ResetToOriginal()
@@ -168,6 +172,7 @@ bool ViewControllerEdit::save()
     m_store.editSelectedTask(t.date, t.name, t.desc, t.color, t.due, t.status, t.priority, t.statusName,
                              t.priorityName, t.startHour, t.startMin, t.endHour, t.endMin, t.client,
                              t.teamMember);
+    beginAfresh();
     return true;
 }
 
