@@ -83,6 +83,12 @@ bool TypedField::judge()
     return true;
 }
 
+void TypedField::edit()
+{
+    m_edit->setFocus();
+    m_edit->selectAll();
+}
+
 QString TypedField::validationError() const
 {
     return isUntouched() ? QString() : errorOf(m_edit->text());

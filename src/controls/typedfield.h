@@ -25,6 +25,8 @@ class TypedField : public QWidget
 public:
     /// Takes over what stands in the field. @return whether it could be read and lies in the range
     bool judge();
+    /// Gives the field the focus, with its text selected to be typed over.
+    void edit();
     /// Why judge() would refuse what stands in the field: one sentence, empty where it would not.
     [[nodiscard]] QString validationError() const;
     /// Whether the field shows its value, and nothing that was typed since.

@@ -209,7 +209,7 @@ bool ViewControllerSending::areDaysReadable()
     for (DateField *field : {startSendDate, endSendDate}) {
         if (!field->judge()) {
             sendingInfo->setText(field->validationError());
-            field->setFocus();
+            field->edit();
             return false;
         }
     }

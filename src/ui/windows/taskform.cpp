@@ -182,7 +182,7 @@ bool TaskForm::judge()
     for (TypedField *field :
          std::initializer_list<TypedField *>{dtTaskDate, dtTaskDueDate, startTime, endTime}) {
         if (!field->judge()) {
-            field->setFocus();
+            field->edit();
             return false;
         }
     }

@@ -178,7 +178,7 @@ void TaskWindow::refuseDate()
 {
     if (!asksToMoveDueDate(QStringLiteral("Select a Start Date prior to Due Date"))) {
         m_form->setDate(previousDate);
-        m_form->dtTaskDate->setFocus();
+        m_form->dtTaskDate->edit();
         return;
     }
     const QDateTime moved = previousDueDate.addDays(previousDate.daysTo(m_form->date()));
@@ -190,7 +190,7 @@ void TaskWindow::refuseDueDate()
 {
     m_utilities.dialogOK(QStringLiteral("Select a Due Date after Start Date"));
     m_form->setDueDate(previousDueDate);
-    m_form->dtTaskDueDate->setFocus();
+    m_form->dtTaskDueDate->edit();
 }
 
 // A date that is put back is not what the user meant, so that nothing is confirmed with it.
