@@ -15,6 +15,7 @@ namespace oblino {
 
 namespace {
 
+constexpr int shownLength = 10; // characters
 constexpr int stepMinutes = 15;
 constexpr int listedMinutes = 30; // between two times of the list
 constexpr int minutesOfDay = 24 * 60;
@@ -35,6 +36,7 @@ QTime timeOfMinute(int minute)
 TimeField::TimeField(QWidget *parent)
     : TypedField(QStringLiteral("clock"), tr("Times (F4)"), parent)
 {
+    lineEdit()->setMinimumWidth(fontMetrics().averageCharWidth() * shownLength);
 }
 
 void TimeField::setTime(QTime time)

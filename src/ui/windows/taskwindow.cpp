@@ -176,11 +176,17 @@ bool TaskWindow::asksToMoveDueDate(const QString &text)
 
 void TaskWindow::refuseDate()
 {
-    if (!asksToMoveDueDate(QStringLiteral("Select a Start Date prior to Due Date"))) {
-        m_form->setDate(previousDate);
-        m_form->dtTaskDate->edit();
+    if (asksToMoveDueDate(QStringLiteral("Select a Start Date prior to Due Date"))) {
+        moveDueDate();
         return;
     }
+    m_form->setDate(previousDate);
+    m_form->dtTaskDate->edit();
+}
+
+// By as many days as the start; at least to it.
+void TaskWindow::moveDueDate()
+{
     const QDateTime moved = previousDueDate.addDays(previousDate.daysTo(m_form->date()));
     m_form->setDueDate(isInOrder(m_form->date(), moved) ? moved : m_form->date());
     previousDueDate = m_form->dueDate();
@@ -188,7 +194,13 @@ void TaskWindow::refuseDate()
 
 void TaskWindow::refuseDueDate()
 {
-    m_utilities.dialogOK(QStringLiteral("Select a Due Date after Start Date"));
+    const QString text = QStringLiteral("Select a Due Date after Start Date");
+    if (!m_dueDateWasChosen && asksToMoveDueDate(text)) {
+        moveDueDate();
+        return;
+    }
+    if (m_dueDateWasChosen)
+        m_utilities.dialogOK(text);
     m_form->setDueDate(previousDueDate);
     m_form->dtTaskDueDate->edit();
 }

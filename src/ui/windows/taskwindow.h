@@ -66,7 +66,7 @@ protected:
     [[nodiscard]] virtual bool isInOrder(const QDateTime &start, const QDateTime &due) const = 0;
     /// The start is later than the due date: offers to move that too, else puts the start back.
     void refuseDate();
-    /// The due date is earlier than the start: puts it back.
+    /// The due date is earlier than the start: puts it back, or offers to move it where nobody has chosen it.
     void refuseDueDate();
     /// Reads what was typed and sees to the order of the dates. @return whether the form may be confirmed
     [[nodiscard]] bool mayConfirm();
@@ -97,6 +97,7 @@ private:
     template<typename Contact>
     void addContact(const Contact &contact);
     void showContacts();
+    void moveDueDate();
     [[nodiscard]] bool asksToMoveDueDate(const QString &text);
 
     task m_shown;                 // at the beginning
