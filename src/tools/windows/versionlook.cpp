@@ -1,9 +1,6 @@
 #include <tools/windows/versionlook.h>
 
 #include <controls/tableheader.h>
-#include <controls/theme.h>
-#include <core/cellidentifiers.h>
-#include <core/celltext.h>
 #include <tools/windows/boardview.h>
 #include <ui/windows/taskcelldelegate.h>
 
@@ -23,7 +20,6 @@ constexpr int rowHeight = 28; // pixels, for the usual font size
 
 VersionLook::VersionLook(QWidget *parent)
     : QStackedWidget(parent)
-    , m_model(*this)
     , m_table(new QTableView(this))
     , m_text(new QPlainTextEdit(this))
     , m_picture(new BoardView(this))
@@ -98,8 +94,10 @@ void VersionLook::fill(const VersionContent &content, bool dark, bool asText)
         setCurrentWidget(m_picture);
     } else if (isList && !content.tasks.isEmpty() && !asText) {
         m_tasks = content.tasks;
-        m_dark = dark;
-        m_model.reload();
+        QList<task> shown = m_tasks;
+        for (task &t : shown)
+            t.color = dark ? t.color.inverted() : t.color;
+        m_model.setRows(shown);
         m_table->scrollToTop();
         setCurrentWidget(m_table);
     } else {
@@ -119,7 +117,7 @@ void VersionLook::say(const QString &sentence)
 void VersionLook::clear()
 {
     m_tasks.clear();
-    m_model.reload();
+    m_model.setRows({});
     m_text->clear();
     m_picture->setImage({});
     m_message->clear();
@@ -133,36 +131,6 @@ QList<task> VersionLook::selectedTasks() const
     for (const QModelIndex &index : rows)
         tasks.append(m_tasks.at(index.row()));
     return tasks;
-}
-
-int VersionLook::numberOfRows()
-{
-    return static_cast<int>(m_tasks.size());
-}
-
-QString VersionLook::objectValueFor(int column, int row) const
-{
-    return cellText(m_tasks.at(row), TaskTableModel::identifiers().at(column), QLocale());
-}
-
-QString VersionLook::wholeTextFor(int column, int row) const
-{
-    return TaskTableModel::identifiers().at(column) == CellIdentifiers::DescCell
-               ? m_tasks.at(row).desc
-               : objectValueFor(column, row);
-}
-
-QColor VersionLook::didAdd(int row) const
-{
-    const Color &color = m_tasks.at(row).color;
-    return screenColor(m_dark ? color.inverted() : color);
-}
-
-int VersionLook::markFor(int column, int row) const
-{
-    const task &t = m_tasks.at(row);
-    const bool status = TaskTableModel::identifiers().at(column) == CellIdentifiers::StatusCell;
-    return static_cast<int>(std::clamp<qint64>(status ? t.status : t.priority, -1, 1000));
 }
 
 } // namespace oblino

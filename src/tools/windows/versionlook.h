@@ -14,7 +14,7 @@ namespace oblino {
 class BoardView;
 
 /// A read-only look at an earlier version: a table of tasks, a text, or a picture.
-class VersionLook : public QStackedWidget, private TaskTableSource
+class VersionLook : public QStackedWidget
 {
     Q_OBJECT
 
@@ -34,18 +34,11 @@ Q_SIGNALS:
     void selectionChanged();
 
 private:
-    [[nodiscard]] int numberOfRows() override;
-    [[nodiscard]] QString objectValueFor(int column, int row) const override;
-    [[nodiscard]] QString wholeTextFor(int column, int row) const override;
-    [[nodiscard]] QColor didAdd(int row) const override;
-    [[nodiscard]] int markFor(int column, int row) const override;
-
     void prepareTable();
     void clear();
     void fill(const VersionContent &content, bool dark, bool asText);
 
-    QList<task> m_tasks;
-    bool m_dark = false;
+    QList<task> m_tasks; // in the colours of the light appearance
     TaskTableModel m_model;
     QTableView *m_table;
     QPlainTextEdit *m_text;

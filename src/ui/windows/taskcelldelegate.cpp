@@ -30,25 +30,28 @@ struct CellColors
     QColor text;
 };
 
+const TaskTableModel &modelOf(const QModelIndex &index)
+{
+    return *static_cast<const TaskTableModel *>(index.model());
+}
+
 CellColors colorsOf(const QStyleOptionViewItem &option, const QModelIndex &index)
 {
-    const QColor row =
-        laidOver(index.data(Qt::BackgroundRole).value<QColor>(), option.palette.color(QPalette::Base));
+    const QColor row = laidOver(modelOf(index).didAdd(index.row()), option.palette.color(QPalette::Base));
     if (!(option.state & QStyle::State_Selected))
         return {row, row, readableOn(row)};
     const QColor accent = option.palette.color(QPalette::Highlight);
     return {row, accent, readableOn(accent)};
 }
 
-bool hasMark(const QModelIndex &index)
+bool hasMark(int column)
 {
-    return index.data(TaskTableModel::StatusRole).isValid() ||
-           index.data(TaskTableModel::PriorityRole).isValid();
+    return column == TaskTableModel::statusColumn || column == TaskTableModel::priorityColumn;
 }
 
 QRect textRect(const QStyleOptionViewItem &option, const QModelIndex &index)
 {
-    return option.rect.adjusted(padding + (hasMark(index) ? markSize + padding : 0), 0, -padding, 0);
+    return option.rect.adjusted(padding + (hasMark(index.column()) ? markSize + padding : 0), 0, -padding, 0);
 }
 
 // A ring for a task still open, a filled one with a check mark for a closed one, a dot for any other status.
@@ -83,23 +86,21 @@ void paintPriority(QPainter *painter, const QRectF &box, const CellColors &color
 void paintMark(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index,
                const CellColors &colors)
 {
-    const QVariant status = index.data(TaskTableModel::StatusRole);
-    const QVariant priority = index.data(TaskTableModel::PriorityRole);
-    if (!status.isValid() && !priority.isValid())
+    if (!hasMark(index.column()))
         return;
+    const task &t = modelOf(index).row(index.row());
     const QRectF box(option.rect.left() + padding, option.rect.center().y() - halfMark + 1, markSize,
                      markSize);
-    painter->setRenderHint(QPainter::Antialiasing, status.isValid());
-    if (status.isValid())
-        paintStatus(painter, box, colors, status.toLongLong());
-    else
-        paintPriority(painter, box, colors, priority.toLongLong());
+    if (index.column() == TaskTableModel::priorityColumn)
+        return paintPriority(painter, box, colors, t.priority);
+    painter->setRenderHint(QPainter::Antialiasing);
+    paintStatus(painter, box, colors, t.status);
     painter->setRenderHint(QPainter::Antialiasing, false);
 }
 
 QString shownText(const QStyleOptionViewItem &option, const QModelIndex &index)
 {
-    QString text = index.data(Qt::DisplayRole).toString();
+    QString text = modelOf(index).objectValueFor(index.column(), index.row());
     text.replace(QLatin1Char('\n'), QLatin1Char(' '));
     return option.fontMetrics.elidedText(text, Qt::ElideRight, textRect(option, index).width());
 }
@@ -128,8 +129,8 @@ void TaskCellDelegate::paint(QPainter *painter, const QStyleOptionViewItem &opti
     paintMark(painter, option, index, colors);
     painter->setPen(colors.text);
     painter->setFont(cell.font);
-    const Qt::Alignment alignment(index.data(Qt::TextAlignmentRole).value<Qt::Alignment>());
-    painter->drawText(textRect(option, index), static_cast<int>(alignment | Qt::TextSingleLine),
+    const Qt::Alignment alignment = TaskTableModel::alignmentOf(index.column());
+    painter->drawText(textRect(option, index), static_cast<int>(alignment) | Qt::TextSingleLine,
                       shownText(cell, index));
 
     if ((option.state & QStyle::State_HasFocus) && !(option.state & QStyle::State_Selected)) {
@@ -146,7 +147,7 @@ bool TaskCellDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view,
         return QStyledItemDelegate::helpEvent(event, view, option, index);
     QStyleOptionViewItem cell = option;
     initStyleOption(&cell, index);
-    const QString whole = index.data(TaskTableModel::WholeTextRole).toString();
+    const QString whole = index.data(TaskTableModel::wholeTextRole).toString();
     constexpr qsizetype enough = 2000; // of a tool tip, in UTF-16 units
     if (whole != shownText(cell, index)) {
         const QString plain = whole.size() > enough ? whole.first(enough) + QChar(u'…') : whole;

@@ -4,9 +4,9 @@
 
 namespace oblino {
 
-/// Paints a cell of the task table: the row's colour over the whole cell, the text in black or white, a line
-/// between columns, and marks by which status and priority are read at a glance. A selected row takes the
-/// accent colour and keeps its own as a stripe at its left end.
+/// Paints a cell of a view on a TaskTableModel: the row's colour over the whole cell, the text in black or
+/// white, a line between columns, and marks by which status and priority are read at a glance. A selected row
+/// takes the accent colour and keeps its own as a stripe at its left end.
 class TaskCellDelegate : public QStyledItemDelegate
 {
     Q_OBJECT

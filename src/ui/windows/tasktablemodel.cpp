@@ -1,26 +1,14 @@
 #include <ui/windows/tasktablemodel.h>
 
+#include <controls/theme.h>
+
+#include <base/trace.h>
 #include <core/cellidentifiers.h>
+#include <core/celltext.h>
+
+#include <QLocale>
 
 namespace oblino {
-
-namespace {
-
-constexpr int statusColumn = 7;
-constexpr int priorityColumn = 8;
-
-bool isCentred(int column)
-{
-    return column <= 2 || column == 9;
-}
-
-} // namespace
-
-TaskTableModel::TaskTableModel(TaskTableSource &source, QObject *parent)
-    : QAbstractTableModel(parent)
-    , m_source(source)
-{
-}
 
 const QStringList &TaskTableModel::identifiers()
 {
@@ -42,17 +30,38 @@ const QStringList &TaskTableModel::titles()
     return list;
 }
 
-void TaskTableModel::reload()
+Qt::Alignment TaskTableModel::alignmentOf(int column)
+{
+    const bool isDateOrTime = column <= 2 || column == 9;
+    return (isDateOrTime ? Qt::AlignHCenter : Qt::AlignLeft) | Qt::AlignVCenter;
+}
+
+void TaskTableModel::setRows(const QList<task> &rows)
 {
     beginResetModel();
-    m_rows = m_source.numberOfRows();
+    m_rows = rows;
     m_backgrounds.clear();
     endResetModel();
 }
 
+QString TaskTableModel::objectValueFor(int column, int row) const
+{
+    return cellText(m_rows.at(row), identifiers().at(column), QLocale());
+}
+
+QColor TaskTableModel::didAdd(int row) const
+{
+    auto known = m_backgrounds.constFind(row);
+    if (known == m_backgrounds.constEnd()) {
+        trace("Row:", row);
+        known = m_backgrounds.insert(row, screenColor(m_rows.at(row).color));
+    }
+    return *known;
+}
+
 int TaskTableModel::rowCount(const QModelIndex &parent) const
 {
-    return parent.isValid() ? 0 : m_rows;
+    return parent.isValid() ? 0 : static_cast<int>(m_rows.size());
 }
 
 int TaskTableModel::columnCount(const QModelIndex &parent) const
@@ -65,30 +74,15 @@ QVariant TaskTableModel::data(const QModelIndex &index, int role) const
     if (!checkIndex(index, CheckIndexOption::IndexIsValid))
         return {};
     switch (role) {
+    case wholeTextRole:
+        if (index.column() == descriptionColumn)
+            return m_rows.at(index.row()).desc;
+        [[fallthrough]];
     case Qt::DisplayRole:
-        return m_source.objectValueFor(index.column(), index.row());
-    case Qt::BackgroundRole:
-        return backgroundOf(index.row());
-    case Qt::TextAlignmentRole:
-        return QVariant::fromValue((isCentred(index.column()) ? Qt::AlignHCenter : Qt::AlignLeft) |
-                                   Qt::AlignVCenter);
-    case WholeTextRole:
-        return m_source.wholeTextFor(index.column(), index.row());
-    case StatusRole:
-        return index.column() == statusColumn ? m_source.markFor(index.column(), index.row()) : QVariant();
-    case PriorityRole:
-        return index.column() == priorityColumn ? m_source.markFor(index.column(), index.row()) : QVariant();
+        return objectValueFor(index.column(), index.row());
     default:
         return {};
     }
-}
-
-QColor TaskTableModel::backgroundOf(int row) const
-{
-    auto known = m_backgrounds.constFind(row);
-    if (known == m_backgrounds.cend())
-        known = m_backgrounds.insert(row, m_source.didAdd(row));
-    return *known;
 }
 
 QVariant TaskTableModel::headerData(int section, Qt::Orientation orientation, int role) const
@@ -96,8 +90,7 @@ QVariant TaskTableModel::headerData(int section, Qt::Orientation orientation, in
     if (orientation == Qt::Horizontal && role == Qt::DisplayRole)
         return titles().value(section);
     if (orientation == Qt::Horizontal && role == Qt::TextAlignmentRole)
-        return QVariant::fromValue((isCentred(section) ? Qt::AlignHCenter : Qt::AlignLeft) |
-                                   Qt::AlignVCenter);
+        return QVariant::fromValue(alignmentOf(section));
     return {};
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <core/task.h>
+
 #include <QAbstractTableModel>
 #include <QColor>
 #include <QHash>
@@ -7,50 +9,36 @@
 
 namespace oblino {
 
-/// Where the task table gets its rows from; its window.
-class TaskTableSource
-{
-public:
-    TaskTableSource() = default;
-    TaskTableSource(const TaskTableSource &) = delete;
-    TaskTableSource &operator=(const TaskTableSource &) = delete;
-    virtual ~TaskTableSource() = default;
-
-    /// Applies the current view and counts it.
-    [[nodiscard]] virtual int numberOfRows() = 0;
-    /// The text of a cell.
-    [[nodiscard]] virtual QString objectValueFor(int column, int row) const = 0;
-    /// The whole text behind a cell that shows only the beginning.
-    [[nodiscard]] virtual QString wholeTextFor(int column, int row) const = 0;
-    /// The background of a row that comes into sight, asked for once.
-    [[nodiscard]] virtual QColor didAdd(int row) const = 0;
-    /// Number behind a cell that shows a mark beside its text, -1 for none.
-    [[nodiscard]] virtual int markFor(int column, int row) const = 0;
-};
-
-/// The eleven columns of the task table, in order. The rows change only as a whole, by reload().
+/// Tasks as rows of eleven columns. The rows change only as a whole.
 class TaskTableModel : public QAbstractTableModel
 {
     Q_OBJECT
 
 public:
-    enum Role {
-        WholeTextRole = Qt::UserRole,
-        StatusRole,   ///< a task status, only in the status column
-        PriorityRole, ///< a task priority, only in the priority column
-    };
+    /// The whole text behind a cell that shows only the beginning.
+    static constexpr int wholeTextRole = Qt::UserRole;
 
     static constexpr int nameColumn = 3;
+    static constexpr int descriptionColumn = 6;
+    static constexpr int statusColumn = 7;
+    static constexpr int priorityColumn = 8;
     static constexpr int keyColumn = 10;
 
-    explicit TaskTableModel(TaskTableSource &source, QObject *parent = nullptr);
+    using QAbstractTableModel::QAbstractTableModel;
 
     /// The identifiers of the columns, in order.
     [[nodiscard]] static const QStringList &identifiers();
     /// The titles of the columns, in order.
     [[nodiscard]] static const QStringList &titles();
+    [[nodiscard]] static Qt::Alignment alignmentOf(int column);
 
-    void reload();
+    void setRows(const QList<task> &rows);
+    [[nodiscard]] const task &row(int row) const { return m_rows.at(row); }
+
+    /// The text of a cell.
+    [[nodiscard]] QString objectValueFor(int column, int row) const;
+    /// The background of a row that comes into sight.
+    [[nodiscard]] QColor didAdd(int row) const;
 
     [[nodiscard]] int rowCount(const QModelIndex &parent = {}) const override;
     [[nodiscard]] int columnCount(const QModelIndex &parent = {}) const override;
@@ -58,11 +46,8 @@ public:
     [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
 private:
-    [[nodiscard]] QColor backgroundOf(int row) const;
-
-    TaskTableSource &m_source;
-    int m_rows = 0;
-    mutable QHash<int, QColor> m_backgrounds; // of the rows that were painted
+    QList<task> m_rows;
+    mutable QHash<int, QColor> m_backgrounds; // of the rows that have come into sight
 };
 
 } // namespace oblino

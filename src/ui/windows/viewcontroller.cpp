@@ -32,7 +32,6 @@ ViewController::ViewController(TaskManager &store, Documents &documents, UIUtil 
     , m_notifications(notifications)
     , m_file(store, documents)
     , m_watch(m_file.path())
-    , m_model(*this)
     , m_dataFolder(dataFolder)
 {
     m_ui->setupUi(this);

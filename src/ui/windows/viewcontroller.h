@@ -41,7 +41,7 @@ class UIUtil;
 
 /// The main window: turns the user's actions into operations of the task store, keeps table and commands in
 /// step with it, and has the list saved after every change.
-class ViewController : public QMainWindow, public UnsavedWork, private TaskTableSource
+class ViewController : public QMainWindow, public UnsavedWork
 {
     Q_OBJECT
 
@@ -144,11 +144,8 @@ private:
 
     // The table
 
-    [[nodiscard]] int numberOfRows() override;
-    [[nodiscard]] QString objectValueFor(int column, int row) const override;
-    [[nodiscard]] QString wholeTextFor(int column, int row) const override;
-    [[nodiscard]] QColor didAdd(int row) const override;
-    [[nodiscard]] int markFor(int column, int row) const override;
+    /// Applies the current view and counts it.
+    [[nodiscard]] qsizetype numberOfRows();
     void sortDescriptorsDidChange(int section, Qt::SortOrder order);
     void tableViewSelectionDidChange();
 

@@ -3,13 +3,11 @@
 
 #include <controls/emptystate.h>
 #include <controls/searchfield.h>
-#include <controls/theme.h>
 #include <ui/tabletexts.h>
 #include <ui/windows/tasktable.h>
 #include <ui_viewcontroller.h>
 
 #include <base/trace.h>
-#include <core/celltext.h>
 #include <core/taskmanager.h>
 #include <core/tasksearch.h>
 
@@ -55,38 +53,12 @@ void ViewController::reinitForSearching()
         m_store.setTasks(tasksMatching(m_store.backupTasks(), m_store.searchTerm()));
 }
 
-int ViewController::numberOfRows()
+qsizetype ViewController::numberOfRows()
 {
     trace("Index of Selected:", viewIndex());
     m_store.setFilter(viewIndex());
     trace("Number of Rows:", m_store.tasksInView().size());
-    return static_cast<int>(m_store.tasksInView().size());
-}
-
-QString ViewController::objectValueFor(int column, int row) const
-{
-    return cellText(m_store.tasksInView().at(row), TaskTableModel::identifiers().at(column), QLocale());
-}
-
-QString ViewController::wholeTextFor(int column, int row) const
-{
-    const task &t = m_store.tasksInView().at(row);
-    return TaskTableModel::identifiers().at(column) == CellIdentifiers::DescCell
-               ? t.desc
-               : objectValueFor(column, row);
-}
-
-QColor ViewController::didAdd(int row) const
-{
-    trace("Row:", row);
-    return screenColor(m_store.tasksInView().at(row).color);
-}
-
-int ViewController::markFor(int column, int row) const
-{
-    const task &t = m_store.tasksInView().at(row);
-    const bool status = TaskTableModel::identifiers().at(column) == CellIdentifiers::StatusCell;
-    return static_cast<int>(std::clamp<qint64>(status ? t.status : t.priority, -1, 1000));
+    return m_store.tasksInView().size();
 }
 
 void ViewController::sortDescriptorsDidChange(int section, Qt::SortOrder order)
@@ -128,9 +100,10 @@ void ViewController::reload()
 {
     const QModelIndex current = tblView->currentIndex();
     const int scrolled = tblView->verticalScrollBar()->value();
-    m_model.reload();
+    const auto rows = static_cast<int>(numberOfRows());
+    m_model.setRows(m_store.tasksInView());
     // The keyboard goes on from the row where it was; nothing is selected by that.
-    if (const int rows = m_model.rowCount(); rows > 0) {
+    if (rows > 0) {
         const QModelIndex near =
             m_model.index(std::clamp(current.row(), 0, rows - 1), std::max(current.column(), 0));
         tblView->selectionModel()->setCurrentIndex(near, QItemSelectionModel::NoUpdate);
