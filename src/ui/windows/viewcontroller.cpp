@@ -49,7 +49,7 @@ void ViewController::viewDidLoad()
 {
     m_utilities.prepareSound();
     splitStringFile(readFromFile());
-    viewSelection->setCurrentIndex(0);
+    m_ui->viewSelection->setCurrentIndex(0);
     for (const QString &identifier : TaskTableModel::identifiers())
         m_sortPrototypes.append({identifier, true});
     m_store.sort(m_sortPrototypes.first());
@@ -71,7 +71,7 @@ void ViewController::viewWillAppear()
     reload();
     disableSelectionButtons();
     setLeastSize(*this, {1040, 430});
-    tblView->setFocus(Qt::OtherFocusReason);
+    m_ui->tblView->setFocus(Qt::OtherFocusReason);
 }
 
 bool ViewController::windowShouldClose()
@@ -124,7 +124,7 @@ void ViewController::ChangeView()
     disableSelectionButtons();
     reinitForSearching();
     reload();
-    tblView->goToRow(0);
+    m_ui->tblView->goToRow(0);
     say({});
 }
 
@@ -147,12 +147,12 @@ void ViewController::interfaceModeChanged()
 
 bool ViewController::saveToFile()
 {
-    tblView->viewport()->repaint(); // the change is seen before the disk has taken its time
+    m_ui->tblView->viewport()->repaint(); // the change is seen before the disk has taken its time
     const QString key = keyOfShownSelection();
     const bool saved = m_file.saveToFile();
     if (m_file.takeMerged())
         showChangedList(key);
-    m_noticeBar->tell({}); // of before this change
+    m_ui->noticeBar->tell({}); // of before this change
     showNotices();
     return saved;
 }
@@ -190,9 +190,9 @@ void ViewController::takeUpChanges()
 // The list is another one: what was seen and selected of it stays, as far as it is still there.
 void ViewController::showChangedList(const QString &selectedKey)
 {
-    if (const int section = tblView->horizontalHeader()->sortIndicatorSection(); section >= 0) {
+    if (const int section = m_ui->tblView->horizontalHeader()->sortIndicatorSection(); section >= 0) {
         SortDescriptor descriptor = m_sortPrototypes.at(section);
-        descriptor.ascending = tblView->horizontalHeader()->sortIndicatorOrder() == Qt::AscendingOrder;
+        descriptor.ascending = m_ui->tblView->horizontalHeader()->sortIndicatorOrder() == Qt::AscendingOrder;
         m_store.sort(descriptor);
     }
     reinitForSearching();
@@ -207,11 +207,11 @@ void ViewController::dayChanged()
 
 void ViewController::showOn(const QString &selectedKey)
 {
-    const int scrolled = tblView->verticalScrollBar()->value();
+    const int scrolled = m_ui->tblView->verticalScrollBar()->value();
     reload();
     if (!selectedKey.isEmpty())
         restoreSelection(selectedKey);
-    tblView->verticalScrollBar()->setValue(scrolled);
+    m_ui->tblView->verticalScrollBar()->setValue(scrolled);
 }
 
 bool ViewController::isFormOpen() const

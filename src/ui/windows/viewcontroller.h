@@ -174,6 +174,7 @@ private:
     void setSelectionCommandsEnabled(bool enabled);
     void forgetSortOrder();
     void reverseOrder();
+    void find();
     void copyTask();
     void copyKey();
     void about();
@@ -216,23 +217,9 @@ private:
     QString m_waitingFor = tr("Waiting for the cloud"); // the start of a message
     QList<QAction *> m_heldCommands;                    // disabled while the cloud is waited for
 
-    // Outlets
-
-    TaskTable *tblView = nullptr;
-    QToolButton *deleteButton = nullptr;
-    QToolButton *hideButton = nullptr;
-    QToolButton *upperButton = nullptr;
-    QToolButton *downerButton = nullptr;
-    QToolButton *editButton = nullptr;
-    QToolButton *shareButton = nullptr;
-    QToolButton *cloneButton = nullptr;
-    QToolButton *closeButton = nullptr;
-    QComboBox *viewSelection = nullptr;
-    SearchField *searchField = nullptr;
     QLabel *statusMessage = nullptr;
     QLabel *statusMessageLabel = nullptr;
     QLabel *m_saveState = nullptr;
-    NoticeBar *m_noticeBar = nullptr;
     EmptyState *m_emptyState = nullptr;
 };
 

@@ -57,7 +57,7 @@ void ViewController::holdCommands()
             m_heldCommands += action;
         }
     }
-    for (QWidget *widget : {static_cast<QWidget *>(tblView), m_ui->filterBar})
+    for (QWidget *widget : {static_cast<QWidget *>(m_ui->tblView), m_ui->filterBar})
         widget->setEnabled(false);
     statusMessage->setText(m_waitingFor + QStringLiteral("…"));
 }
@@ -67,9 +67,9 @@ void ViewController::releaseCommands()
     const QString key = keyOfShownSelection();
     for (QAction *action : std::exchange(m_heldCommands, {}))
         action->setEnabled(true);
-    for (QWidget *widget : {static_cast<QWidget *>(tblView), m_ui->filterBar})
+    for (QWidget *widget : {static_cast<QWidget *>(m_ui->tblView), m_ui->filterBar})
         widget->setEnabled(true);
-    tblView->setFocus(Qt::OtherFocusReason);
+    m_ui->tblView->setFocus(Qt::OtherFocusReason);
     m_waitingFor = tr("Waiting for the cloud"); // until a command of this window says more
     if (key.isEmpty())
         disableSelectionButtons();

@@ -95,7 +95,7 @@ void ViewController::moveSelected(bool up, const QString &elsewhereMessage)
     disableSelectionButtons();
     m_store.setSelected(key);
     if (const int row = rowOfKey(key); row >= 0)
-        tblView->selectRow(row);
+        m_ui->tblView->selectRow(row);
     say({});
     saveToFile();
 }
@@ -206,7 +206,7 @@ void ViewController::doubleClickTable()
 
 void ViewController::doubleClickOnResultRow()
 {
-    const int row = tblView->currentIndex().row();
+    const int row = m_ui->tblView->currentIndex().row();
     if (row >= 0)
         editTask();
     trace("doubleClickOnResultRow ", row);

@@ -6,6 +6,8 @@
 #include <ui/windows/tasktable.h>
 
 #include <base/clock.h>
+#include <ui_viewcontroller.h>
+
 #include <core/taskmanager.h>
 
 #include <QLabel>
@@ -32,7 +34,7 @@ void ViewController::showAdded()
     if (added.isEmpty())
         return;
     if (const int row = rowOfKey(added.last().key); row >= 0)
-        tblView->goToRow(row);
+        m_ui->tblView->goToRow(row);
     say(addedText(added, viewIndex(), m_store.isSearching() ? m_store.searchTerm() : QString(), today()));
 }
 
@@ -56,22 +58,22 @@ void ViewController::showNotices()
 
 void ViewController::tell(const QStringList &notices)
 {
-    m_noticeBar->tell(notices);
+    m_ui->noticeBar->tell(notices);
     for (const QString &notice : notices)
         Q_EMIT told(notice);
 }
 
 void ViewController::setTrouble(const QString &thing, const QString &sentence)
 {
-    const QString before = m_noticeBar->notice();
-    m_noticeBar->setTrouble(thing, sentence);
-    if (!sentence.isEmpty() && m_noticeBar->notice() != before)
+    const QString before = m_ui->noticeBar->notice();
+    m_ui->noticeBar->setTrouble(thing, sentence);
+    if (!sentence.isEmpty() && m_ui->noticeBar->notice() != before)
         Q_EMIT told(sentence);
 }
 
 QString ViewController::notice() const
 {
-    return m_noticeBar->notice();
+    return m_ui->noticeBar->notice();
 }
 
 } // namespace oblino

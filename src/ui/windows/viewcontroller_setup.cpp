@@ -20,6 +20,8 @@
 #include <QShortcut>
 #include <QToolButton>
 
+#include <functional>
+
 namespace oblino {
 
 namespace {
@@ -59,28 +61,18 @@ public:
 
 void ViewController::bindOutlets()
 {
-    const auto button = [this](QAction *action, const char *name) {
-        auto *made = qobject_cast<QToolButton *>(m_ui->commandBar->widgetForAction(action));
-        made->setObjectName(QLatin1String(name));
-        return made;
-    };
-    deleteButton = button(m_ui->deleteAction, "deleteButton");
-    hideButton = button(m_ui->hideAction, "hideButton");
-    upperButton = button(m_ui->moveUpAction, "upperButton");
-    downerButton = button(m_ui->moveDownAction, "downerButton");
-    editButton = button(m_ui->editAction, "editButton");
-    shareButton = button(m_ui->shareAction, "shareButton");
-    new ActsOnMouseDown(shareButton);
-    cloneButton = button(m_ui->cloneAction, "cloneButton");
-    closeButton = button(m_ui->closeAction, "closeButton");
-    tblView = m_ui->tblView;
-    viewSelection = m_ui->viewSelection;
-    searchField = m_ui->searchField;
+    const std::initializer_list<std::pair<QAction *, const char *>> buttons = {
+        {m_ui->deleteAction, "deleteButton"}, {m_ui->hideAction, "hideButton"},
+        {m_ui->moveUpAction, "upperButton"},  {m_ui->moveDownAction, "downerButton"},
+        {m_ui->editAction, "editButton"},     {m_ui->shareAction, "shareButton"},
+        {m_ui->cloneAction, "cloneButton"},   {m_ui->closeAction, "closeButton"}};
+    for (const auto &[action, name] : buttons)
+        m_ui->commandBar->widgetForAction(action)->setObjectName(QLatin1String(name));
+    new ActsOnMouseDown(qobject_cast<QToolButton *>(m_ui->commandBar->widgetForAction(m_ui->shareAction)));
 
     statusMessageLabel = statusLabel<ElidedLabel>(this, QStringLiteral("statusMessageLabel"));
     m_saveState = statusLabel<QLabel>(this, QStringLiteral("saveState"));
     statusMessage = statusLabel<QLabel>(this, QStringLiteral("statusMessage"));
-    m_noticeBar = m_ui->noticeBar;
     m_ui->statusBar->addWidget(statusMessageLabel, 1);
     m_ui->statusBar->addPermanentWidget(m_saveState);
     m_ui->statusBar->addPermanentWidget(statusMessage);
@@ -94,70 +86,81 @@ void ViewController::bindOutlets()
 
 void ViewController::connectCommands()
 {
-    const auto command = [this](QAction *action, auto call) {
-        connect(action, &QAction::triggered, this, call);
-    };
-    command(m_ui->deleteAction, [this] { btnDeleteTask_Click(deleteButton); });
-    command(m_ui->hideAction, [this] { hideClicked(); });
-    command(m_ui->cloneAction, [this] { cloneTask(cloneButton); });
-    command(m_ui->closeAction, [this] { closeTask(closeButton); });
-    command(m_ui->moveUpAction, [this] { upper(); });
-    command(m_ui->moveDownAction, [this] { downer(); });
-    command(m_ui->copyAction, [this] { copyTask(); });
-    command(m_ui->copyKeyAction, [this] { copyKey(); });
-    command(m_ui->findAction, [this] {
-        searchField->setFocus(Qt::ShortcutFocusReason);
-        searchField->selectAll();
-    });
-    command(m_ui->clearSearchAction, [this] { searchField->clear(); });
-    command(m_ui->clientsAction, &ViewController::clientsRequested);
-    command(m_ui->teamMembersAction, &ViewController::teamMembersRequested);
-    command(m_ui->sendAction, &ViewController::sendingRequested);
-    command(m_ui->settingsAction, &ViewController::messagingSettingsRequested);
-    command(m_ui->cloudAccountAction, &ViewController::cloudAccountRequested);
-    command(m_ui->notesAction, &ViewController::notesRequested);
-    command(m_ui->whiteboardAction, &ViewController::whiteboardRequested);
-    command(m_ui->earlierVersionsAction, &ViewController::earlierVersionsRequested);
-    command(m_ui->eraserAction, &ViewController::eraserRequested);
-    command(m_ui->startPageAction, [this] { addEnhancement(m_ui->startPageAction); });
-    command(m_ui->newTaskAction, [this] { newTask(); });
-    command(m_ui->editAction, [this] { editTask(); });
-    command(m_ui->shareAction, [this] { sharingTask(shareButton); });
-    command(m_ui->updateToCloudAction, [this] { UpdateToCloud(m_ui->updateToCloudAction); });
-    command(m_ui->updateFromCloudAction, [this] { UpdateFromCoud(m_ui->updateFromCloudAction); });
-    command(m_ui->aboutAction, [this] { about(); });
-    command(m_ui->quitAction, [this] { close(); });
+    using Command = void (ViewController::*)();
+    const std::initializer_list<std::pair<QAction *, Command>> commands = {
+        {m_ui->newTaskAction, &ViewController::newTask},
+        {m_ui->editAction, &ViewController::editTask},
+        {m_ui->hideAction, &ViewController::hideClicked},
+        {m_ui->moveUpAction, &ViewController::upper},
+        {m_ui->moveDownAction, &ViewController::downer},
+        {m_ui->copyAction, &ViewController::copyTask},
+        {m_ui->copyKeyAction, &ViewController::copyKey},
+        {m_ui->findAction, &ViewController::find},
+        {m_ui->clientsAction, &ViewController::clientsRequested},
+        {m_ui->teamMembersAction, &ViewController::teamMembersRequested},
+        {m_ui->sendAction, &ViewController::sendingRequested},
+        {m_ui->settingsAction, &ViewController::messagingSettingsRequested},
+        {m_ui->cloudAccountAction, &ViewController::cloudAccountRequested},
+        {m_ui->notesAction, &ViewController::notesRequested},
+        {m_ui->whiteboardAction, &ViewController::whiteboardRequested},
+        {m_ui->earlierVersionsAction, &ViewController::earlierVersionsRequested},
+        {m_ui->eraserAction, &ViewController::eraserRequested},
+        {m_ui->aboutAction, &ViewController::about}};
+    for (const auto &[action, command] : commands)
+        connect(action, &QAction::triggered, this, command);
+
+    using SentCommand = void (ViewController::*)(QObject * sender);
+    const std::initializer_list<std::pair<QAction *, SentCommand>> sentCommands = {
+        {m_ui->deleteAction, &ViewController::btnDeleteTask_Click},
+        {m_ui->cloneAction, &ViewController::cloneTask},
+        {m_ui->closeAction, &ViewController::closeTask},
+        {m_ui->shareAction, &ViewController::sharingTask},
+        {m_ui->startPageAction, &ViewController::addEnhancement},
+        {m_ui->updateToCloudAction, &ViewController::UpdateToCloud},
+        {m_ui->updateFromCloudAction, &ViewController::UpdateFromCoud}};
+    for (const auto &[action, command] : sentCommands) {
+        QObject *sender = m_ui->commandBar->widgetForAction(action);
+        connect(action, &QAction::triggered, this, std::bind_front(command, this, sender));
+    }
+    connect(m_ui->clearSearchAction, &QAction::triggered, m_ui->searchField, &QLineEdit::clear);
+    connect(m_ui->quitAction, &QAction::triggered, this, &QWidget::close);
 
     connect(&m_store, &TaskManager::cloudWaitBegan, this, &ViewController::holdCommands);
     connect(&m_store, &TaskManager::cloudProgressed, this, &ViewController::showCloudProgress);
     connect(&m_store, &TaskManager::cloudWaitEnded, this, &ViewController::releaseCommands);
     connect(&m_store, &TaskManager::cloudFailed, this, &ViewController::showCloudCause);
     connect(&m_store, &TaskManager::cloudSucceeded, this, [this] { showCloudCause({}); });
-    connect(viewSelection, &QComboBox::currentIndexChanged, this, &ViewController::ChangeView);
-    connect(searchField, &QLineEdit::textChanged, this, &ViewController::search);
-    connect(searchField, &SearchField::left, tblView, [this] {
-        tblView->setFocus(Qt::OtherFocusReason);
-        if (m_model.rowCount() > 0 && !tblView->selectionModel()->hasSelection())
-            tblView->selectRow(0);
+    connect(m_ui->viewSelection, &QComboBox::currentIndexChanged, this, &ViewController::ChangeView);
+    connect(m_ui->searchField, &QLineEdit::textChanged, this, &ViewController::search);
+    connect(m_ui->searchField, &SearchField::left, m_ui->tblView, [this] {
+        m_ui->tblView->setFocus(Qt::OtherFocusReason);
+        if (m_model.rowCount() > 0 && !m_ui->tblView->selectionModel()->hasSelection())
+            m_ui->tblView->selectRow(0);
     });
     m_ui->editAction->setShortcuts({m_ui->editAction->shortcut(), Qt::Key_F2});
-    connect(tblView, &QTableView::doubleClicked, this, &ViewController::doubleClickTable);
+    connect(m_ui->tblView, &QTableView::doubleClicked, this, &ViewController::doubleClickTable);
     for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter}) {
-        auto *shortcut = new QShortcut(key, tblView);
+        auto *shortcut = new QShortcut(key, m_ui->tblView);
         shortcut->setContext(Qt::WidgetShortcut);
         connect(shortcut, &QShortcut::activated, this, &ViewController::editTask);
     }
+}
+
+void ViewController::find()
+{
+    m_ui->searchField->setFocus(Qt::ShortcutFocusReason);
+    m_ui->searchField->selectAll();
 }
 
 void ViewController::fillViews()
 {
     m_views = new QActionGroup(this);
     const QStringList labels = viewLabels();
-    viewSelection->addItems(labels);
-    viewSelection->setMaxVisibleItems(static_cast<int>(labels.size()));
+    m_ui->viewSelection->addItems(labels);
+    m_ui->viewSelection->setMaxVisibleItems(static_cast<int>(labels.size()));
     for (int i = 0; i < labels.size(); ++i) {
-        QAction *action =
-            m_ui->viewMenu->addAction(labels.at(i), this, [this, i] { viewSelection->setCurrentIndex(i); });
+        QAction *action = m_ui->viewMenu->addAction(labels.at(i), this,
+                                                    [this, i] { m_ui->viewSelection->setCurrentIndex(i); });
         action->setCheckable(true);
         action->setChecked(i == 0);
         action->setShortcut(QKeySequence(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_0 + (i + 1) % 10)));
@@ -169,7 +172,7 @@ void ViewController::fillSortMenu()
 {
     m_ui->viewMenu->addSeparator();
     QMenu *menu = m_ui->viewMenu->addMenu(tr("&Sort By"));
-    QHeaderView *header = tblView->horizontalHeader();
+    QHeaderView *header = m_ui->tblView->horizontalHeader();
     for (int column = 0; column < m_model.columnCount(); ++column) {
         menu->addAction(TaskTableModel::titles().at(column), this,
                         [header, column] { header->setSortIndicator(column, Qt::AscendingOrder); });
@@ -181,12 +184,12 @@ void ViewController::fillSortMenu()
 
 void ViewController::prepareTable()
 {
-    tblView->setModel(&m_model);
-    m_emptyState = new EmptyState(tblView->viewport());
+    m_ui->tblView->setModel(&m_model);
+    m_emptyState = new EmptyState(m_ui->tblView->viewport());
 
-    connect(tblView->horizontalHeader(), &QHeaderView::sortIndicatorChanged, this,
+    connect(m_ui->tblView->horizontalHeader(), &QHeaderView::sortIndicatorChanged, this,
             &ViewController::sortDescriptorsDidChange);
-    connect(tblView->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+    connect(m_ui->tblView->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &ViewController::tableViewSelectionDidChange);
     resize(size().boundedTo(screen()->availableSize()));
 }

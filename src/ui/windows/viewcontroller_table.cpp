@@ -24,7 +24,7 @@ namespace oblino {
 void ViewController::search()
 {
     const QString key = keyOfShownSelection();
-    const QString term = searchField->text();
+    const QString term = m_ui->searchField->text();
     if (!term.isEmpty()) {
         trace(term);
         m_store.setIsSearching(true);
@@ -42,7 +42,7 @@ void ViewController::search()
 
 void ViewController::endSearch()
 {
-    searchField->clear();
+    m_ui->searchField->clear();
     if (m_store.isSearching())
         search();
 }
@@ -79,7 +79,7 @@ void ViewController::sortDescriptorsDidChange(int section, Qt::SortOrder order)
 void ViewController::tableViewSelectionDidChange()
 {
     trace("Selection changed");
-    const QModelIndexList rows = tblView->selectionModel()->selectedRows(TaskTableModel::keyColumn);
+    const QModelIndexList rows = m_ui->tblView->selectionModel()->selectedRows(TaskTableModel::keyColumn);
     const int row = rows.isEmpty() ? -1 : rows.first().row();
     trace("Selected Row:", row);
     if (row >= 0) {
@@ -98,16 +98,16 @@ void ViewController::tableViewSelectionDidChange()
 
 void ViewController::reload()
 {
-    const QModelIndex current = tblView->currentIndex();
-    const int scrolled = tblView->verticalScrollBar()->value();
+    const QModelIndex current = m_ui->tblView->currentIndex();
+    const int scrolled = m_ui->tblView->verticalScrollBar()->value();
     const auto rows = static_cast<int>(numberOfRows());
     m_model.setRows(m_store.tasksInView());
     // The keyboard goes on from the row where it was; nothing is selected by that.
     if (rows > 0) {
         const QModelIndex near =
             m_model.index(std::clamp(current.row(), 0, rows - 1), std::max(current.column(), 0));
-        tblView->selectionModel()->setCurrentIndex(near, QItemSelectionModel::NoUpdate);
-        tblView->verticalScrollBar()->setValue(scrolled);
+        m_ui->tblView->selectionModel()->setCurrentIndex(near, QItemSelectionModel::NoUpdate);
+        m_ui->tblView->verticalScrollBar()->setValue(scrolled);
     }
     showCounts();
 }
@@ -115,7 +115,7 @@ void ViewController::reload()
 // Empty where the user sees no task selected, whatever the store has selected: no command acts then.
 QString ViewController::keyOfShownSelection() const
 {
-    const QModelIndexList rows = tblView->selectionModel()->selectedRows(TaskTableModel::keyColumn);
+    const QModelIndexList rows = m_ui->tblView->selectionModel()->selectedRows(TaskTableModel::keyColumn);
     if (rows.isEmpty() || m_store.getSelectedTaskIndex() < 0)
         return {};
     const QString key = rows.first().data().toString();
@@ -126,13 +126,13 @@ void ViewController::restoreSelection(const QString &key)
 {
     const int row = key.isEmpty() ? -1 : rowOfKey(key);
     if (row >= 0) {
-        tblView->selectRow(row);
-        tblView->scrollTo(m_model.index(row, tblView->currentIndex().column()));
+        m_ui->tblView->selectRow(row);
+        m_ui->tblView->scrollTo(m_model.index(row, m_ui->tblView->currentIndex().column()));
         return;
     }
     if (!key.isEmpty())
         disableSelectionButtons();
-    tblView->goToRow(0);
+    m_ui->tblView->goToRow(0);
 }
 
 int ViewController::rowOfKey(const QString &key) const
@@ -145,12 +145,12 @@ int ViewController::rowOfKey(const QString &key) const
 
 int ViewController::viewIndex() const
 {
-    return viewSelection->currentIndex();
+    return m_ui->viewSelection->currentIndex();
 }
 
 void ViewController::forgetSortOrder()
 {
-    QHeaderView *header = tblView->horizontalHeader();
+    QHeaderView *header = m_ui->tblView->horizontalHeader();
     const QSignalBlocker blocker(header);
     header->setSortIndicator(-1, Qt::AscendingOrder);
     header->viewport()->update();
@@ -159,7 +159,7 @@ void ViewController::forgetSortOrder()
 // An order that was made by hand has no other direction, so that of before is turned round.
 void ViewController::reverseOrder()
 {
-    tblView->horizontalHeader()->setSortIndicator(
+    m_ui->tblView->horizontalHeader()->setSortIndicator(
         m_sortColumn, m_sortOrder == Qt::AscendingOrder ? Qt::DescendingOrder : Qt::AscendingOrder);
 }
 
@@ -175,7 +175,7 @@ void ViewController::showCounts()
     m_emptyState->setVisible(shown == 0);
     if (shown > 0)
         return;
-    const EmptyText text = emptyText({.view = viewSelection->currentText(),
+    const EmptyText text = emptyText({.view = m_ui->viewSelection->currentText(),
                                       .searchTerm = m_store.isSearching() ? m_store.searchTerm() : QString(),
                                       .all = all,
                                       .matches = m_store.tasks().size()});
