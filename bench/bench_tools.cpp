@@ -44,7 +44,7 @@ public:
 class NoPicker : public SharingPicker
 {
 public:
-    void show(const QList<SharingItem> &, QObject *, Edge) override {}
+    void show(const QVariantList &, QObject *, Edge) override {}
 };
 
 template<typename Act>

@@ -9,7 +9,7 @@ build_packages=(
 )
 # What the built program loads at run time.
 run_packages=(
-    libqt6svg6 libqt6sql6-sqlite libqt6sql6-psql libqt6multimedia6 libsecret-1-0 ca-certificates fonts-dejavu-core
+    libqt6svg6 libqt6sql6-sqlite libqt6sql6-psql libqt6multimedia6 libsecret-1-0 xdg-utils ca-certificates fonts-dejavu-core
 )
 # For a machine without a display.
 display_packages=(xvfb xauth xdotool imagemagick)

@@ -13,6 +13,7 @@
 #include <controls/theme.h>
 #include <core/taskmanager.h>
 #include <desktop/singleinstance.h>
+#include <desktop/soundplayer.h>
 #include <files/defaults.h>
 #include <files/documents.h>
 #include <files/earlierversions.h>
@@ -63,7 +64,7 @@ CloudAccounts desktopAccounts()
 
 Application::Application(SingleInstance &instance)
     : m_portal(Appearance::standard(), QDBusConnection::sessionBus())
-    , m_sharingMenu(QDBusConnection::sessionBus(), contactsFolder() + QStringLiteral("/drafts"))
+    , m_sharingMenu(contactsFolder() + QStringLiteral("/drafts"))
     , m_keyring(QStringLiteral("oblino"))
     , m_cloud(desktopAccounts(), contactsFolder() + QStringLiteral("/Cloud.sqlite"), m_keyring,
               {&taskRecordType()})
@@ -95,6 +96,7 @@ void Application::start()
     followDay();
 
     tskMgr().setSharingPicker(&m_sharingMenu);
+    uiUtil().setSounds(&SoundPlayer::make);
     tskMgr().setCloud(&m_cloud.container(), &NotificationCenter::standard());
     m_mainWindow = std::make_unique<ViewController>(tskMgr(), Documents::standard(), uiUtil(),
                                                     NotificationCenter::standard(), contactsFolder());
@@ -311,7 +313,7 @@ void Application::forget(DataKind kind)
         }
         break;
     case DataKind::Whiteboard:
-        m_sharingMenu.forget();
+        m_sharingMenu.removeDraft();
         if (auto *board = m_mainWindow->findChild<ViewControllerWhiteboard *>();
             board && !board->isVisible()) {
             board->discard();

@@ -1,17 +1,10 @@
 #pragma once
 
-#include <QImage>
-#include <QList>
-#include <QString>
-
-#include <variant>
+#include <QVariantList>
 
 class QObject;
 
 namespace oblino {
-
-/// One piece of what is shared: a text or a picture.
-using SharingItem = std::variant<QString, QImage>;
 
 /// Offers texts and pictures to the desktop's ways of passing them on.
 class SharingPicker
@@ -24,9 +17,10 @@ public:
 
     enum class Edge { Left, Top };
 
-    /// Shows what can be done with the items, at that edge of the control where the screen has room there.
-    /// The control may be gone by the time; then nothing is shown. The control's window may close meanwhile.
-    virtual void show(const QList<SharingItem> &items, QObject *control, Edge edge) = 0;
+    /// Shows what can be done with the items, each a text (QString) or a picture (QImage), at that edge of
+    /// the control where the screen has room there. The control may be gone by the time; then nothing is
+    /// shown. The control's window may close meanwhile.
+    virtual void show(const QVariantList &items, QObject *control, Edge edge) = 0;
 };
 
 } // namespace oblino

@@ -4,9 +4,9 @@
 
 #include <QDesktopServices>
 #include <QFileDialog>
+#include <QImage>
 #include <QMenu>
 #include <QMessageBox>
-#include <QPointer>
 #include <QSaveFile>
 #include <QScreen>
 #include <QWidget>
@@ -49,13 +49,13 @@ QWidget *outermostWindow(QWidget *widget)
 
 struct SharingMenu::Content
 {
-    explicit Content(const QList<SharingItem> &items)
+    explicit Content(const QVariantList &items)
     {
-        for (const SharingItem &item : items) {
-            if (const auto *part = std::get_if<QString>(&item))
-                text += *part;
+        for (const QVariant &item : items) {
+            if (item.typeId() == QMetaType::QImage)
+                image = item.value<QImage>();
             else
-                image = std::get<QImage>(item);
+                text += item.toString();
         }
     }
 
@@ -79,12 +79,12 @@ struct SharingMenu::Content
     QImage image; // null without one
 };
 
-SharingMenu::SharingMenu(const QDBusConnection &bus, const QString &drafts)
-    : m_portal(bus, drafts)
+SharingMenu::SharingMenu(const QString &drafts)
+    : m_draft(drafts)
 {
 }
 
-void SharingMenu::show(const QList<SharingItem> &items, QObject *control, Edge edge)
+void SharingMenu::show(const QVariantList &items, QObject *control, Edge edge)
 {
     auto *widget = qobject_cast<QWidget *>(control);
     if (!widget)
@@ -105,34 +105,32 @@ void SharingMenu::show(const QList<SharingItem> &items, QObject *control, Edge e
 void SharingMenu::addDrafts(QMenu &menu, const Content &content, QWidget *window)
 {
     const QUrl draft = draftOf(content.text);
-    QAction *mail =
-        menu.addAction(QObject::tr("&E-mail Draft"), &menu, [draft] { QDesktopServices::openUrl(draft); });
-    mail->setEnabled(draft.toEncoded().size() <= longestDraft);
+    QAction *mail = menu.addAction(QObject::tr("&E-mail Draft"));
+    if (!content.image.isNull() && EmailDraft::isPossible()) {
+        QObject::connect(mail, &QAction::triggered, &menu,
+                         [this, content, window] { openDraft(content, window); });
+        return;
+    }
+    QObject::connect(mail, &QAction::triggered, &menu, [draft] { QDesktopServices::openUrl(draft); });
     if (!content.image.isNull()) {
         mail->setText(QObject::tr("&E-mail Draft Without the Picture"));
         mail->setToolTip(QObject::tr("Save the picture as a file and attach that to the draft."));
-        QAction *whole = menu.addAction(QObject::tr("&E-mail Draft"), &menu,
-                                        [this, content, window] { openDraft(content, window); });
-        whole->setVisible(false);
-        m_portal.whenPresent(&menu, [mail, whole] {
-            mail->setVisible(false);
-            whole->setVisible(true);
-        });
     }
+    mail->setEnabled(draft.toEncoded().size() <= longestDraft);
     if (!mail->isEnabled())
         mail->setToolTip(QObject::tr("The text is too long for a draft. Save it as a file and attach that."));
 }
 
 void SharingMenu::openDraft(const Content &content, QWidget *window)
 {
-    m_portal.compose(
-        content.text, content.image, pictureName, [window = QPointer(window)](const QString &error) {
-            auto *box = new QMessageBox(QMessageBox::Warning, QString(),
-                                        QObject::tr("The draft could not be opened: %1").arg(error),
-                                        QMessageBox::Ok, window);
-            box->setAttribute(Qt::WA_DeleteOnClose);
-            box->open();
-        });
+    const QString error = m_draft.compose(content.text, content.image, pictureName);
+    if (error.isEmpty())
+        return;
+    auto *box =
+        new QMessageBox(QMessageBox::Warning, QString(),
+                        QObject::tr("The draft could not be opened: %1").arg(error), QMessageBox::Ok, window);
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    box->open();
 }
 
 QUrl SharingMenu::draftOf(const QString &text)

@@ -1,7 +1,7 @@
 #pragma once
 
 #include <base/sharingpicker.h>
-#include <desktop/emailportal.h>
+#include <controls/emaildraft.h>
 
 #include <QUrl>
 
@@ -11,19 +11,18 @@ class QWidget;
 namespace oblino {
 
 /// Offers the items in a menu: copy them, open them as the draft of an e-mail, save as a file. The texts are
-/// joined; the file is the picture where there is one, else the texts. The draft has the picture where the
-/// desktop has the e-mail portal, else the texts alone.
+/// joined; the file is the picture where there is one, else the texts. The draft has the picture where
+/// xdg-email is installed, else the texts alone.
 class SharingMenu : public SharingPicker
 {
 public:
-    /// @param bus     the session's
-    /// @param drafts  the folder for what drafts need; see EmailPortal
-    SharingMenu(const QDBusConnection &bus, const QString &drafts);
+    /// @param drafts  the folder for what drafts need; see EmailDraft
+    explicit SharingMenu(const QString &drafts);
 
-    void show(const QList<SharingItem> &items, QObject *control, Edge edge) override;
+    void show(const QVariantList &items, QObject *control, Edge edge) override;
 
     /// Removes what was written for a draft.
-    void forget() { m_portal.forget(); }
+    void removeDraft() { m_draft.discard(); }
 
     /// The address that opens a mail program with the text as the body of a draft (RFC 6068).
     [[nodiscard]] static QUrl draftOf(const QString &text);
@@ -35,7 +34,7 @@ private:
     void openDraft(const Content &content, QWidget *window);
     static void saveAsFile(const Content &content, QWidget *window);
 
-    EmailPortal m_portal;
+    EmailDraft m_draft;
 };
 
 } // namespace oblino

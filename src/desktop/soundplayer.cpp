@@ -20,21 +20,21 @@ namespace {
 constexpr auto afterTheFirstPaint = 1500ms;
 } // namespace
 
-SoundPlayer::SoundPlayer(QString resource, QObject *parent)
-    : QObject(parent)
-    , m_resource(std::move(resource))
+SoundPlayer::SoundPlayer(QString resource)
+    : m_resource(std::move(resource))
 {
 }
 
 SoundPlayer::~SoundPlayer() = default;
 
-bool SoundPlayer::exists(const QString &resource)
+std::unique_ptr<Sound> SoundPlayer::make(const QString &resource)
 {
-    return QFile::exists(resource);
+    return QFile::exists(resource) ? std::make_unique<SoundPlayer>(resource) : nullptr;
 }
 
-void SoundPlayer::prepare()
+void SoundPlayer::prepare(std::function<void(const QString &description)> failed)
 {
+    m_failed = std::move(failed);
     QTimer::singleShot(afterTheFirstPaint, this, &SoundPlayer::makePlayer);
 }
 
@@ -45,7 +45,7 @@ void SoundPlayer::play()
         return;
     // Without a device the ffmpeg backend writes to a null pointer.
     if (QMediaDevices::defaultAudioOutput().isNull()) {
-        Q_EMIT failed(QStringLiteral("no audio device"));
+        m_failed(QStringLiteral("no audio device"));
         return;
     }
     m_player->stop(); // back to the beginning
@@ -61,7 +61,7 @@ void SoundPlayer::makePlayer()
     connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, this, [this] { m_player.reset(); });
     m_player->setAudioOutput(new QAudioOutput(m_player.get()));
     connect(m_player.get(), &QMediaPlayer::errorOccurred, this,
-            [this](QMediaPlayer::Error, const QString &description) { Q_EMIT failed(description); });
+            [this](QMediaPlayer::Error, const QString &description) { m_failed(description); });
     m_player->setSource(QUrl(QStringLiteral("qrc") + m_resource));
 }
 

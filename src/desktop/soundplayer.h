@@ -1,9 +1,8 @@
 #pragma once
 
-#include <QObject>
-#include <QString>
+#include <base/sound.h>
 
-#include <memory>
+#include <QObject>
 
 class QMediaPlayer;
 
@@ -11,30 +10,25 @@ namespace oblino {
 
 /// Plays one short sound of the application's resources. The audio system is woken only when the event loop
 /// runs for the first time after prepare(), so that preparing costs a starting program nothing.
-class SoundPlayer : public QObject
+class SoundPlayer : public QObject, public Sound
 {
     Q_OBJECT
 
 public:
-    /// @param resource  the path of an MP3 resource, as in ":/sounds/ding.mp3"
-    explicit SoundPlayer(QString resource, QObject *parent = nullptr);
+    /// The sound of an MP3 resource, as in ":/sounds/ding.mp3"; null where there is no such resource.
+    [[nodiscard]] static std::unique_ptr<Sound> make(const QString &resource);
+
+    explicit SoundPlayer(QString resource);
     ~SoundPlayer() override;
 
-    /// Whether the application has such a resource.
-    [[nodiscard]] static bool exists(const QString &resource);
-
-    void prepare();
-    /// Plays from the beginning, preparing first where that has not happened yet.
-    void play();
-
-Q_SIGNALS:
-    /// The sound cannot be played; the description is the audio system's.
-    void failed(const QString &description);
+    void prepare(std::function<void(const QString &description)> failed) override;
+    void play() override;
 
 private:
     void makePlayer();
 
     QString m_resource;
+    std::function<void(const QString &description)> m_failed = [](const QString &) {};
     std::unique_ptr<QMediaPlayer> m_player;
 };
 

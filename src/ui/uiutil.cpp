@@ -6,18 +6,11 @@
 #include <controls/messageboxalert.h>
 #include <core/celltext.h>
 #include <core/days.h>
-#include <desktop/soundplayer.h>
 
 #include <algorithm>
 #include <utility>
 
 namespace oblino {
-
-namespace {
-
-const QString sound = QStringLiteral(":/sounds/ding.mp3");
-
-} // namespace
 
 UIUtil::UIUtil(std::unique_ptr<Alert> alert)
     : m_alert(std::move(alert))
@@ -79,12 +72,12 @@ bool UIUtil::compareDate<bool>(const QDateTime &date1, const QDateTime &date2) c
 
 void UIUtil::prepareSound()
 {
-    if (!SoundPlayer::exists(sound))
+    auto made = m_sounds ? m_sounds(QStringLiteral(":/sounds/ding.mp3")) : nullptr;
+    if (!made)
         return;
-    soundPlayer = std::make_unique<SoundPlayer>(sound);
-    QObject::connect(soundPlayer.get(), &SoundPlayer::failed, soundPlayer.get(),
-                     [](const QString &description) { trace("Sound player not available: ", description); });
-    soundPlayer->prepare();
+    soundPlayer = std::move(made);
+    soundPlayer->prepare(
+        [](const QString &description) { trace("Sound player not available: ", description); });
 }
 
 void UIUtil::playSound()

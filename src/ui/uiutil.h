@@ -1,6 +1,7 @@
 #pragma once
 
 #include <base/alert.h>
+#include <base/sound.h>
 
 #include <QDate>
 #include <QDateTime>
@@ -8,10 +9,10 @@
 
 #include <memory>
 #include <optional>
+#include <utility>
 
 namespace oblino {
 
-class SoundPlayer;
 class TimeField;
 
 /// The small routines that every window uses: modal questions, the one-line cut of a description, day
@@ -46,6 +47,8 @@ public:
     template<typename Result>
     [[nodiscard]] Result compareDate(const QDateTime &date1, const QDateTime &date2) const;
 
+    /// Sets where sounds come from; without it there are none.
+    void setSounds(SoundMaker sounds) { m_sounds = std::move(sounds); }
     void prepareSound();
     void playSound();
 
@@ -61,7 +64,8 @@ public:
 
 private:
     std::unique_ptr<Alert> m_alert;
-    std::unique_ptr<SoundPlayer> soundPlayer; // none until prepareSound() has found the sound
+    SoundMaker m_sounds;
+    std::unique_ptr<Sound> soundPlayer; // none until prepareSound() has found the sound
 };
 
 template<>

@@ -24,13 +24,13 @@ inline const QList<QPoint> dash = {{400, 100}, {500, 100}};
 class RecordingPicker : public SharingPicker
 {
 public:
-    void show(const QList<SharingItem> &items, QObject *, Edge edge) override
+    void show(const QVariantList &items, QObject *, Edge edge) override
     {
         shared = items;
         isAbove = edge == Edge::Top;
     }
     bool isAbove = false;
-    QList<SharingItem> shared;
+    QVariantList shared;
 };
 
 inline QByteArray pngOf(const QSize &size, const QColor &color, QImage::Format format = QImage::Format_RGB32)
