@@ -7,6 +7,7 @@
 #include <base/appearance.h>
 #include <base/notificationcenter.h>
 #include <base/trace.h>
+#include <cloud/taskcloud.h>
 #include <cloud/taskrecord.h>
 #include <core/taskmanager.h>
 #include <files/defaults.h>
@@ -124,8 +125,10 @@ void measure(const char *engine, const RecordPlace &place, const QSqlDatabase &d
     Appearance appearance;
     NotificationCenter notifications;
     TaskManager store(settings, appearance);
+    std::unique_ptr<TaskCloud> copy; // goes after the container, whose answers it takes
     SqlCloudContainer container(place, {&taskRecordType()});
-    store.setCloud(&container, &notifications);
+    copy = std::make_unique<TaskCloud>(store, container, notifications);
+    store.setCloud(copy.get());
     const QList<task> tasks = generatedTasks(taskCount, QDate::currentDate());
     QList<CloudRecord> records;
     for (const task &t : tasks)

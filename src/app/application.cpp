@@ -6,6 +6,7 @@
 #include <base/notificationcenter.h>
 #include <base/trace.h>
 #include <base/unsavedwork.h>
+#include <cloud/taskcloud.h>
 #include <cloud/taskrecord.h>
 #include <contacts/contactmodel.h>
 #include <contacts/windows/viewcontrollerclientmgmt.h>
@@ -77,7 +78,7 @@ Application::~Application()
 {
     s_running = nullptr;
     FileCalls::posix().setProgressHandler(nullptr);
-    tskMgr().setCloud(nullptr, nullptr);
+    tskMgr().setCloud(nullptr);
     if (m_sendingRun.isRunning()) { // else the gateway would be made only to be stopped
         m_sendingRun.stop();
         smsGateway().stop();
@@ -97,7 +98,8 @@ void Application::start()
 
     tskMgr().setSharingPicker(&m_sharingMenu);
     uiUtil().setSounds(&SoundPlayer::make);
-    tskMgr().setCloud(&m_cloud.container(), &NotificationCenter::standard());
+    m_taskCloud = std::make_unique<TaskCloud>(tskMgr(), m_cloud.container(), NotificationCenter::standard());
+    tskMgr().setCloud(m_taskCloud.get());
     m_mainWindow = std::make_unique<ViewController>(tskMgr(), Documents::standard(), uiUtil(),
                                                     NotificationCenter::standard(), contactsFolder());
     connect(m_mainWindow.get(), &ViewController::terminationRequested, this, &Application::terminate);

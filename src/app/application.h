@@ -18,6 +18,7 @@
 namespace oblino {
 
 class SingleInstance;
+class TaskCloud;
 enum class DataKind;
 struct FetchRequest;
 class ViewController;
@@ -68,6 +69,7 @@ private:
     PortalAppearance m_portal;
     SharingMenu m_sharingMenu;
     Keyring m_keyring;
+    std::unique_ptr<TaskCloud> m_taskCloud; // goes after the session, whose answers it takes
     CloudSession m_cloud;
     NoticeLog m_notices;
     SendingRun m_sendingRun;

@@ -75,12 +75,20 @@ void TaskManager::editSelectedTask(const QDateTime &date, const QString &name, c
                                    qint64 startMin, qint64 endHour, qint64 endMin, const QString &client,
                                    const QString &teamMember)
 {
+    editSelectedTask(makeTask({}, date, name, desc, color, due, status, priority, statusName, priorityName,
+                              false, startHour, startMin, endHour, endMin, client, teamMember));
+}
+
+void TaskManager::editSelectedTask(const task &t)
+{
     if (hasSelection()) {
-        task &t = selectedList()[m_selected];
-        t = makeTask(t.key, date, name, desc, color, due, status, priority, statusName, priorityName,
-                     t.hidden, startHour, startMin, endHour, endMin, client, teamMember);
+        task &edited = selectedList()[m_selected];
+        task made = t;
+        made.key = edited.key;
+        made.hidden = edited.hidden;
+        edited = std::move(made);
     }
-    m_defaultTimes = {startHour, startMin, endHour, endMin};
+    m_defaultTimes = {t.startHour, t.startMin, t.endHour, t.endMin};
     trace("Edit Task");
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <core/cellidentifiers.h>
+#include <core/cloudoperations.h>
 #include <core/sortdescriptor.h>
 #include <core/task.h>
 
@@ -16,19 +17,10 @@
 namespace oblino {
 
 class Appearance;
-class CloudContainer;
-class CloudOperation;
-class CloudRecord;
-class CloudWork;
 class ColorWell;
 class Defaults;
-class NotificationCenter;
 class SharingPicker;
 class TextView;
-enum class AccountStatus;
-struct CloudError;
-struct RecordQuery;
-struct RecordZone;
 
 /// The task store: the task list, the list that the main window shows, the full list while a search is
 /// active, the selection, the default times of new tasks, and the settings. It is used on the user-interface
@@ -149,24 +141,21 @@ public:
                           const QDateTime &due, qint64 status, qint64 priority, const QString &statusName,
                           const QString &priorityName, qint64 startHour, qint64 startMin, qint64 endHour,
                           qint64 endMin, const QString &client, const QString &teamMember);
+    /// The same with the fields of a task.
+    void editSelectedTask(const task &t);
 
     /// Rebuilds tasksInView() for the view of that index.
     void setFilter(qint64 itemStatus);
 
-    // Cloud; the cloud library carries these out. Without a container they do nothing and return false.
+    // The cloud copy, see CloudOperations. Without one they do nothing and return false.
 
     class CloudKitController;
     class CloudKitError;
     template<typename Success, typename Failure>
     class CloudKitResult;
-    using ZoneHandler =
-        std::function<void(const std::optional<RecordZone> &zone, const std::optional<CloudError> &error)>;
 
-    /// Sets the container in which the cloud copy lies. It may be null, and goes before the store does.
-    /// @param notifications  told "update" when lastMessage() has changed, and "reload" when the list has
-    /// @param patience       how long an operation that waits goes without any answer before it gives up
-    void setCloud(CloudContainer *container, NotificationCenter *notifications,
-                  std::chrono::milliseconds patience = std::chrono::seconds(30));
+    /// Sets the cloud copy. It may be null, and goes before the store does.
+    void setCloud(CloudOperations *cloud) { m_cloud = cloud; }
 
     /// Asks for a new record of a task. @return the flag so far; the answers come later
     bool addTaskToCloud(const QString &key, const QDateTime &date, const QString &name, const QString &desc,
@@ -192,7 +181,7 @@ public:
     /// @return whether it was done
     bool syncToLocalFromCloud();
     /// Saves a record zone "SharingZone". @param completionHandler  called on a thread of the service
-    void createSharingZone(ZoneHandler completionHandler);
+    void createSharingZone(CloudOperations::ZoneHandler completionHandler);
     /// Traces who of the cloud's users has that phone number.
     void discoverUsersUsingApp(const QString &phone);
 
@@ -243,7 +232,7 @@ public:
     [[nodiscard]] bool getHiddenSelected() const;
 
     /// Whether an operation on the whole cloud copy waits for answers.
-    [[nodiscard]] bool isWaitingForCloud() const { return m_cloudWaits > 0; }
+    [[nodiscard]] bool isWaitingForCloud() const { return m_cloud && m_cloud->isWaiting(); }
 
 Q_SIGNALS:
     /// The user has added a task, or brought one back. The list may be told of as changed after this.
@@ -265,21 +254,6 @@ private:
     [[nodiscard]] QString text(const QString &key) const;
     void setHiddenOfSelected(bool hidden);
 
-    [[nodiscard]] std::shared_ptr<CloudOperation> beginCloudOperation(const std::shared_ptr<CloudWork> &work,
-                                                                      const char *noAccountMessage = nullptr);
-    void handleAccountStatus(AccountStatus status, const QString &reason, CloudOperation &operation,
-                             const char *noAccountMessage);
-    [[nodiscard]] bool
-    doInCloud(const std::function<bool(const std::shared_ptr<CloudWork> &work)> &operation);
-    void tellOutcome(bool succeeded, const QString &cause);
-    [[nodiscard]] bool addToCloud(const task &t, const std::shared_ptr<CloudWork> &work);
-    [[nodiscard]] bool editInCloud(const task &t, const std::shared_ptr<CloudWork> &work);
-    void saveToCloud(const CloudRecord &record, const std::shared_ptr<CloudOperation> &operation);
-    [[nodiscard]] bool deleteFromCloud(const RecordQuery &query, const std::shared_ptr<CloudWork> &work);
-    [[nodiscard]] bool hasSucceeded(CloudWork &work);
-    void mergeFromCloud(const QList<CloudRecord> &records, CloudOperation &operation);
-    void mergeIntoSelected(const task &t);
-
     QList<task> m_tasks;
     QList<task> m_tasksInView;
     QList<task> m_backupTasks;
@@ -291,10 +265,7 @@ private:
     Defaults &defaults;
     Appearance &m_appearance;
     SharingPicker *m_sharingPicker = nullptr;
-    CloudContainer *m_cloudContainer = nullptr;
-    NotificationCenter *m_notifications = nullptr; // set with the container
-    std::chrono::milliseconds m_cloudPatience = {};
-    int m_cloudWaits = 0;
+    CloudOperations *m_cloud = nullptr;
 };
 
 /// The task store of the application, made on first use.

@@ -6,6 +6,7 @@
 
 #include <base/appearance.h>
 #include <base/notificationcenter.h>
+#include <cloud/taskcloud.h>
 #include <cloud/taskrecord.h>
 #include <core/taskmanager.h>
 #include <files/defaults.h>
@@ -17,11 +18,12 @@ namespace oblino {
 class Cloud
 {
 public:
-    explicit Cloud(std::chrono::milliseconds patience = std::chrono::seconds(30))
+    explicit Cloud(std::chrono::milliseconds timeout = std::chrono::seconds(30))
+        : copy(store, container, notifications, timeout)
     {
         for (const char *name : {"reload", "update"})
             notifications.observe(QLatin1String(name), &notifications, [this, name] { told += name; });
-        store.setCloud(&container, &notifications, patience);
+        store.setCloud(&copy);
     }
 
     /// All records, in the order of the service.
@@ -51,6 +53,7 @@ public:
     NotificationCenter notifications;
     QByteArrayList told;
     TaskManager store{settings, appearance};
+    TaskCloud copy;
     ScriptedContainer container{service}; // goes after the thread of the service
     const RecordPlace place{home.path(QStringLiteral("Cloud.sqlite"))};
     SqlCloudContainer service{place, {&taskRecordType()}};

@@ -1,5 +1,6 @@
 #include "../contacts/storecontacts.h"
 
+#include <cloud/taskcloud.h>
 #include <support/scriptedalert.h>
 #include <support/scriptedcontainer.h>
 #include <support/store.h>
@@ -49,7 +50,7 @@ struct Eraser : Store
         store.setTwilioSecret(u"secret setting"_s);
         store.setNotification(true);
         QVERIFY(store.saveSettings());
-        store.setCloud(&cloud, &notifications);
+        store.setCloud(&copy);
         QVERIFY(store.syncToCloudFromLocal());
         notifications.observe(u"reload"_s, &notifications, [this] {
             ++reloads;
@@ -67,7 +68,7 @@ struct Eraser : Store
     }
     ~Eraser()
     {
-        store.setCloud(nullptr, nullptr);
+        store.setCloud(nullptr);
         QDir::setCurrent(QDir::rootPath());
     }
 
@@ -114,6 +115,7 @@ struct Eraser : Store
     UIUtil utilities{std::make_unique<ScriptedAlert>(questions)};
     int reloads = 0;
     int erasuresTold = 0;
+    TaskCloud copy{store, cloud, notifications};
     ScriptedContainer cloud{service}; // goes after the thread of the service
     SqlCloudContainer service{{home.path(u"private/Cloud.sqlite"_s)}, {}};
     std::unique_ptr<ViewControllerDestroy> window;

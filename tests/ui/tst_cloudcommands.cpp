@@ -1,5 +1,6 @@
 #include "mainwindowfixture.h"
 
+#include <cloud/taskcloud.h>
 #include <support/scriptedcontainer.h>
 #include <support/testmain.h>
 
@@ -22,10 +23,11 @@ using Fate = ScriptedContainer::Fate;
 class CloudWindow : public MainWindow
 {
 public:
-    explicit CloudWindow(std::chrono::milliseconds patience = 30s)
+    explicit CloudWindow(std::chrono::milliseconds timeout = 30s)
         : MainWindow({{.name = "apple"}, {.name = "pear", .hidden = true}})
+        , copy(store, container, notifications, timeout)
     {
-        store.setCloud(&container, &notifications, patience);
+        store.setCloud(&copy);
     }
 
     void command(const char *name) const { action(name).trigger(); }
@@ -44,6 +46,7 @@ public:
         return questions.asked.value(questions.asked.size() - 1).informativeText;
     }
 
+    TaskCloud copy;
     ScriptedContainer container{service};
     const QString file = home.path(u"private/Cloud.sqlite"_s);
     SqlCloudContainer service{{file}, {}};
@@ -90,10 +93,8 @@ private Q_SLOTS:
     void saysWhyTheCloudFailsUntilItWorks()
     {
         CloudWindow main;
-        const auto open = [&main](CloudContainer &container) {
-            main.store.setCloud(&container, &main.notifications);
-        };
-        open(main.service); // whose status nobody has scripted
+        TaskCloud unscripted(main.store, main.service, main.notifications); // in its account's status
+        main.store.setCloud(&unscripted);
         QVERIFY(QDir().mkpath(main.home.privateFolder()));
         TemporaryHome::write(main.file, "Not at all");
         main.command("updateToCloudAction");
@@ -103,14 +104,15 @@ private Q_SLOTS:
         QCOMPARE(TemporaryHome::content(main.file), "Not at all");
 
         SqlCloudContainer fresh({main.home.path(u"private/Fresh.sqlite"_s)}, {});
-        open(fresh);
+        TaskCloud copy(main.store, fresh, main.notifications);
+        main.store.setCloud(&copy);
         main.command("updateFromCloudAction");
         QCOMPARE(main.cause(), u"There are no tasks in the cloud."_s);
         main.command("updateToCloudAction");
         QCOMPARE(main.lastAsked(), u"Sync to iCloud succesfully!"_s);
         QCOMPARE(main.status(), QString());
         QCOMPARE(main.cause(), QString());
-        open(main.service);
+        main.store.setCloud(&unscripted);
         main.clickRow(u"apple"_s);
         main.command("deleteAction");
         QTRY_COMPARE(main.cause(), main.file + u": file is not a database"_s);

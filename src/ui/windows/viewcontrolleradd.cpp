@@ -18,6 +18,8 @@
 #include <QLineEdit>
 #include <QPushButton>
 
+#include <utility>
+
 namespace oblino {
 
 ViewControllerAdd::ViewControllerAdd(const TaskWindowContext &context, QWidget *parent)
@@ -131,10 +133,9 @@ void ViewControllerAdd::btnAddTask_Click()
     trace("Button Pressed");
     if (!mayConfirm())
         return;
-    const task t = m_form->entered();
-    m_store.addTask({}, t.date, t.name, t.desc, t.color, t.due, t.status, t.priority, t.statusName,
-                    t.priorityName, false, t.startHour, t.startMin, t.endHour, t.endMin, t.client,
-                    t.teamMember);
+    task t = m_form->entered();
+    t.key.clear(); // the store makes one
+    m_store.addTask(std::move(t));
     m_form->setName({});
     m_form->setDescription({});
     m_form->color->deactivate();

@@ -168,10 +168,7 @@ bool ViewControllerEdit::save()
 {
     if (!mayConfirm() || !selectOwnTask())
         return false;
-    const task t = m_form->entered();
-    m_store.editSelectedTask(t.date, t.name, t.desc, t.color, t.due, t.status, t.priority, t.statusName,
-                             t.priorityName, t.startHour, t.startMin, t.endHour, t.endMin, t.client,
-                             t.teamMember);
+    m_store.editSelectedTask(m_form->entered());
     beginAfresh();
     return true;
 }

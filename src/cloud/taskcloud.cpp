@@ -1,5 +1,5 @@
-// The operations of the task store on single tasks in the cloud.
-#include <core/taskmanager.h>
+// The operations on single tasks.
+#include <cloud/taskcloud.h>
 
 #include <cloud/cloudwork.h>
 #include <cloud/taskrecord.h>
@@ -7,6 +7,7 @@
 #include <base/dispatch.h>
 #include <base/notificationcenter.h>
 #include <base/trace.h>
+#include <core/taskmanager.h>
 #include <records/cloudcontainer.h>
 
 namespace oblino {
@@ -49,21 +50,21 @@ RecordQuery byKey(const QString &key)
 
 } // namespace
 
-void TaskManager::setCloud(CloudContainer *container, NotificationCenter *notifications,
-                           std::chrono::milliseconds patience)
+TaskCloud::TaskCloud(TaskManager &store, CloudContainer &container, NotificationCenter &notifications,
+                     std::chrono::milliseconds timeout)
+    : m_store(store)
+    , m_container(container)
+    , m_notifications(notifications)
+    , m_timeout(timeout)
 {
-    m_cloudContainer = container;
-    m_notifications = notifications;
-    m_cloudPatience = patience;
 }
 
-std::shared_ptr<CloudOperation> TaskManager::beginCloudOperation(const std::shared_ptr<CloudWork> &work,
-                                                                 const char *noAccountMessage)
+std::shared_ptr<CloudOperation> TaskCloud::beginOperation(const Work &work, const char *noAccountMessage)
 {
-    trace("Container:", [this] { return m_cloudContainer->description(); });
+    trace("Container:", [this] { return m_container.description(); });
     auto operation = std::make_shared<CloudOperation>(work);
-    m_cloudContainer->accountStatus([this, operation, noAccountMessage, ticket = work->ask()](
-                                        AccountStatus status, const auto &error, const QString &reason) {
+    m_container.accountStatus([this, operation, noAccountMessage, ticket = work->ask()](
+                                  AccountStatus status, const auto &error, const QString &reason) {
         if (error) {
             ticket->settle();
             return;
@@ -76,24 +77,22 @@ std::shared_ptr<CloudOperation> TaskManager::beginCloudOperation(const std::shar
     return operation;
 }
 
-void TaskManager::handleAccountStatus(AccountStatus status, const QString &reason, CloudOperation &operation,
-                                      const char *noAccountMessage)
+void TaskCloud::handleAccountStatus(AccountStatus status, const QString &reason, CloudOperation &operation,
+                                    const char *noAccountMessage)
 {
     const StatusWords words = wordsFor(status);
     trace(words.traced);
     if (words.message) {
         const bool ownWords = status == AccountStatus::NoAccount && noAccountMessage;
-        setLastMessage(QLatin1String(ownWords ? noAccountMessage : words.message));
+        m_store.setLastMessage(QLatin1String(ownWords ? noAccountMessage : words.message));
         operation.clear(reason);
     }
-    m_notifications->post(QStringLiteral("update"));
+    m_notifications.post(QStringLiteral("update"));
 }
 
 // For an operation that does not wait. Its outcome is told when it is known.
-bool TaskManager::doInCloud(const std::function<bool(const std::shared_ptr<CloudWork> &work)> &operation)
+bool TaskCloud::perform(const std::function<bool(const Work &work)> &operation)
 {
-    if (!m_cloudContainer)
-        return false;
     const auto work = std::make_shared<CloudWork>();
     const auto untilAllIsAsked = work->ask();
     work->setOnDone([this, done = work.get()] {
@@ -106,54 +105,41 @@ bool TaskManager::doInCloud(const std::function<bool(const std::shared_ptr<Cloud
     return flag;
 }
 
-void TaskManager::tellOutcome(bool succeeded, const QString &cause)
+void TaskCloud::tellOutcome(bool succeeded, const QString &cause)
 {
     if (!succeeded) {
-        Q_EMIT cloudFailed(cause);
+        Q_EMIT m_store.cloudFailed(cause);
         return;
     }
-    if (isFailure(m_lastMessage)) { // which is no longer true
-        setLastMessage({});
-        m_notifications->post(QStringLiteral("update"));
+    if (isFailure(m_store.lastMessage())) { // which is no longer true
+        m_store.setLastMessage({});
+        m_notifications.post(QStringLiteral("update"));
     }
-    Q_EMIT cloudSucceeded();
+    Q_EMIT m_store.cloudSucceeded();
 }
 
-bool TaskManager::addTaskToCloud(const QString &key, const QDateTime &date, const QString &name,
-                                 const QString &desc, const Color &color, const QDateTime &due, qint64 status,
-                                 qint64 priority, const QString &statusName, const QString &priorityName,
-                                 bool hidden, qint64 startHour, qint64 startMin, qint64 endHour,
-                                 qint64 endMin, const QString &client, const QString &teamMember)
+bool TaskCloud::addTask(const task &t)
 {
-    const task t = makeTask(key, date, name, desc, color, due, status, priority, statusName, priorityName,
-                            hidden, startHour, startMin, endHour, endMin, client, teamMember);
-    return doInCloud([&](const auto &work) { return addToCloud(t, work); });
+    return perform([&](const Work &work) { return add(t, work); });
 }
 
-bool TaskManager::editTaskToCloud(const QString &key, const QDateTime &date, const QString &name,
-                                  const QString &desc, const Color &color, const QDateTime &due,
-                                  qint64 status, qint64 priority, const QString &statusName,
-                                  const QString &priorityName, bool hidden, qint64 startHour, qint64 startMin,
-                                  qint64 endHour, qint64 endMin, const QString &client,
-                                  const QString &teamMember)
+bool TaskCloud::editTask(const task &t)
 {
-    const task t = makeTask(key, date, name, desc, color, due, status, priority, statusName, priorityName,
-                            hidden, startHour, startMin, endHour, endMin, client, teamMember);
-    return doInCloud([&](const auto &work) { return editInCloud(t, work); });
+    return perform([&](const Work &work) { return edit(t, work); });
 }
 
-bool TaskManager::addToCloud(const task &t, const std::shared_ptr<CloudWork> &work)
+bool TaskCloud::add(const task &t, const Work &work)
 {
-    const std::shared_ptr<CloudOperation> operation = beginCloudOperation(work);
-    saveToCloud(newTaskRecord(t, inDarkMode()), operation);
+    const std::shared_ptr<CloudOperation> operation = beginOperation(work);
+    save(newTaskRecord(t, m_store.inDarkMode()), operation);
     trace("Add Task to Cloud, hidden:", t.hidden);
     return operation->flag();
 }
 
-bool TaskManager::editInCloud(const task &t, const std::shared_ptr<CloudWork> &work)
+bool TaskCloud::edit(const task &t, const Work &work)
 {
-    const std::shared_ptr<CloudOperation> operation = beginCloudOperation(work);
-    m_cloudContainer->privateCloudDatabase().performQuery(
+    const std::shared_ptr<CloudOperation> operation = beginOperation(work);
+    m_container.privateCloudDatabase().performQuery(
         byKey(t.key), [this, t, operation, ticket = work->ask()](const auto &records, const auto &error) {
             if (error) {
                 operation->clear(error->localizedDescription);
@@ -161,11 +147,11 @@ bool TaskManager::editInCloud(const task &t, const std::shared_ptr<CloudWork> &w
                 // Nobody is told any more whether it has worked.
             } else if (records.isEmpty()) {
                 trace("CloudKit Edit - Record Not Found - Add");
-                operation->set(addToCloud(t, operation->sharedWork()));
+                operation->set(add(t, operation->sharedWork()));
             } else {
                 for (CloudRecord record : records) {
-                    fillTaskRecord(record, t, inDarkMode());
-                    saveToCloud(record, operation);
+                    fillTaskRecord(record, t, m_store.inDarkMode());
+                    save(record, operation);
                 }
             }
             ticket->settle();
@@ -174,10 +160,10 @@ bool TaskManager::editInCloud(const task &t, const std::shared_ptr<CloudWork> &w
     return operation->flag();
 }
 
-void TaskManager::saveToCloud(const CloudRecord &record, const std::shared_ptr<CloudOperation> &operation)
+void TaskCloud::save(const CloudRecord &record, const std::shared_ptr<CloudOperation> &operation)
 {
     trace("Record:", record);
-    m_cloudContainer->privateCloudDatabase().saveRecord(
+    m_container.privateCloudDatabase().saveRecord(
         record, [this, operation, ticket = operation->work().ask()](const auto &, const auto &error) {
             Dispatch::main(this, [operation, ticket, error] {
                 trace(error ? "-CloudKit:Save Error-" : "-CloudKit:Save Success-");
@@ -188,15 +174,15 @@ void TaskManager::saveToCloud(const CloudRecord &record, const std::shared_ptr<C
         });
 }
 
-bool TaskManager::deleteTaskToCloud(const QString &key)
+bool TaskCloud::deleteTask(const QString &key)
 {
-    return doInCloud([&](const auto &work) { return deleteFromCloud(byKey(key), work); });
+    return perform([&](const auto &work) { return remove(byKey(key), work); });
 }
 
-bool TaskManager::deleteFromCloud(const RecordQuery &query, const std::shared_ptr<CloudWork> &work)
+bool TaskCloud::remove(const RecordQuery &query, const Work &work)
 {
-    const std::shared_ptr<CloudOperation> operation = beginCloudOperation(work);
-    CloudDatabase &database = m_cloudContainer->privateCloudDatabase();
+    const std::shared_ptr<CloudOperation> operation = beginOperation(work);
+    CloudDatabase &database = m_container.privateCloudDatabase();
     const QString onNothing = query.predicate.key.isEmpty() ? noTasksInCloud() : QString();
     database.performQuery(query, [&database, operation, onNothing, ticket = work->ask()](const auto &records,
                                                                                          const auto &error) {
@@ -217,18 +203,17 @@ bool TaskManager::deleteFromCloud(const RecordQuery &query, const std::shared_pt
     return operation->flag();
 }
 
-void TaskManager::createSharingZone(ZoneHandler completionHandler)
+void TaskCloud::createSharingZone(ZoneHandler handler)
 {
-    if (m_cloudContainer)
-        m_cloudContainer->privateCloudDatabase().saveRecordZone({QStringLiteral("SharingZone")},
-                                                                std::move(completionHandler));
+    m_container.privateCloudDatabase().saveRecordZone(
+        {QStringLiteral("SharingZone")}, [handler = std::move(handler)](const auto &zone, const auto &error) {
+            handler(zone ? zone->zoneName : QString(), error ? error->localizedDescription : QString());
+        });
 }
 
-void TaskManager::discoverUsersUsingApp(const QString &phone)
+void TaskCloud::discoverUser(const QString &phone)
 {
-    if (!m_cloudContainer)
-        return;
-    m_cloudContainer->discoverUserIdentity(phone, [this](const auto &identity, const auto &error) {
+    m_container.discoverUserIdentity(phone, [this](const auto &identity, const auto &error) {
         Dispatch::main(this, [identity, error] {
             if (identity && !error)
                 trace("user identity was discovered ", *identity);

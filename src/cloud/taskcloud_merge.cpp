@@ -1,5 +1,5 @@
-// How records of the cloud get into the task list.
-#include <core/taskmanager.h>
+// How records get into the task list.
+#include <cloud/taskcloud.h>
 
 #include <cloud/cloudwork.h>
 #include <cloud/taskrecord.h>
@@ -7,6 +7,7 @@
 #include <base/fieldtext.h>
 #include <base/notificationcenter.h>
 #include <base/trace.h>
+#include <core/taskmanager.h>
 
 #include <QHash>
 
@@ -32,44 +33,43 @@ QList<CloudRecord> inMergeOrder(QList<CloudRecord> records)
 
 } // namespace
 
-void TaskManager::mergeFromCloud(const QList<CloudRecord> &records, CloudOperation &operation)
+void TaskCloud::mergeRecords(const QList<CloudRecord> &records, CloudOperation &operation)
 {
     // Where each key is, so that not every record searches the list: the last place where several have it.
     QHash<QString, qint64> places;
-    places.reserve(fullList().size() + records.size());
-    for (qint64 index = 0; index < fullList().size(); ++index)
-        places.insert(fullList().at(index).key, index);
+    places.reserve(m_store.fullList().size() + records.size());
+    for (qint64 index = 0; index < m_store.fullList().size(); ++index)
+        places.insert(m_store.fullList().at(index).key, index);
 
-    const bool inDark = inDarkMode();
+    const bool inDark = m_store.inDarkMode();
     const task made; // once: it asks the clock
     const QList<CloudRecord> ordered = inMergeOrder(records);
     for (const CloudRecord &record : ordered) {
         trace("CloudKit record:", record);
         task t = taskOfRecord(record, inDark, made);
-        m_selected = places.value(t.key, -1);
-        trace("Selected:", m_selected);
-        if (m_selected < 0) {
-            const QString key = appendTask(std::move(t));
-            places.insert(key, fullList().size() - 1);
+        m_store.setSelected(places.value(t.key, -1));
+        trace("Selected:", m_store.selected());
+        if (m_store.selected() < 0) {
+            const QString key = m_store.appendTask(std::move(t));
+            places.insert(key, m_store.fullList().size() - 1);
         } else {
             mergeIntoSelected(t);
         }
     }
-    m_notifications->post(QStringLiteral("reload"));
+    m_notifications.post(QStringLiteral("reload"));
     if (operation.flag())
-        setLastMessage(QStringLiteral("-iCloud:Update Complete!-"));
-    m_notifications->post(QStringLiteral("update"));
+        m_store.setLastMessage(QStringLiteral("-iCloud:Update Complete!-"));
+    m_notifications.post(QStringLiteral("update"));
 }
 
-void TaskManager::mergeIntoSelected(const task &t)
+void TaskCloud::mergeIntoSelected(const task &t)
 {
-    editSelectedTask(t.date, t.name, t.desc, t.color, t.due, t.status, t.priority, t.statusName,
-                     t.priorityName, t.startHour, t.startMin, t.endHour, t.endMin, t.client, t.teamMember);
+    m_store.editSelectedTask(t);
     if (t.hidden)
-        hideSelected();
+        m_store.hideSelected();
     else
-        unhideSelected();
-    trace("Selected Task:", [this] { return getSelectedTask(); });
+        m_store.unhideSelected();
+    trace("Selected Task:", [this] { return m_store.getSelectedTask(); });
 }
 
 } // namespace oblino
