@@ -387,6 +387,7 @@ void Application::terminate()
 {
     disconnect(m_mainWindow.get(), &ViewController::terminationRequested, this, nullptr);
     m_mainWindow->setBeforeEnd([] { return true; }); // it has asked, or there is no time to
+    m_mainWindow->giveUpForms();
     const QWidgetList windows = QApplication::topLevelWidgets();
     for (QWidget *window : windows) {
         if (window->isVisible() && !qobject_cast<QMessageBox *>(window))

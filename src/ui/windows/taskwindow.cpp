@@ -247,6 +247,12 @@ bool TaskWindow::mayClose()
                             1}) == 0;
 }
 
+void TaskWindow::giveUp()
+{
+    beginAfresh();
+    QDialog::reject();
+}
+
 void TaskWindow::reject()
 {
     if (mayClose())

@@ -47,6 +47,8 @@ public:
     /// Whether the form may go away: it holds nothing that the user has entered, or the user gives it up.
     [[nodiscard]] bool mayClose();
     void reject() override;
+    /// Closes the form without a question.
+    void giveUp();
 
     bool becomeFirstResponder();
     void changeColor(QObject *sender);

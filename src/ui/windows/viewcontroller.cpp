@@ -74,6 +74,12 @@ void ViewController::viewWillAppear()
     m_ui->tblView->setFocus(Qt::OtherFocusReason);
 }
 
+void ViewController::giveUpForms()
+{
+    for (TaskWindow *form : findChildren<TaskWindow *>())
+        form->giveUp();
+}
+
 bool ViewController::windowShouldClose()
 {
     trace("Close");

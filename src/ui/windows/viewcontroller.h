@@ -107,6 +107,9 @@ public:
     /// Sets what is called before the window closes. It answers whether the application may end.
     void setBeforeEnd(std::function<bool()> beforeEnd) { m_beforeEnd = std::move(beforeEnd); }
 
+    /// Closes the forms without a question, as the program ends.
+    void giveUpForms();
+
     /// Tells the user what has happened, in whole sentences.
     void tell(const QStringList &notices);
     /// Tells the user what is wrong with something for as long as it is; with an empty sentence nothing is.
