@@ -311,6 +311,19 @@ private Q_SLOTS:
         QCOMPARE(w.gateway.sent().size(), 7);
     }
 
+    void staysWhereReturnIsPressedAndADayCannotBeRead()
+    {
+        Window w;
+        w.show();
+        type(w.find<QLineEdit>("smsText"), u"hello"_s, Qt::Key_Return);
+        QVERIFY(w.controller->isVisible());
+        w.clickRow("clientsTable", 0);
+        type(w.find<DateField>("endSendDate"), u"32.1."_s);
+        w.click(toClients);
+        QCOMPARE(w.status(), u"“32.1.” is not a date."_s);
+        QVERIFY(w.script.asked.isEmpty());
+    }
+
     void countsTheCharactersThatAreLeft()
     {
         const QString longOne = u'e' + QString(50, u'\u0301');
