@@ -4,6 +4,7 @@
 #include <config.h>
 #include <support/table.h>
 #include <support/testmain.h>
+#include <support/timezone.h>
 
 #include <base/sharingpicker.h>
 #include <controls/colorbutton.h>
@@ -377,6 +378,23 @@ private Q_SLOTS:
             QCOMPARE(main.questions.asked.size(), questions);
             QCOMPARE(form->isVisible(), stays);
             QCOMPARE(main.window->close(), !stays);
+        }
+    }
+
+    void goesOnWithTheDayWhileNothingIsEntered()
+    {
+        for (const bool isTouched : {false, true}) {
+            std::optional<TimeZone> zone("WST12"); // where it is the day before
+            MainWindow main({});
+            QWidget &form = openAdd(main);
+            const QDate before = QDate::currentDate();
+            if (isTouched)
+                QTest::keyClicks(&find<QLineEdit>(form, "txtTaskName"), u"x"_s);
+            zone.reset();
+            zone.emplace("EST-14");
+            QVERIFY(QDate::currentDate() > before);
+            main.notifications.post(u"dayChanged"_s);
+            QCOMPARE(find<DateField>(form, "dtTaskDate").date(), isTouched ? before : QDate::currentDate());
         }
     }
 
