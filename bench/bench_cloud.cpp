@@ -117,7 +117,7 @@ void report(const char *engine, const char *what, double took, double plain)
                 took <= goal * plain ? "" : "  missed");
 }
 
-void measure(const char *engine, const RecordPlace &place, const QSqlDatabase &database)
+void measure(const char *engine, const StoreLocation &place, const QSqlDatabase &database)
 {
     require(database.isOpen() || QSqlDatabase(database).open(), "open", database.lastError().text());
     const QTemporaryDir folder;
@@ -181,7 +181,7 @@ int main(int argc, char **argv)
         return EXIT_SUCCESS;
     }
     PostgresServer server;
-    const RecordPlace place = server.newPlace();
+    const StoreLocation place = server.newPlace();
     {
         QSqlDatabase database = QSqlDatabase::addDatabase(QStringLiteral("QPSQL"), plain);
         database.setHostName(place.account.host);

@@ -109,7 +109,7 @@ void Application::start()
     if (const QStringList notices = Defaults::standard().takeNotices(); !notices.isEmpty())
         m_mainWindow->tell(notices);
     m_lastSave = std::make_unique<LastSave>(*m_mainWindow, uiUtil());
-    m_mainWindow->setBeforeEnd([this] { return mayEnd(); });
+    m_mainWindow->setQuitGuard([this] { return confirmQuit(); });
     m_mainWindow->setBeforeCloud([this] { return ensurePassword(m_cloud, m_mainWindow.get()); });
     connect(&tskMgr(), &TaskManager::cloudWaitBegan, &m_cloud, [this] { m_cloud.setInUse(true); });
     connect(&tskMgr(), &TaskManager::cloudWaitEnded, &m_cloud, [this] { m_cloud.setInUse(false); });
@@ -142,7 +142,7 @@ bool Application::eventFilter(QObject *watched, QEvent *event)
 void Application::saveAtExit()
 {
     if (Application *running = std::exchange(s_running, nullptr))
-        running->m_lastSave->carryOut();
+        running->m_lastSave->perform();
 }
 
 // What could not be saved at the last end, unless it has come into its file since.
@@ -373,7 +373,7 @@ void Application::followDay()
     });
 }
 
-bool Application::mayEnd()
+bool Application::confirmQuit()
 {
     return (!m_sendingRun.isRunning() ||
             uiUtil().dialogYesNo(tr("Messages are still being sent. End all the same?"),
@@ -386,14 +386,14 @@ bool Application::mayEnd()
 void Application::terminate()
 {
     disconnect(m_mainWindow.get(), &ViewController::terminationRequested, this, nullptr);
-    m_mainWindow->setBeforeEnd([] { return true; }); // it has asked, or there is no time to
+    m_mainWindow->setQuitGuard([] { return true; }); // it has asked, or there is no time to
     m_mainWindow->giveUpForms();
     const QWidgetList windows = QApplication::topLevelWidgets();
     for (QWidget *window : windows) {
         if (window->isVisible() && !qobject_cast<QMessageBox *>(window))
             window->close();
     }
-    m_lastSave->carryOut();
+    m_lastSave->perform();
     s_running = nullptr;
     QCoreApplication::exit(0);
 }

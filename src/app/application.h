@@ -55,7 +55,7 @@ private:
     void followAppearance();
     void followDay();
     /// Asks where something would be broken off.
-    [[nodiscard]] bool mayEnd();
+    [[nodiscard]] bool confirmQuit();
     void terminate();
     /// Saves what can be saved when the windowing system has gone, which ends the process at once.
     static void saveAtExit();

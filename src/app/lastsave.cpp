@@ -110,7 +110,7 @@ bool LastSave::savedElsewhere(const QList<Failure> &failures)
     return true;
 }
 
-void LastSave::carryOut()
+void LastSave::perform()
 {
     for (const Failure &failure : failures())
         (void)failure.work->rescue();

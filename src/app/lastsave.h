@@ -23,7 +23,7 @@ public:
     [[nodiscard]] bool confirmed();
 
     /// Saves, and rescues what cannot be saved and was not saved elsewhere. Asks nothing.
-    void carryOut();
+    void perform();
 
 private:
     struct Failure

@@ -19,7 +19,7 @@ namespace {
 
 // Otherwise the first file or socket that is opened takes the number of a closed standard stream, and traces
 // and messages go into it.
-void seeToStandardStreams()
+void openMissingStandardStreams()
 {
     int descriptor = 0;
     while (descriptor >= 0 && descriptor <= STDERR_FILENO)
@@ -29,7 +29,7 @@ void seeToStandardStreams()
 }
 
 // Without HOME the standard folders would lie at the root of the file system.
-void seeToHome()
+void ensureHome()
 {
     if (!qEnvironmentVariableIsEmpty("HOME"))
         return;
@@ -55,8 +55,8 @@ void chooseAudioBackend()
 
 int main(int argc, char *argv[])
 {
-    seeToStandardStreams();
-    seeToHome();
+    openMissingStandardStreams();
+    ensureHome();
     if (!hasDisplay()) {
         std::fputs("oblino: no display: neither DISPLAY nor WAYLAND_DISPLAY is set\n", stderr);
         return EXIT_FAILURE;

@@ -12,7 +12,7 @@ QString withLookAlikes(QString text)
     return text.replace(QLatin1Char('|'), QChar(u'¦')).replace(QLatin1Char('^'), QChar(u'ˆ'));
 }
 
-QString whyNotFieldText()
+QString fieldTextError()
 {
     return QStringLiteral("The characters | and ^ cannot be used here.");
 }

@@ -13,6 +13,6 @@ namespace oblino {
 [[nodiscard]] QString withLookAlikes(QString text);
 
 /// Why other texts are refused, as a sentence for the user.
-[[nodiscard]] QString whyNotFieldText();
+[[nodiscard]] QString fieldTextError();
 
 } // namespace oblino

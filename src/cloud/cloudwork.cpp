@@ -8,13 +8,13 @@
 
 namespace oblino {
 
-std::shared_ptr<CloudTicket> CloudWork::ask()
+std::shared_ptr<PendingRequest> CloudWork::begin()
 {
     {
         const std::lock_guard lock(m_mutex);
         ++m_asked;
     }
-    return std::make_shared<CloudTicket>(shared_from_this());
+    return std::make_shared<PendingRequest>(shared_from_this());
 }
 
 void CloudWork::fail(const QString &cause)
@@ -59,7 +59,7 @@ void CloudWork::dropped()
     answered();
 }
 
-bool CloudWork::wait(std::chrono::milliseconds patience,
+bool CloudWork::wait(std::chrono::milliseconds timeout,
                      const std::function<void(qint64 answered, qint64 asked)> &onProgress)
 {
     QEventLoop loop;
@@ -75,14 +75,14 @@ bool CloudWork::wait(std::chrono::milliseconds patience,
         const std::lock_guard lock(m_mutex);
         m_waiter = &loop;
         m_onAnswer = [&] {
-            silence.start(patience);
+            silence.start(timeout);
             const auto [done, asked] = counts();
             onProgress(done, asked);
             if (done == asked)
                 loop.quit();
         };
     }
-    silence.start(patience);
+    silence.start(timeout);
     auto [done, asked] = counts();
     if (done != asked)
         loop.exec();
@@ -99,20 +99,20 @@ QString noTasksInCloud()
     return QCoreApplication::translate("CloudWork", "There are no tasks in the cloud.");
 }
 
-CloudTicket::CloudTicket(std::shared_ptr<CloudWork> work)
+PendingRequest::PendingRequest(std::shared_ptr<CloudWork> work)
     : m_work(std::move(work))
 {
 }
 
-CloudTicket::~CloudTicket()
+PendingRequest::~PendingRequest()
 {
-    if (!m_settled)
+    if (!m_completed)
         m_work->dropped();
 }
 
-void CloudTicket::settle()
+void PendingRequest::complete()
 {
-    if (!m_settled.exchange(true))
+    if (!m_completed.exchange(true))
         m_work->answered();
 }
 
@@ -121,9 +121,9 @@ CloudOperation::CloudOperation(std::shared_ptr<CloudWork> work)
 {
 }
 
-void CloudOperation::clear(const QString &cause)
+void CloudOperation::markFailed(const QString &cause)
 {
-    m_flag = false;
+    m_succeeded = false;
     m_work->fail(cause);
 }
 

@@ -11,7 +11,7 @@
 
 namespace oblino {
 
-class CloudTicket;
+class PendingRequest;
 
 /// The requests of one command to the cloud, those that follow from their answers included, until all are
 /// answered. Safe to use from any thread.
@@ -23,7 +23,7 @@ public:
     CloudWork &operator=(const CloudWork &) = delete;
 
     /// A request is about to be made. The ticket goes along with it.
-    [[nodiscard]] std::shared_ptr<CloudTicket> ask();
+    [[nodiscard]] std::shared_ptr<PendingRequest> begin();
 
     /// Something of the work has failed.
     /// @param cause  a sentence for the user; empty where there is nothing to say
@@ -38,14 +38,14 @@ public:
     [[nodiscard]] bool isAbandoned() const { return m_abandoned; }
 
     /// Waits on the main thread, with the event loop running, until every request is answered; but no longer
-    /// than `patience` without any answer, nor when the event loops end. What is left then is abandoned.
+    /// than `timeout` without any answer, nor when the event loops end. What is left then is abandoned.
     /// @param onProgress  told now and then how many of the requests made so far are answered
     /// @return whether every request was answered
-    [[nodiscard]] bool wait(std::chrono::milliseconds patience,
+    [[nodiscard]] bool wait(std::chrono::milliseconds timeout,
                             const std::function<void(qint64 answered, qint64 asked)> &onProgress);
 
 private:
-    friend class CloudTicket;
+    friend class PendingRequest;
 
     void answered();
     void dropped();
@@ -68,19 +68,19 @@ private:
 
 /// Stands for one request of a work. It is settled when the answer has been dealt with; one that goes
 /// unsettled makes the work fail.
-class CloudTicket
+class PendingRequest
 {
 public:
-    explicit CloudTicket(std::shared_ptr<CloudWork> work);
-    CloudTicket(const CloudTicket &) = delete;
-    CloudTicket &operator=(const CloudTicket &) = delete;
-    ~CloudTicket();
+    explicit PendingRequest(std::shared_ptr<CloudWork> work);
+    PendingRequest(const PendingRequest &) = delete;
+    PendingRequest &operator=(const PendingRequest &) = delete;
+    ~PendingRequest();
 
-    void settle();
+    void complete();
 
 private:
     std::shared_ptr<CloudWork> m_work;
-    std::atomic<bool> m_settled = false;
+    std::atomic<bool> m_completed = false;
 };
 
 /// One operation and its success flag, shared with the handlers of its requests.
@@ -91,14 +91,14 @@ public:
 
     [[nodiscard]] CloudWork &work() const { return *m_work; }
     [[nodiscard]] std::shared_ptr<CloudWork> sharedWork() const { return m_work; }
-    [[nodiscard]] bool flag() const { return m_flag; }
-    void set(bool flag) { m_flag = flag; }
+    [[nodiscard]] bool succeeded() const { return m_succeeded; }
+    void setSucceeded(bool succeeded) { m_succeeded = succeeded; }
     /// @param cause  as in CloudWork::fail()
-    void clear(const QString &cause = {});
+    void markFailed(const QString &cause = {});
 
 private:
     std::shared_ptr<CloudWork> m_work;
-    std::atomic<bool> m_flag = true;
+    std::atomic<bool> m_succeeded = true;
 };
 
 } // namespace oblino

@@ -63,15 +63,15 @@ std::shared_ptr<CloudOperation> TaskCloud::beginOperation(const Work &work, cons
 {
     trace("Container:", [this] { return m_container.description(); });
     auto operation = std::make_shared<CloudOperation>(work);
-    m_container.accountStatus([this, operation, noAccountMessage, ticket = work->ask()](
+    m_container.accountStatus([this, operation, noAccountMessage, ticket = work->begin()](
                                   AccountStatus status, const auto &error, const QString &reason) {
         if (error) {
-            ticket->settle();
+            ticket->complete();
             return;
         }
         Dispatch::main(this, [this, operation, status, reason, noAccountMessage, ticket] {
             handleAccountStatus(status, reason, *operation, noAccountMessage);
-            ticket->settle();
+            ticket->complete();
         });
     });
     return operation;
@@ -85,7 +85,7 @@ void TaskCloud::handleAccountStatus(AccountStatus status, const QString &reason,
     if (words.message) {
         const bool ownWords = status == AccountStatus::NoAccount && noAccountMessage;
         m_store.setLastMessage(QLatin1String(ownWords ? noAccountMessage : words.message));
-        operation.clear(reason);
+        operation.markFailed(reason);
     }
     m_notifications.post(QStringLiteral("update"));
 }
@@ -94,14 +94,14 @@ void TaskCloud::handleAccountStatus(AccountStatus status, const QString &reason,
 bool TaskCloud::perform(const std::function<bool(const Work &work)> &operation)
 {
     const auto work = std::make_shared<CloudWork>();
-    const auto untilAllIsAsked = work->ask();
+    const auto untilAllIsAsked = work->begin();
     work->setOnDone([this, done = work.get()] {
         Dispatch::main(this, [this, succeeded = !done->hasFailed(), cause = done->cause()] {
             tellOutcome(succeeded, cause);
         });
     });
     const bool flag = operation(work);
-    untilAllIsAsked->settle();
+    untilAllIsAsked->complete();
     return flag;
 }
 
@@ -133,43 +133,43 @@ bool TaskCloud::add(const task &t, const Work &work)
     const std::shared_ptr<CloudOperation> operation = beginOperation(work);
     save(newTaskRecord(t, m_store.inDarkMode()), operation);
     trace("Add Task to Cloud, hidden:", t.hidden);
-    return operation->flag();
+    return operation->succeeded();
 }
 
 bool TaskCloud::edit(const task &t, const Work &work)
 {
     const std::shared_ptr<CloudOperation> operation = beginOperation(work);
     m_container.privateCloudDatabase().performQuery(
-        byKey(t.key), [this, t, operation, ticket = work->ask()](const auto &records, const auto &error) {
+        byKey(t.key), [this, t, operation, ticket = work->begin()](const auto &records, const auto &error) {
             if (error) {
-                operation->clear(error->localizedDescription);
+                operation->markFailed(error->localizedDescription);
             } else if (operation->work().isAbandoned()) {
                 // Nobody is told any more whether it has worked.
             } else if (records.isEmpty()) {
                 trace("CloudKit Edit - Record Not Found - Add");
-                operation->set(add(t, operation->sharedWork()));
+                operation->setSucceeded(add(t, operation->sharedWork()));
             } else {
                 for (CloudRecord record : records) {
                     fillTaskRecord(record, t, m_store.inDarkMode());
                     save(record, operation);
                 }
             }
-            ticket->settle();
+            ticket->complete();
         });
-    trace("CloudKit Edit - Return Saved:", operation->flag());
-    return operation->flag();
+    trace("CloudKit Edit - Return Saved:", operation->succeeded());
+    return operation->succeeded();
 }
 
 void TaskCloud::save(const CloudRecord &record, const std::shared_ptr<CloudOperation> &operation)
 {
     trace("Record:", record);
     m_container.privateCloudDatabase().saveRecord(
-        record, [this, operation, ticket = operation->work().ask()](const auto &, const auto &error) {
+        record, [this, operation, ticket = operation->work().begin()](const auto &, const auto &error) {
             Dispatch::main(this, [operation, ticket, error] {
                 trace(error ? "-CloudKit:Save Error-" : "-CloudKit:Save Success-");
                 if (error)
-                    operation->clear(error->localizedDescription);
-                ticket->settle();
+                    operation->markFailed(error->localizedDescription);
+                ticket->complete();
             });
         });
 }
@@ -184,23 +184,23 @@ bool TaskCloud::remove(const RecordQuery &query, const Work &work)
     const std::shared_ptr<CloudOperation> operation = beginOperation(work);
     CloudDatabase &database = m_container.privateCloudDatabase();
     const QString onNothing = query.predicate.key.isEmpty() ? noTasksInCloud() : QString();
-    database.performQuery(query, [&database, operation, onNothing, ticket = work->ask()](const auto &records,
-                                                                                         const auto &error) {
+    database.performQuery(query, [&database, operation, onNothing,
+                                  ticket = work->begin()](const auto &records, const auto &error) {
         if (error || records.isEmpty())
-            operation->clear(error ? error->localizedDescription : onNothing);
+            operation->markFailed(error ? error->localizedDescription : onNothing);
         for (const CloudRecord &record : records) {
             if (operation->work().isAbandoned())
                 break;
             database.deleteRecord(record.recordID(),
-                                  [operation, deletion = operation->work().ask()](const auto &failure) {
+                                  [operation, deletion = operation->work().begin()](const auto &failure) {
                                       if (failure)
-                                          operation->clear(failure->localizedDescription);
-                                      deletion->settle();
+                                          operation->markFailed(failure->localizedDescription);
+                                      deletion->complete();
                                   });
         }
-        ticket->settle();
+        ticket->complete();
     });
-    return operation->flag();
+    return operation->succeeded();
 }
 
 void TaskCloud::createSharingZone(ZoneHandler handler)

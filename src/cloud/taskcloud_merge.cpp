@@ -57,7 +57,7 @@ void TaskCloud::mergeRecords(const QList<CloudRecord> &records, CloudOperation &
         }
     }
     m_notifications.post(QStringLiteral("reload"));
-    if (operation.flag())
+    if (operation.succeeded())
         m_store.setLastMessage(QStringLiteral("-iCloud:Update Complete!-"));
     m_notifications.post(QStringLiteral("update"));
 }

@@ -42,16 +42,16 @@ bool TaskCloud::merge()
     const auto work = std::make_shared<CloudWork>();
     const auto operation = beginOperation(work, "iCloud:User is NOT Logged In");
     m_container.privateCloudDatabase().performQuery(
-        allTasks(), [this, operation, ticket = work->ask()](const auto &records, const auto &error) {
+        allTasks(), [this, operation, ticket = work->begin()](const auto &records, const auto &error) {
             if (error || records.isEmpty()) {
-                operation->clear(error ? error->localizedDescription : noTasksInCloud());
-                ticket->settle();
+                operation->markFailed(error ? error->localizedDescription : noTasksInCloud());
+                ticket->complete();
                 return;
             }
             Dispatch::main(this, [this, operation, ticket, records] {
                 if (!operation->work().isAbandoned())
                     mergeRecords(records, *operation);
-                ticket->settle();
+                ticket->complete();
             });
         });
     return hasSucceeded(*work);

@@ -72,7 +72,7 @@ void ColorButton::paintEvent(QPaintEvent *event)
     QPushButton::paintEvent(event);
     QPainter painter(this);
     const QRect field = rect().adjusted(frame, frame, -frame - 1, -frame - 1);
-    painter.fillRect(field, laidOver(screenColor(m_color), palette().color(QPalette::Base)));
+    painter.fillRect(field, composited(screenColor(m_color), palette().color(QPalette::Base)));
     painter.setPen(palette().color(QPalette::Mid));
     painter.drawRect(field);
 }

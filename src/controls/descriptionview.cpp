@@ -47,7 +47,7 @@ bool DescriptionView::refuses(const QString &text)
 {
     if (isFieldText(text))
         return false;
-    QToolTip::showText(mapToGlobal(cursorRect().bottomLeft()), whyNotFieldText(), this);
+    QToolTip::showText(mapToGlobal(cursorRect().bottomLeft()), fieldTextError(), this);
     return true;
 }
 

@@ -19,7 +19,7 @@ public:
 
     /// @param shown    what the control shows now
     /// @param entered  what that stands for
-    [[nodiscard]] Value held(const Shown &shown, const Value &entered) const
+    [[nodiscard]] Value value(const Shown &shown, const Value &entered) const
     {
         return shown == m_shown ? m_value : entered;
     }

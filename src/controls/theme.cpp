@@ -1,6 +1,6 @@
 #include <controls/theme.h>
 
-#include <controls/calmstyle.h>
+#include <controls/oblinostyle.h>
 
 #include <QApplication>
 #include <QStyle>
@@ -38,7 +38,7 @@ double luminance(const QColor &color)
 bool desktopHasStyle()
 {
     const QStyle *style = QApplication::style();
-    const bool isOurs = qobject_cast<const CalmStyle *>(style) ||
+    const bool isOurs = qobject_cast<const OblinoStyle *>(style) ||
                         style->name().compare(QLatin1String("fusion"), Qt::CaseInsensitive) == 0;
     return !isOurs || qEnvironmentVariable("XDG_CURRENT_DESKTOP").contains(QLatin1String("KDE"));
 }
@@ -68,14 +68,14 @@ void applyAppearance(bool inDark)
 {
     if (desktopHasStyle())
         return;
-    if (!qobject_cast<CalmStyle *>(QApplication::style()))
-        QApplication::setStyle(new CalmStyle);
+    if (!qobject_cast<OblinoStyle *>(QApplication::style()))
+        QApplication::setStyle(new OblinoStyle);
     QPalette palette = calmPalette(inDark);
     QApplication::setPalette(palette);
     // Icons do not change colour under the highlight of a menu, so that is only a tint.
     QColor tint = palette.color(QPalette::Highlight);
     tint.setAlphaF(0.25F);
-    palette.setColor(QPalette::Highlight, laidOver(tint, palette.color(QPalette::Base)));
+    palette.setColor(QPalette::Highlight, composited(tint, palette.color(QPalette::Base)));
     palette.setColor(QPalette::HighlightedText, palette.color(QPalette::Text));
     QApplication::setPalette(palette, "QMenu");
 }
@@ -94,7 +94,7 @@ QColor readableOn(const QColor &background)
     return l * l > 1.05 * 0.05 ? Qt::black : Qt::white;
 }
 
-QColor laidOver(const QColor &color, const QColor &ground)
+QColor composited(const QColor &color, const QColor &ground)
 {
     const float alpha = color.alphaF();
     const auto mixed = [alpha](float over, float under) { return over * alpha + under * (1 - alpha); };

@@ -20,6 +20,6 @@ void applyAppearance(bool dark);
 [[nodiscard]] QColor readableOn(const QColor &background);
 
 /// A colour with alpha laid over an opaque one.
-[[nodiscard]] QColor laidOver(const QColor &color, const QColor &ground);
+[[nodiscard]] QColor composited(const QColor &color, const QColor &ground);
 
 } // namespace oblino

@@ -11,7 +11,7 @@ DefaultTimes sharedDefaultTimes()
     return tskMgr().defaultTimes();
 }
 
-QDateTime momentOfMaking()
+QDateTime creationTime()
 {
     return now();
 }

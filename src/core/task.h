@@ -20,20 +20,20 @@ struct DefaultTimes
 /// The default times of the shared task store at this moment.
 [[nodiscard]] DefaultTimes sharedDefaultTimes();
 /// The moment at which a task is made.
-[[nodiscard]] QDateTime momentOfMaking();
+[[nodiscard]] QDateTime creationTime();
 
 /// One task: a plain value. The dates carry the day, the four integers the time of day; nothing ties them
 /// together.
 struct task
 {
     QString key = QStringLiteral("NoKey");         ///< unique; usually 36 characters of an upper-case UUID
-    QDateTime date = momentOfMaking();             ///< start date
+    QDateTime date = creationTime();               ///< start date
     QString name = QStringLiteral("Unnamed");      ///< short title
     QString desc = QStringLiteral("UnDescribed");  ///< may hold several lines
     QString client = QStringLiteral("UnAssigned"); ///< a copy of the client's name
     QString teamMember = QStringLiteral("UnAssigned"); ///< a copy of the team member's name
     Color color = {};
-    QDateTime due = momentOfMaking();                    ///< due date
+    QDateTime due = creationTime();                      ///< due date
     qint64 status = 0;                                   ///< index into the forms' status list
     qint64 priority = 0;                                 ///< index into the forms' priority list
     QString statusName = QStringLiteral("NoStatus");     ///< display text of the status

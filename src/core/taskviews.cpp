@@ -17,7 +17,7 @@ enum View : qint64 {
     DueTodayView = 9,
 };
 
-// What a view admits beside the tasks of rule 1 in timesInView().
+// What a view admits beside the tasks of rule 1 in occurrencesInView().
 bool admitted(const task &t, qint64 itemStatus, QDate day)
 {
     switch (itemStatus) {
@@ -50,7 +50,7 @@ QStringList viewLabels()
             QStringLiteral("Due Today")};
 }
 
-int timesInView(const task &t, qint64 itemStatus, QDate day)
+int occurrencesInView(const task &t, qint64 itemStatus, QDate day)
 {
     const bool ordinary = (itemStatus == AllView || t.status == itemStatus - 1) && !t.hidden;
     return (ordinary ? 1 : 0) + (admitted(t, itemStatus, day) ? 1 : 0);
@@ -61,7 +61,7 @@ QList<task> tasksOfView(const QList<task> &tasks, qint64 itemStatus, QDate day)
     TaskPlaces places;
     places.reserve(static_cast<size_t>(tasks.size()));
     for (qsizetype place = 0; place < tasks.size(); ++place) {
-        for (int times = timesInView(tasks.at(place), itemStatus, day); times > 0; --times)
+        for (int times = occurrencesInView(tasks.at(place), itemStatus, day); times > 0; --times)
             places.push_back(place);
     }
     return tasksAt(tasks, places);

@@ -15,7 +15,7 @@ inline constexpr int globalAllView = 6;
 [[nodiscard]] QStringList viewLabels();
 
 /// How many times a task stands in a view: 0 to 2. A task that two rules of a view admit is listed twice.
-[[nodiscard]] int timesInView(const task &t, qint64 itemStatus, QDate day);
+[[nodiscard]] int occurrencesInView(const task &t, qint64 itemStatus, QDate day);
 
 /// The tasks of a view, in their order.
 /// @param itemStatus  the index of the view

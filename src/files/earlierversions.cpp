@@ -83,7 +83,7 @@ FileReading EarlierVersions::read(const EarlierVersion &version) const
     }
     reading.bytes.clear();
     reading.outcome = error == ENOENT ? FileReading::Outcome::Missing : FileReading::Outcome::Failed;
-    reading.error = u"“%1” could not be read: %2."_s.arg(version.path, errorWords(error));
+    reading.error = u"“%1” could not be read: %2."_s.arg(version.path, errorMessage(error));
     return reading;
 }
 
@@ -110,8 +110,9 @@ QString EarlierVersions::remove(const EarlierVersion &version)
     const QByteArray path = QFile::encodeName(version.path);
     int error = m_calls.unlink(path) == 0 || errno == ENOENT ? 0 : errno;
     if (error == 0)
-        error = syncFolder(m_calls, parentFolder(path));
-    return error == 0 ? QString() : u"“%1” could not be removed: %2."_s.arg(version.path, errorWords(error));
+        error = syncDirectory(m_calls, parentFolder(path));
+    return error == 0 ? QString()
+                      : u"“%1” could not be removed: %2."_s.arg(version.path, errorMessage(error));
 }
 
 QString EarlierVersions::removeAll()

@@ -58,7 +58,7 @@ void FileWatch::settle()
 // A rename replaces what is watched, and links may lead elsewhere by now.
 void FileWatch::watch()
 {
-    const QString file = QFile::decodeName(withoutLinks(m_path));
+    const QString file = QFile::decodeName(resolveSymlinks(m_path));
     QSet<QString> wanted;
     for (const QString &path : {m_path, file}) {
         const QString folder = nearestFolder(path);

@@ -49,7 +49,7 @@ public:
         return m_complete ? qFromBigEndian<Number>(piece.data()) : Number{};
     }
 
-    [[nodiscard]] bool areUsedUp() const { return m_complete && m_rest.isEmpty(); }
+    [[nodiscard]] bool atEnd() const { return m_complete && m_rest.isEmpty(); }
 
 private:
     QByteArrayView m_rest;
@@ -139,7 +139,7 @@ std::optional<Journal> Journal::decoded(const QByteArray &bytes)
     const QByteArrayView middle = pieces.take(pieces.takeNumber<quint64>());
     const QByteArrayView text = pieces.take(pieces.takeNumber<quint64>());
     const QByteArrayView checksum = pieces.take(hashSize);
-    if (foundVersion != version || path.isEmpty() || !pieces.areUsedUp())
+    if (foundVersion != version || path.isEmpty() || !pieces.atEnd())
         return std::nullopt;
     const QByteArrayView covered(bytes.constData(), bytes.size() - hashSize);
     const auto size = static_cast<quint64>(text.size());

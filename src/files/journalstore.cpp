@@ -60,7 +60,7 @@ int JournalStore::store(const Journal &journal, bool &isInPlace)
 
 int JournalStore::syncNames()
 {
-    return syncFolder(m_calls, m_folder);
+    return syncDirectory(m_calls, m_folder);
 }
 
 void JournalStore::remove(const QByteArray &path)

@@ -45,7 +45,7 @@ int makeFolder(FileCalls &calls, const QByteArray &path)
     if (error == EEXIST)
         return 0;
     if (error == 0) {
-        error = syncFolder(calls, parentFolder(path));
+        error = syncDirectory(calls, parentFolder(path));
         // Once it is there, nobody would see to its name again.
         if (error != 0)
             calls.rmdir(path);
@@ -79,7 +79,7 @@ int OpenFile::openRegular(const QByteArray &path, int flags, mode_t mode)
     // Without O_NONBLOCK a named pipe would wait for its other end.
     int error = open(path, flags | O_NONBLOCK, mode);
     if (error == 0)
-        error = takeStatus();
+        error = refreshStatus();
     if (error == 0 && !S_ISREG(m_status.st_mode))
         error = S_ISDIR(m_status.st_mode) ? EISDIR : notRegular;
     return error;
@@ -96,7 +96,7 @@ int OpenFile::openPrivate(const QByteArray &path, int flags)
     return error;
 }
 
-int OpenFile::takeStatus()
+int OpenFile::refreshStatus()
 {
     return outcome([&] { return m_calls.fstat(m_fd, &m_status); });
 }
@@ -202,7 +202,7 @@ bool isUntouched(const struct stat &a, const struct stat &b)
            isSameTime(a.st_ctim, b.st_ctim);
 }
 
-QByteArray withoutLinks(const QString &path)
+QByteArray resolveSymlinks(const QString &path)
 {
     // QFileInfo and weakly_canonical() give up at a link to a missing file, which a save is to create.
     constexpr int mostLinks = 40;
@@ -236,7 +236,7 @@ int renameFile(FileCalls &calls, const QByteArray &from, const QByteArray &to)
     return outcome([&] { return calls.rename(from, to); });
 }
 
-int syncFolder(FileCalls &calls, const QByteArray &path)
+int syncDirectory(FileCalls &calls, const QByteArray &path)
 {
     OpenFile folder(calls);
     int error = folder.open(path, O_RDONLY | O_DIRECTORY);
@@ -255,14 +255,14 @@ QString makePrivateFile(const QString &path)
 {
     const QFileInfo file(path);
     if (file.exists())
-        return file.isFile() ? QString() : errorWords(OpenFile::notRegular);
+        return file.isFile() ? QString() : errorMessage(OpenFile::notRegular);
     OpenFile made(FileCalls::posix());
     const int error = made.openPrivate(QFile::encodeName(path), O_EXCL);
     // Another program may have made it meanwhile.
-    return error == 0 || (error == EEXIST && QFileInfo(path).isFile()) ? QString() : errorWords(error);
+    return error == 0 || (error == EEXIST && QFileInfo(path).isFile()) ? QString() : errorMessage(error);
 }
 
-QString errorWords(int error)
+QString errorMessage(int error)
 {
     switch (error) {
     case OpenFile::notRegular:
@@ -278,7 +278,7 @@ QString errorWords(int error)
 
 QString notWritable(const QString &place, int error)
 {
-    return u"“%1” could not be written: %2."_s.arg(place, errorWords(error));
+    return u"“%1” could not be written: %2."_s.arg(place, errorMessage(error));
 }
 
 } // namespace oblino

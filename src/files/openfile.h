@@ -33,7 +33,7 @@ public:
 
     [[nodiscard]] bool isOpen() const { return m_fd != -1; }
 
-    [[nodiscard]] int takeStatus();
+    [[nodiscard]] int refreshStatus();
     /// The status as it was last taken.
     [[nodiscard]] const struct stat &status() const { return m_status; }
 
@@ -62,7 +62,7 @@ private:
 [[nodiscard]] bool isUntouched(const struct stat &a, const struct stat &b);
 
 /// The file that `path` leads to, be it there or not.
-[[nodiscard]] QByteArray withoutLinks(const QString &path);
+[[nodiscard]] QByteArray resolveSymlinks(const QString &path);
 
 /// The folder that holds the file or folder `path`.
 [[nodiscard]] QByteArray parentFolder(const QByteArray &path);
@@ -77,10 +77,10 @@ private:
 [[nodiscard]] int renameFile(FileCalls &calls, const QByteArray &from, const QByteArray &to);
 
 /// Sees the names in a folder safely on disk.
-[[nodiscard]] int syncFolder(FileCalls &calls, const QByteArray &path);
+[[nodiscard]] int syncDirectory(FileCalls &calls, const QByteArray &path);
 
 /// A failure of the functions above in words for the user, fit for the end of a sentence.
-[[nodiscard]] QString errorWords(int error);
+[[nodiscard]] QString errorMessage(int error);
 
 /// The sentence that `place`, a folder or a file by its path, could not be written.
 [[nodiscard]] QString notWritable(const QString &place, int error);

@@ -46,7 +46,7 @@ RecoveryFolder::Kept RecoveryFolder::keep(const QByteArray &bytes, const QString
     if (kept.error == 0)
         kept.error = file.sync();
     if (kept.error == 0)
-        kept.error = syncFolder(m_calls, QFile::encodeName(m_path));
+        kept.error = syncDirectory(m_calls, QFile::encodeName(m_path));
     if (kept.error != 0)
         m_calls.unlink(QFile::encodeName(kept.path));
     return kept;
@@ -65,9 +65,9 @@ RecoveryFolder::Kept RecoveryFolder::move(const QByteArray &file, const QString 
         m_calls.unlink(to);
         return kept;
     }
-    kept.error = syncFolder(m_calls, QFile::encodeName(m_path));
+    kept.error = syncDirectory(m_calls, QFile::encodeName(m_path));
     if (kept.error == 0)
-        kept.error = syncFolder(m_calls, parentFolder(file));
+        kept.error = syncDirectory(m_calls, parentFolder(file));
     return kept;
 }
 

@@ -32,7 +32,7 @@ QString SafeFile::fileName() const
 
 QString SafeFile::journalPath() const
 {
-    return QFile::decodeName(m_journals.fileFor(withoutLinks(m_path)));
+    return QFile::decodeName(m_journals.fileFor(resolveSymlinks(m_path)));
 }
 
 QString SafeFile::recoveryFolder() const
@@ -47,7 +47,7 @@ EarlierVersions SafeFile::versions() const
     return EarlierVersions(fileName(), folders, m_calls);
 }
 
-SettingAside SafeFile::setAside(const QByteArray &bytes)
+Quarantined SafeFile::quarantine(const QByteArray &bytes)
 {
     const RecoveryFolder::Kept kept = m_recovery.keep(bytes, fileName(), VersionReason::SetAside);
     if (kept.error != 0)
@@ -59,7 +59,7 @@ FileReading SafeFile::look()
 {
     FileReading reading;
     OpenFile file(m_calls);
-    int error = file.openRegular(withoutLinks(m_path), O_RDONLY);
+    int error = file.openRegular(resolveSymlinks(m_path), O_RDONLY);
     if (error == 0)
         error = file.readAll(reading.bytes);
     reading.status = file.status();
@@ -70,7 +70,7 @@ FileReading SafeFile::look()
     reading.bytes.clear();
     reading.outcome = error == ENOENT ? FileReading::Outcome::Missing : FileReading::Outcome::Failed;
     if (error != ENOENT)
-        reading.error = u"“%1” could not be read: %2."_s.arg(fileName(), errorWords(error));
+        reading.error = u"“%1” could not be read: %2."_s.arg(fileName(), errorMessage(error));
     return reading;
 }
 
@@ -101,25 +101,25 @@ FileReading SafeFile::read()
 bool SafeFile::isAsSeen()
 {
     OpenFile file(m_calls);
-    return hasSeen() && !m_pending && file.openRegular(withoutLinks(m_path), O_RDONLY) == 0 &&
+    return hasSeen() && !m_pending && file.openRegular(resolveSymlinks(m_path), O_RDONLY) == 0 &&
            isUntouched(m_seen.status, file.status());
 }
 
 QString SafeFile::erase()
 {
-    const QByteArray path = withoutLinks(m_path);
+    const QByteArray path = resolveSymlinks(m_path);
     const int error = removeFile(path);
     const QString words = u"“%1” could not be removed: %2."_s;
     if (error != 0 && error != ENOENT)
-        return words.arg(fileName(), errorWords(error));
+        return words.arg(fileName(), errorMessage(error));
     m_seen = {};
     m_pending.reset();
     if (const int left = m_journals.erase(path); left != 0)
-        return words.arg(journalPath(), errorWords(left));
+        return words.arg(journalPath(), errorMessage(left));
     m_strayJournal = false;
     if (QString left = versions().removeAll(); !left.isEmpty())
         return left;
-    return error == 0 ? QString() : words.arg(fileName(), errorWords(error));
+    return error == 0 ? QString() : words.arg(fileName(), errorMessage(error));
 }
 
 int SafeFile::removeFile(const QByteArray &path)
@@ -129,7 +129,7 @@ int SafeFile::removeFile(const QByteArray &path)
         return OpenFile::notRegular;
     if (m_calls.unlink(path) != 0)
         return errno;
-    return syncFolder(m_calls, parentFolder(path));
+    return syncDirectory(m_calls, parentFolder(path));
 }
 
 } // namespace oblino

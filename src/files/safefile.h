@@ -37,7 +37,7 @@ struct FileWriting
 };
 
 /// What came of setting bytes aside.
-struct SettingAside
+struct Quarantined
 {
     QString path;  ///< the file that holds them
     QString error; ///< why there is none, in words for the user, empty when it was done
@@ -79,7 +79,7 @@ public:
     void take(const FileReading &reading);
 
     /// Takes what was read as not read: the next write() copies it into the recovery folder first.
-    void forget() { m_seen = {}; }
+    void invalidate() { m_seen = {}; }
 
     /// Whether it is known what the file held when it was last read or written.
     [[nodiscard]] bool hasSeen() const { return m_seen.known && m_seen.content; }
@@ -103,7 +103,7 @@ public:
     [[nodiscard]] bool isAsSeen();
 
     /// Keeps `bytes` as a version of the file, made of what it holds and cannot be read, safely on disk.
-    [[nodiscard]] SettingAside setAside(const QByteArray &bytes);
+    [[nodiscard]] Quarantined quarantine(const QByteArray &bytes);
 
     [[nodiscard]] QString path() const { return m_path; }
     [[nodiscard]] QString journalPath() const;

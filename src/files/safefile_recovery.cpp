@@ -13,7 +13,7 @@ using namespace Qt::Literals::StringLiterals;
 QStringList SafeFile::recover()
 {
     QStringList notices;
-    const QByteArray path = withoutLinks(m_path);
+    const QByteArray path = resolveSymlinks(m_path);
     m_journals.removeUnfinished(path);
     std::optional<Journal> journal;
     const int error = m_journals.load(path, journal);
@@ -21,7 +21,7 @@ QStringList SafeFile::recover()
         m_strayJournal = false;
     } else if (error != 0) {
         notices << u"An interrupted save of “%1” could not be looked at: %2."_s.arg(fileName(),
-                                                                                    errorWords(error));
+                                                                                    errorMessage(error));
     } else if (!journal) {
         setJournalAside(path, notices);
     } else if (journal->path == path) {
@@ -57,8 +57,8 @@ void SafeFile::finish(const Journal &journal, QStringList &notices)
     const QString again = u" It will be tried again at the next start."_s;
     const QString reason =
         failure.folder.isEmpty()
-            ? u": %1."_s.arg(errorWords(failure.error))
-            : u", as “%1” could not be written: %2."_s.arg(failure.folder, errorWords(failure.error));
+            ? u": %1."_s.arg(errorMessage(failure.error))
+            : u", as “%1” could not be written: %2."_s.arg(failure.folder, errorMessage(failure.error));
     notices << u"An interrupted save of “%1” could not be completed"_s.arg(fileName()) + reason + again;
 }
 

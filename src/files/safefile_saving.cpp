@@ -24,7 +24,7 @@ FileWriting SafeFile::write(const QByteArray &bytes)
     writing.written = !failure;
     if (!failure)
         return writing;
-    const QString why = errorWords(failure.error);
+    const QString why = errorMessage(failure.error);
     if (failure.folder.isEmpty()) {
         writing.reason = why;
         writing.error = u"“%1” could not be saved: %2."_s.arg(fileName(), why);
@@ -38,7 +38,7 @@ FileWriting SafeFile::write(const QByteArray &bytes)
 
 SafeFile::Failure SafeFile::save(const QByteArray &bytes, QStringList &notices)
 {
-    Journal journal{withoutLinks(m_path), std::nullopt, bytes};
+    Journal journal{resolveSymlinks(m_path), std::nullopt, bytes};
     OpenFile file(m_calls);
     const Failure preparing = prepare(file, journal, notices);
     journal.old = m_seen.content;
@@ -71,7 +71,7 @@ int SafeFile::openForSaving(OpenFile &file, const QByteArray &path)
         return creating == EEXIST ? file.openRegular(path, O_RDWR) : creating;
     m_nameIsSafe = false;
     m_seen = {true, {}, QByteArray()};
-    return file.takeStatus();
+    return file.refreshStatus();
 }
 
 void SafeFile::keepVersionOfToday(const std::optional<QByteArray> &before, const QByteArray &after,
@@ -163,10 +163,10 @@ int SafeFile::overwrite(OpenFile &file, const Journal &journal)
     if (error == 0)
         error = file.sync();
     if (error == 0 && !m_nameIsSafe)
-        error = syncFolder(m_calls, parentFolder(journal.path));
+        error = syncDirectory(m_calls, parentFolder(journal.path));
     m_nameIsSafe = m_nameIsSafe || error == 0;
     // A status that cannot be had only makes the next save compare contents.
-    const bool hasStatus = file.takeStatus() == 0;
+    const bool hasStatus = file.refreshStatus() == 0;
     if (error == 0)
         error = expect(journal.text, file);
     m_seen = {true, hasStatus ? file.status() : m_seen.status,

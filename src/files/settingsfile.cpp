@@ -26,7 +26,7 @@ namespace {
 // Where QSettings writes the file: beside the one that a link leads to.
 QString realPath(const QString &path)
 {
-    return QFile::decodeName(withoutLinks(path));
+    return QFile::decodeName(resolveSymlinks(path));
 }
 
 EarlierVersions copiesOf(const QString &path)
@@ -116,7 +116,7 @@ SettingsFile::Kept SettingsFile::keep(bool isParsed) const
     if (error == 0)
         error = file.readAll(bytes);
     if (error != 0 && error != ENOENT)
-        return {false, u"The settings could not be read: “%1”: %2."_s.arg(m_path, errorWords(error))};
+        return {false, u"The settings could not be read: “%1”: %2."_s.arg(m_path, errorMessage(error))};
     if (bytes.isEmpty() || (isParsed && isWhole(bytes)))
         return {true, {}};
 

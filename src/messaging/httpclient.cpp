@@ -33,7 +33,7 @@ QByteArray requestOf(const HttpForm &form)
            QByteArray::number(form.body.size()) + "\r\n\r\n" + form.body;
 }
 
-QString whyNot(const QUrl &url)
+QString validationError(const QUrl &url)
 {
     if (url.scheme() != QLatin1String("https") || url.host().isEmpty())
         return tr("Only https addresses are used.");
@@ -87,7 +87,7 @@ private:
         }
         bool event(QEvent *) override
         {
-            m_service.carryOutWaiting();
+            m_service.processWaiting();
             return true;
         }
 
@@ -95,8 +95,8 @@ private:
         Service &m_service;
     };
 
-    void carryOutWaiting();
-    void carryOut(const Order &order);
+    void processWaiting();
+    void process(const Order &order);
     [[nodiscard]] std::vector<Order> takeWaiting();
 
     QSslConfiguration m_tls;
@@ -149,15 +149,15 @@ std::vector<HttpClient::Service::Order> HttpClient::Service::takeWaiting()
     return std::exchange(m_waiting, {});
 }
 
-void HttpClient::Service::carryOutWaiting()
+void HttpClient::Service::processWaiting()
 {
     for (const Order &order : takeWaiting())
-        carryOut(order);
+        process(order);
 }
 
-void HttpClient::Service::carryOut(const Order &order)
+void HttpClient::Service::process(const Order &order)
 {
-    if (const QString reason = whyNot(order.form.url); !reason.isEmpty())
+    if (const QString reason = validationError(order.form.url); !reason.isEmpty())
         return refuse(order.handler, reason);
     HttpConnection &connection = m_connections->connectionTo(order.form.url);
     connection.exchange(requestOf(order.form),

@@ -19,7 +19,7 @@ CallDeadline::~CallDeadline()
     }
     m_changed.notify_all();
     m_thread.join();
-    forget();
+    closeSocket();
 }
 
 void CallDeadline::begin(int socket)
@@ -36,7 +36,7 @@ void CallDeadline::begin(int socket)
 bool CallDeadline::end()
 {
     const std::lock_guard lock(m_mutex);
-    forget();
+    closeSocket();
     m_changed.notify_all();
     return m_wasCut;
 }
@@ -71,7 +71,7 @@ void CallDeadline::cut()
         ::shutdown(m_socket, SHUT_RDWR);
 }
 
-void CallDeadline::forget()
+void CallDeadline::closeSocket()
 {
     if (m_socket >= 0)
         ::close(m_socket);

@@ -31,7 +31,7 @@ private:
 
     void watch();
     void cut();
-    void forget();
+    void closeSocket();
 
     std::chrono::milliseconds m_limit;
     std::mutex m_mutex;

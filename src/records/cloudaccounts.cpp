@@ -30,7 +30,7 @@ CloudAccount CloudAccounts::load() const
         return {};
     const Defaults file(m_path);
     const auto text = [&file](const QString &key) { return file.text(key).value_or(QString()); };
-    CloudAccount account = {.host = tidyHosts(text(hostKey)),
+    CloudAccount account = {.host = normalizedHosts(text(hostKey)),
                             .database = text(databaseKey),
                             .user = text(userKey),
                             .tlsMode = tlsModeOf(text(tlsKey))};
@@ -53,7 +53,7 @@ bool CloudAccounts::save(const CloudAccount &account) const
     return file.save();
 }
 
-QString tidyHosts(const QString &hosts)
+QString normalizedHosts(const QString &hosts)
 {
     QStringList tidy;
     for (const QString &host : hosts.split(QLatin1Char(','))) {

@@ -22,6 +22,6 @@ private:
 };
 
 /// A list of hosts as the connection takes it: separated by commas, without blanks and empty places.
-[[nodiscard]] QString tidyHosts(const QString &hosts);
+[[nodiscard]] QString normalizedHosts(const QString &hosts);
 
 } // namespace oblino

@@ -29,13 +29,14 @@ CloudSession::CloudSession(CloudAccounts accounts, QString recordFile, PasswordS
     , m_account(m_accounts.load())
     , m_container(place(m_account, {}), types)
 {
-    m_container.setOnLoginRefused(
-        [this](const RecordPlace &used) { Dispatch::main(this, [this, used] { forgetRefused(used); }); });
+    m_container.setOnLoginRefused([this](const StoreLocation &used) {
+        Dispatch::main(this, [this, used] { dropRefusedPassword(used); });
+    });
     if (m_account.isRemote())
         readPassword();
 }
 
-RecordPlace CloudSession::place(const CloudAccount &account, const QString &password) const
+StoreLocation CloudSession::place(const CloudAccount &account, const QString &password) const
 {
     return {m_recordFile, account, password};
 }
@@ -52,7 +53,7 @@ void CloudSession::setPassword(const QString &password, bool remembered)
     if (remembered)
         remember(password);
     else if (m_isRemembered)
-        forget();
+        deletePassword();
     usePassword(password);
 }
 
@@ -78,7 +79,7 @@ void CloudSession::startWithoutPassword(bool remembered)
     m_password.reset();
     m_wasRefused = false;
     if (m_isRemembered && !remembered)
-        forget();
+        deletePassword();
     m_isRemembered = false;
     m_container.setPlace(place(m_account, {}));
     if (m_account.isRemote())
@@ -110,7 +111,7 @@ void CloudSession::usePassword(const QString &password)
 }
 
 // The keyring's stays until the user has typed another, and said whether that is to be kept.
-void CloudSession::forgetRefused(const RecordPlace &used)
+void CloudSession::dropRefusedPassword(const StoreLocation &used)
 {
     if (used.account != m_account || m_password != used.password)
         return;
@@ -134,7 +135,7 @@ void CloudSession::remember(const QString &password)
                       });
 }
 
-void CloudSession::forget()
+void CloudSession::deletePassword()
 {
     m_isRemembered = false;
     m_passwords.remove(keyOf(m_account), [](Outcome) {});

@@ -27,7 +27,7 @@ public:
     [[nodiscard]] const CloudAccount &account() const { return m_account; }
     [[nodiscard]] const QList<const RecordType *> &recordTypes() const { return m_types; }
     /// Where the records of an account lie.
-    [[nodiscard]] RecordPlace place(const CloudAccount &account, const QString &password) const;
+    [[nodiscard]] StoreLocation place(const CloudAccount &account, const QString &password) const;
 
     /// Whether the account lies on a server and its password is not known, or not yet.
     [[nodiscard]] bool needsPassword() const { return m_account.isRemote() && !m_password; }
@@ -62,9 +62,9 @@ private:
     void startWithoutPassword(bool remembered);
     void readPassword();
     void usePassword(const QString &password);
-    void forgetRefused(const RecordPlace &used);
+    void dropRefusedPassword(const StoreLocation &used);
     void remember(const QString &password);
-    void forget();
+    void deletePassword();
 
     CloudAccounts m_accounts;
     QString m_recordFile;

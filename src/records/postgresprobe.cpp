@@ -127,10 +127,9 @@ CloudError::Code codeOfState(const QString &sqlState)
 }
 
 std::optional<CloudError> probePostgres(const CloudAccount &account, const QString &password,
-                                        std::chrono::milliseconds patience,
-                                        const std::atomic<bool> &cancelled)
+                                        std::chrono::milliseconds timeout, const std::atomic<bool> &cancelled)
 {
-    const Clock::time_point end = Clock::now() + patience;
+    const Clock::time_point end = Clock::now() + timeout;
     const PostgresLibrary *pq = PostgresLibrary::get();
     if (!pq)
         return CloudError{CloudError::Code::Other,

@@ -42,7 +42,7 @@ QString scopeName(DatabaseScope scope)
 constexpr QChar nul(u'\0');
 constexpr QChar nulStandIn(u'\uFDD0');
 
-QDateTime momentOf(qint64 milliseconds, RecordSql::Moments &moments)
+QDateTime momentOf(qint64 milliseconds, RecordSql::DateTimeCache &moments)
 {
     const auto known = moments.constFind(milliseconds);
     return known != moments.cend()
@@ -158,7 +158,7 @@ QVariant RecordSql::stored(FieldType type, const QVariant &value)
     return value;
 }
 
-QVariant RecordSql::loaded(FieldType type, const QVariant &value, Moments &moments)
+QVariant RecordSql::loaded(FieldType type, const QVariant &value, DateTimeCache &moments)
 {
     const int held = value.typeId();
     // QPSQL gives whole numbers without a sign as unsigned ones.

@@ -34,11 +34,11 @@ public:
     /// @param created  where the record comes in the order of records, when it is new
     void appendRow(QVariantList &values, const CloudRecord &record, qint64 created) const;
     /// Points in time that a select has met already: the system is slow to tell what they are in local time.
-    using Moments = QHash<qint64, QDateTime>;
+    using DateTimeCache = QHash<qint64, QDateTime>;
 
     /// A record of a row of select(), whose first column is the name.
     template<typename Row>
-    [[nodiscard]] CloudRecord record(const Row &row, Moments &moments) const
+    [[nodiscard]] CloudRecord record(const Row &row, DateTimeCache &moments) const
     {
         CloudRecord found(m_type, loaded(FieldType::Text, row.value(0), moments).toString());
         for (qsizetype field = 0; field < m_type.fields().size(); ++field)
@@ -51,7 +51,7 @@ public:
     /// since 1970 UTC, a boolean as 0 or 1.
     [[nodiscard]] static QVariant stored(FieldType type, const QVariant &value);
     /// The value again; invalid where the store holds something of another type.
-    [[nodiscard]] static QVariant loaded(FieldType type, const QVariant &value, Moments &moments);
+    [[nodiscard]] static QVariant loaded(FieldType type, const QVariant &value, DateTimeCache &moments);
 
 private:
     const RecordType &m_type;

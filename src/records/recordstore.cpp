@@ -44,13 +44,13 @@ QString connectOptions(const CloudAccount &account)
 
 } // namespace
 
-QString RecordPlace::description() const
+QString StoreLocation::description() const
 {
     return account.isRemote() ? QStringLiteral("%1@%2/%3").arg(account.user, account.host, account.database)
                               : file;
 }
 
-RecordStore::RecordStore(RecordPlace place, const std::atomic<bool> &cancelled)
+RecordStore::RecordStore(StoreLocation place, const std::atomic<bool> &cancelled)
     : m_place(std::move(place))
     , m_cancelled(cancelled)
 {

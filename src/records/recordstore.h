@@ -17,7 +17,7 @@
 namespace oblino {
 
 /// Where cloud records lie: on the server of an account, or in a file of this machine.
-struct RecordPlace
+struct StoreLocation
 {
     QString file; ///< for an account without a host; its folder is made (0700) when it is missing
     CloudAccount account = {};
@@ -36,7 +36,7 @@ public:
     enum class Access { Read, Write };
 
     /// @param cancelled  ends a wait for the server early once it is true
-    RecordStore(RecordPlace place, const std::atomic<bool> &cancelled);
+    RecordStore(StoreLocation place, const std::atomic<bool> &cancelled);
     RecordStore(const RecordStore &) = delete;
     RecordStore &operator=(const RecordStore &) = delete;
     ~RecordStore();
@@ -45,7 +45,7 @@ public:
     [[nodiscard]] Error open();
     void close();
     [[nodiscard]] bool isOpen() const;
-    [[nodiscard]] const RecordPlace &place() const { return m_place; }
+    [[nodiscard]] const StoreLocation &place() const { return m_place; }
     /// A copy of the descriptor of the connection to a server, which is the caller's; -1 without one.
     [[nodiscard]] int duplicateSocket() const;
 
@@ -94,7 +94,7 @@ private:
     [[nodiscard]] Execution execute(const QString &statement, const QVariantList &values);
     [[nodiscard]] Error errorOf(const QSqlError &error);
 
-    RecordPlace m_place;
+    StoreLocation m_place;
     const std::atomic<bool> &m_cancelled;
     QString m_connection; // its name
     std::map<QString, QSqlQuery> m_prepared;

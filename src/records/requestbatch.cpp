@@ -10,7 +10,7 @@ namespace oblino {
 namespace {
 
 // Few numbers, so that few statements are prepared.
-constexpr std::size_t together[] = {64, 8, 1};
+constexpr std::size_t chunkSizes[] = {64, 8, 1};
 constexpr int attempts = 5;
 
 using Table = std::pair<DatabaseScope, const RecordType *>;
@@ -39,7 +39,7 @@ std::optional<Table> tableOf(const CloudRequest &request)
 }
 
 // The text that a query looks for; empty for a query that stands by itself.
-QString soughtText(const CloudRequest &request)
+QString searchKey(const CloudRequest &request)
 {
     const auto *query = std::get_if<QueryRequest>(&request.what);
     if (!query || query->query.predicate.value.typeId() != QMetaType::QString)
@@ -54,12 +54,10 @@ bool isWriting(const CloudRequest &request)
            std::holds_alternative<ZoneRequest>(request.what);
 }
 
-bool standsAlone(const CloudRequest &request)
+bool isBatchable(const CloudRequest &request)
 {
-    if (std::holds_alternative<QueryRequest>(request.what))
-        return soughtText(request).isEmpty();
-    return !std::holds_alternative<SaveRequest>(request.what) &&
-           !std::holds_alternative<DeletionRequest>(request.what);
+    return !searchKey(request).isEmpty() || std::holds_alternative<SaveRequest>(request.what) ||
+           std::holds_alternative<DeletionRequest>(request.what);
 }
 
 QString keyOf(const CloudRequest &request)
@@ -69,9 +67,9 @@ QString keyOf(const CloudRequest &request)
 }
 
 // How many requests from the first on can be carried out by statements of one form.
-std::size_t stretch(std::span<CloudRequest> requests)
+std::size_t runLength(std::span<CloudRequest> requests)
 {
-    if (standsAlone(requests.front()))
+    if (!isBatchable(requests.front()))
         return 1;
     const auto table = tableOf(requests.front());
     const QString key = keyOf(requests.front());
@@ -79,7 +77,7 @@ std::size_t stretch(std::span<CloudRequest> requests)
     QSet<QString> saved; // one statement cannot write a record twice
     std::size_t length = 0;
     for (const CloudRequest &request : requests) {
-        if (request.error || request.what.index() != kind || standsAlone(request) ||
+        if (request.error || request.what.index() != kind || !isBatchable(request) ||
             tableOf(request) != table || keyOf(request) != key)
             break;
         if (const auto *save = std::get_if<SaveRequest>(&request.what)) {
@@ -102,15 +100,15 @@ RequestBatch::RequestBatch(RecordStore &store, const QList<const RecordType *> &
 {
 }
 
-void RequestBatch::carryOut(std::span<CloudRequest> requests)
+void RequestBatch::process(std::span<CloudRequest> requests)
 {
     prepare(requests);
-    carryOutPrepared(requests);
+    processPrepared(requests);
 }
 
 // Halves of a batch that failed are tried until what cannot be done is by itself: few transactions, however
 // large the batch. A place that cannot be reached is the same for all.
-void RequestBatch::carryOutPrepared(std::span<CloudRequest> requests)
+void RequestBatch::processPrepared(std::span<CloudRequest> requests)
 {
     const Error error = inOneTransaction(requests);
     if (!error)
@@ -118,8 +116,8 @@ void RequestBatch::carryOutPrepared(std::span<CloudRequest> requests)
     if (requests.size() > 1 && m_store.isOpen() && !m_cancelled &&
         error->code != CloudError::Code::Unreachable) {
         const std::size_t half = requests.size() / 2;
-        carryOutPrepared(requests.first(half));
-        carryOutPrepared(requests.subspan(half));
+        processPrepared(requests.first(half));
+        processPrepared(requests.subspan(half));
         return;
     }
     for (CloudRequest &request : requests)
@@ -179,13 +177,13 @@ RequestBatch::Error RequestBatch::run(std::span<CloudRequest> requests)
             requests = requests.subspan(1);
             continue;
         }
-        const std::size_t length = stretch(requests);
+        const std::size_t length = runLength(requests);
         for (std::span<CloudRequest> rest = requests.first(length); !rest.empty();) {
             if (m_cancelled)
                 return CloudError{CloudError::Code::Other,
                                   QCoreApplication::translate("CloudStore", "The program is ending.")};
             const std::size_t count = *std::ranges::find_if(
-                together, [&rest](std::size_t number) { return number <= rest.size(); });
+                chunkSizes, [&rest](std::size_t number) { return number <= rest.size(); });
             if (Error error = runTogether(rest.first(count)))
                 return error;
             rest = rest.subspan(count);
@@ -238,14 +236,14 @@ RequestBatch::Error RequestBatch::query(std::span<CloudRequest> requests)
             values += RecordSql::stored(type->fields().at(field).type,
                                         std::get<QueryRequest>(request.what).query.predicate.value);
     }
-    RecordSql::Moments moments;
-    const bool byText = !standsAlone(requests.front());
+    RecordSql::DateTimeCache moments;
+    const bool byText = isBatchable(requests.front());
     Error error = m_store.select(table.select(key, values.size()), values, [&](const QSqlQuery &row) {
         CloudRecord record = table.record(row, moments);
         found[byText ? record.value(key).toString() : QString()] += std::move(record);
     });
     for (CloudRequest &request : requests)
-        std::get<QueryRequest>(request.what).found = found.value(soughtText(request));
+        std::get<QueryRequest>(request.what).found = found.value(searchKey(request));
     return error;
 }
 

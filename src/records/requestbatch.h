@@ -22,13 +22,13 @@ public:
                  const std::atomic<bool> &cancelled);
 
     /// Sets the error and the results of every request. The store is open.
-    void carryOut(std::span<CloudRequest> requests);
+    void process(std::span<CloudRequest> requests);
 
 private:
     using Error = RecordStore::Error;
 
     void prepare(std::span<CloudRequest> requests);
-    void carryOutPrepared(std::span<CloudRequest> requests);
+    void processPrepared(std::span<CloudRequest> requests);
     [[nodiscard]] Error checkAccount();
     [[nodiscard]] Error inOneTransaction(std::span<CloudRequest> requests);
     [[nodiscard]] Error run(std::span<CloudRequest> requests);

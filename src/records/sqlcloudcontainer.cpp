@@ -20,44 +20,44 @@ using namespace std::chrono_literals;
 namespace {
 
 constexpr std::size_t largestBatch = 4096; // requests in one transaction
-constexpr auto finishing = 700ms;          // at the end, for what waits
-constexpr auto lastWait = 1500ms;          // and then for what is under way
-constexpr auto goodbye = 500ms;            // to a server, which need not answer
+constexpr auto drainTimeout = 700ms;       // at the end, for what waits
+constexpr auto shutdownTimeout = 1500ms;   // and then for what is under way
+constexpr auto disconnectTimeout = 500ms;  // to a server, which need not answer
 
 } // namespace
 
 // What the container and its thread share.
 struct SqlCloudContainer::Service
 {
-    Service(const RecordPlace &where, const QList<const RecordType *> &recordTypes,
-            std::chrono::milliseconds patience)
+    Service(const StoreLocation &where, const QList<const RecordType *> &recordTypes,
+            std::chrono::milliseconds timeout)
         : place(where)
         , types(recordTypes)
-        , deadline(patience)
+        , deadline(timeout)
     {
     }
 
     void add(CloudRequest request);
-    void move(const RecordPlace &to);
+    void move(const StoreLocation &to);
     void run();
-    [[nodiscard]] RecordPlace settleIn();
-    void carryOutWaiting(RecordStore &store, RequestBatch &batch);
-    void carryOut(std::vector<CloudRequest> &requests, RecordStore &store, RequestBatch &batch);
-    void tellRefused(const CloudError &error, const RecordPlace &used);
+    [[nodiscard]] StoreLocation settleIn();
+    void processWaiting(RecordStore &store, RequestBatch &batch);
+    void process(std::vector<CloudRequest> &requests, RecordStore &store, RequestBatch &batch);
+    void tellRefused(const CloudError &error, const StoreLocation &used);
     [[nodiscard]] bool waitForWork();
 
     std::mutex mutex;
     std::condition_variable changed;
     std::vector<CloudRequest> waiting;
     std::vector<CloudRequest> outdated; // were meant for a place before
-    RecordPlace place;
-    bool isElsewhere = false; // the place, or its password, has changed since it was opened
-    bool hasMoved = false;    // the place itself, and what the thread asks for is meant for the one before
+    StoreLocation place;
+    bool locationChanged = false; // the place, or its password, has changed since it was opened
+    bool hasMoved = false; // the place itself, and what the thread asks for is meant for the one before
     std::thread::id thread = {};
-    std::function<void(const RecordPlace &used)> onLoginRefused = [](const RecordPlace &) {};
+    std::function<void(const StoreLocation &used)> onLoginRefused = [](const StoreLocation &) {};
     bool isWorking = false;
     bool hasEnded = false;
-    std::atomic<bool> ends = false;
+    std::atomic<bool> stopping = false;
     QList<const RecordType *> types;
     CallDeadline deadline;
 };
@@ -103,7 +103,7 @@ void SqlCloudContainer::Service::add(CloudRequest request)
         changed.notify_all();
 }
 
-void SqlCloudContainer::Service::move(const RecordPlace &to)
+void SqlCloudContainer::Service::move(const StoreLocation &to)
 {
     const std::lock_guard lock(mutex);
     if (to.account != place.account || to.file != place.file) {
@@ -113,16 +113,16 @@ void SqlCloudContainer::Service::move(const RecordPlace &to)
         waiting.clear();
     }
     place = to;
-    isElsewhere = true;
+    locationChanged = true;
     changed.notify_all();
 }
 
 // Refuses what was asked of places before. @return the place from now on
-RecordPlace SqlCloudContainer::Service::settleIn()
+StoreLocation SqlCloudContainer::Service::settleIn()
 {
     std::unique_lock lock(mutex);
     thread = std::this_thread::get_id();
-    while (!outdated.empty() && !ends) {
+    while (!outdated.empty() && !stopping) {
         std::vector<CloudRequest> requests = std::exchange(outdated, {});
         lock.unlock();
         for (CloudRequest &request : requests) {
@@ -133,19 +133,19 @@ RecordPlace SqlCloudContainer::Service::settleIn()
         }
         lock.lock();
     }
-    isElsewhere = false;
+    locationChanged = false;
     hasMoved = false;
     return place;
 }
 
 void SqlCloudContainer::Service::run()
 {
-    while (!ends) {
-        RecordStore store(settleIn(), ends);
-        RequestBatch batch(store, types, ends);
+    while (!stopping) {
+        RecordStore store(settleIn(), stopping);
+        RequestBatch batch(store, types, stopping);
         while (waitForWork())
-            carryOutWaiting(store, batch);
-        CallDeadline last(goodbye);
+            processWaiting(store, batch);
+        CallDeadline last(disconnectTimeout);
         last.begin(store.duplicateSocket());
         store.close();
         last.end();
@@ -161,12 +161,12 @@ bool SqlCloudContainer::Service::waitForWork()
     std::unique_lock lock(mutex);
     isWorking = false;
     changed.notify_all();
-    changed.wait(lock, [this] { return ends || isElsewhere || !waiting.empty(); });
+    changed.wait(lock, [this] { return stopping || locationChanged || !waiting.empty(); });
     isWorking = true;
-    return !ends && !isElsewhere;
+    return !stopping && !locationChanged;
 }
 
-void SqlCloudContainer::Service::carryOutWaiting(RecordStore &store, RequestBatch &batch)
+void SqlCloudContainer::Service::processWaiting(RecordStore &store, RequestBatch &batch)
 {
     std::vector<CloudRequest> requests;
     {
@@ -176,9 +176,9 @@ void SqlCloudContainer::Service::carryOutWaiting(RecordStore &store, RequestBatc
         requests.assign(std::move_iterator(waiting.begin()), std::move_iterator(last));
         waiting.erase(waiting.begin(), last);
     }
-    carryOut(requests, store, batch);
+    process(requests, store, batch);
     for (const CloudRequest &request : requests) {
-        if (ends)
+        if (stopping)
             return;
         answer(request);
     }
@@ -186,8 +186,8 @@ void SqlCloudContainer::Service::carryOutWaiting(RecordStore &store, RequestBatc
 
 // A connection that the server has dropped since the last time is opened again: nothing of a transaction that
 // was under way has remained, and saving or deleting a record twice is the same as once.
-void SqlCloudContainer::Service::carryOut(std::vector<CloudRequest> &requests, RecordStore &store,
-                                          RequestBatch &batch)
+void SqlCloudContainer::Service::process(std::vector<CloudRequest> &requests, RecordStore &store,
+                                         RequestBatch &batch)
 {
     for (bool mayBeStale = store.isOpen();; mayBeStale = false) {
         const std::optional<CloudError> unopened = store.open();
@@ -198,50 +198,50 @@ void SqlCloudContainer::Service::carryOut(std::vector<CloudRequest> &requests, R
             return;
         }
         deadline.begin(store.duplicateSocket());
-        batch.carryOut(requests);
+        batch.process(requests);
         if (deadline.end() || store.isOpen() || !mayBeStale)
             return;
     }
 }
 
 // Under the lock, so that nobody is told any more once the container has gone.
-void SqlCloudContainer::Service::tellRefused(const CloudError &error, const RecordPlace &used)
+void SqlCloudContainer::Service::tellRefused(const CloudError &error, const StoreLocation &used)
 {
     const std::lock_guard lock(mutex);
-    if (error.code == CloudError::Code::LoginRefused && !ends)
+    if (error.code == CloudError::Code::LoginRefused && !stopping)
         onLoginRefused(used);
 }
 
-SqlCloudContainer::SqlCloudContainer(const RecordPlace &place, const QList<const RecordType *> &types,
-                                     std::chrono::milliseconds patience)
-    : m_service(std::make_shared<Service>(place, types, patience))
+SqlCloudContainer::SqlCloudContainer(const StoreLocation &place, const QList<const RecordType *> &types,
+                                     std::chrono::milliseconds timeout)
+    : m_service(std::make_shared<Service>(place, types, timeout))
 {
     for (const DatabaseScope scope : {DatabaseScope::Public, DatabaseScope::Private, DatabaseScope::Shared})
         m_databases.emplace(scope, std::make_unique<Database>(scope, *m_service));
     std::thread([service = m_service] { service->run(); }).detach();
 }
 
-// The thread may hang in the look-up of a name, which nothing ends; then the program ends without it.
+// The thread may hang in the look-up of a name, which nothing stopping; then the program ends without it.
 SqlCloudContainer::~SqlCloudContainer()
 {
     {
         std::unique_lock lock(m_service->mutex);
-        m_service->changed.wait_for(lock, finishing,
+        m_service->changed.wait_for(lock, drainTimeout,
                                     [this] { return m_service->waiting.empty() && !m_service->isWorking; });
     }
-    m_service->ends = true;
+    m_service->stopping = true;
     m_service->deadline.cutAll();
     std::unique_lock lock(m_service->mutex);
     m_service->changed.notify_all();
-    m_service->changed.wait_for(lock, lastWait, [this] { return m_service->hasEnded; });
+    m_service->changed.wait_for(lock, shutdownTimeout, [this] { return m_service->hasEnded; });
 }
 
-void SqlCloudContainer::setPlace(const RecordPlace &place)
+void SqlCloudContainer::setPlace(const StoreLocation &place)
 {
     m_service->move(place);
 }
 
-void SqlCloudContainer::setOnLoginRefused(std::function<void(const RecordPlace &used)> onLoginRefused)
+void SqlCloudContainer::setOnLoginRefused(std::function<void(const StoreLocation &used)> onLoginRefused)
 {
     const std::lock_guard lock(m_service->mutex);
     m_service->onLoginRefused = std::move(onLoginRefused);
@@ -268,8 +268,8 @@ void SqlCloudContainer::discoverUserIdentity(const QString &phoneNumber, Identit
     m_service->add({DiscoveryRequest{phoneNumber, std::move(handler)}});
 }
 
-std::optional<CloudError> checkPlace(const RecordPlace &place, const QList<const RecordType *> &types,
-                                     const std::atomic<bool> &cancelled)
+std::optional<CloudError> testConnection(const StoreLocation &place, const QList<const RecordType *> &types,
+                                         const std::atomic<bool> &cancelled)
 {
     RecordStore store(place, cancelled);
     RequestBatch batch(store, types, cancelled);
@@ -277,7 +277,7 @@ std::optional<CloudError> checkPlace(const RecordPlace &place, const QList<const
     requests.push_back({StatusRequest{}});
     std::optional<CloudError> error = store.open();
     if (!error) {
-        batch.carryOut(requests);
+        batch.process(requests);
         error = requests.front().error;
     }
     return error;

@@ -24,19 +24,19 @@ class SqlCloudContainer : public CloudContainer
 {
 public:
     /// @param types     what an account must be able to keep in its private database
-    /// @param patience  how long the server may take for what waits together; then the connection is cut
-    SqlCloudContainer(const RecordPlace &place, const QList<const RecordType *> &types,
-                      std::chrono::milliseconds patience = std::chrono::seconds(20));
+    /// @param timeout  how long the server may take for what waits together; then the connection is cut
+    SqlCloudContainer(const StoreLocation &place, const QList<const RecordType *> &types,
+                      std::chrono::milliseconds timeout = std::chrono::seconds(20));
     ~SqlCloudContainer() override;
 
     /// Keeps the records in another place from now on. Requests that wait, and those that the handlers of
     /// earlier ones make, are answered with an error; none of them reaches that place. They go on where only
     /// the password is another.
-    void setPlace(const RecordPlace &place);
+    void setPlace(const StoreLocation &place);
 
     /// Sets what is told when a server refuses to sign in, with the place and the password that were used;
     /// called on the thread of the service, before the requests are answered, and must not call back.
-    void setOnLoginRefused(std::function<void(const RecordPlace &used)> onLoginRefused);
+    void setOnLoginRefused(std::function<void(const StoreLocation &used)> onLoginRefused);
 
     [[nodiscard]] QString description() const override;
     [[nodiscard]] CloudDatabase &database(DatabaseScope scope) override;
@@ -53,8 +53,8 @@ private:
 
 /// Whether records of these types can be kept in that place; opens it for a moment, and may take as long as a
 /// server takes, or less once `cancelled` is true. @return what is wrong, in words
-[[nodiscard]] std::optional<CloudError> checkPlace(const RecordPlace &place,
-                                                   const QList<const RecordType *> &types,
-                                                   const std::atomic<bool> &cancelled);
+[[nodiscard]] std::optional<CloudError> testConnection(const StoreLocation &place,
+                                                       const QList<const RecordType *> &types,
+                                                       const std::atomic<bool> &cancelled);
 
 } // namespace oblino

@@ -74,7 +74,7 @@ NotesFile::Reading NotesFile::read()
     if (result.text)
         m_bytes = std::move(reading.bytes);
     else
-        file->forget();
+        file->invalidate();
     result.notices = m_documents.takeNotices() + result.notices;
     return result;
 }

@@ -115,7 +115,7 @@ QString versionNote(const VersionContent &content)
     return sentences.join(QLatin1Char(' '));
 }
 
-QString whyNotRestorable(const VersionContent &content)
+QString restoringError(const VersionContent &content)
 {
     if (!content.error.isEmpty())
         return content.error;

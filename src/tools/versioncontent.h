@@ -55,6 +55,6 @@ struct VersionSummary
 [[nodiscard]] QString versionNote(const VersionContent &content);
 
 /// Why a version cannot be restored, in a sentence; empty when it can.
-[[nodiscard]] QString whyNotRestorable(const VersionContent &content);
+[[nodiscard]] QString restoringError(const VersionContent &content);
 
 } // namespace oblino

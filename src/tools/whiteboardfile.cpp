@@ -47,7 +47,7 @@ WhiteboardFile::Reading WhiteboardFile::read(const QString &path, QSize board)
     Reading result;
     SafeFile &file = fileAt(path, result.notices);
     if (QFileInfo(path).size() > largestFile) {
-        file.forget();
+        file.invalidate();
         result.notices << unreadWords.arg(QStringLiteral("it has more than 64 MiB"));
         return result;
     }
@@ -62,7 +62,7 @@ WhiteboardFile::Reading WhiteboardFile::read(const QString &path, QSize board)
     if (result.picture.isNull())
         result.notices << unreadWords.arg(QStringLiteral("it holds no picture that can be shown"));
     if (result.picture.isNull() || !isOfBoard(result.picture.size(), board))
-        file.forget();
+        file.invalidate();
     return result;
 }
 
@@ -110,7 +110,7 @@ QString WhiteboardFile::moveHuge(const QString &path, QStringList &notices)
     const RecoveryFolder::Kept kept =
         recovery.move(QFile::encodeName(info.canonicalFilePath()), info.fileName(), VersionReason::Unread);
     if (kept.error != 0)
-        return QStringLiteral("what it held could not be kept (%1)").arg(errorWords(kept.error));
+        return QStringLiteral("what it held could not be kept (%1)").arg(errorMessage(kept.error));
     notices << QStringLiteral("“%1” held something that had not been read. It was moved to %2.")
                    .arg(info.fileName(), kept.path);
     return {};

@@ -27,7 +27,7 @@ QString shortened(const QString &text)
 int bestViewOf(const task &t, QDate day)
 {
     constexpr int views[] = {1, 2, 0, 4, 5, 3, globalAllView};
-    return *std::ranges::find_if(views, [&](int view) { return timesInView(t, view, day) > 0; });
+    return *std::ranges::find_if(views, [&](int view) { return occurrencesInView(t, view, day) > 0; });
 }
 
 } // namespace
@@ -62,7 +62,7 @@ QString addedText(const QList<task> &added, int view, const QString &searchTerm,
     const QString &best = labels.at(bestViewOf(t, day));
     if (!searchTerm.isEmpty() && tasksMatching(added, searchTerm).isEmpty())
         return tr("Added “%1” to %2; it does not match the search.").arg(name, best);
-    if (timesInView(t, view, day) == 0)
+    if (occurrencesInView(t, view, day) == 0)
         return tr("Added “%1” to %2; this view shows %3.").arg(name, best, labels.value(view));
     return tr("Added “%1”.").arg(name);
 }

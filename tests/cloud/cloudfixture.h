@@ -55,7 +55,7 @@ public:
     TaskManager store{settings, appearance};
     TaskCloud copy;
     ScriptedContainer container{service}; // goes after the thread of the service
-    const RecordPlace place{home.path(QStringLiteral("Cloud.sqlite"))};
+    const StoreLocation place{home.path(QStringLiteral("Cloud.sqlite"))};
     SqlCloudContainer service{place, {&taskRecordType()}};
 };
 

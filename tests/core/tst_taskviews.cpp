@@ -91,7 +91,9 @@ private Q_SLOTS:
     void comparesWholeDays()
     {
         const QDate day(2024, 3, 10);
-        const auto isDue = [day](const QDateTime &due) { return timesInView({.due = due}, 9, day) == 1; };
+        const auto isDue = [day](const QDateTime &due) {
+            return occurrencesInView({.due = due}, 9, day) == 1;
+        };
         QVERIFY(!isDue(day.startOfDay().addMSecs(-1)));
         QVERIFY(isDue(day.startOfDay())); // which is not midnight
         QVERIFY(isDue(day.addDays(1).startOfDay().addMSecs(-1)));

@@ -230,7 +230,7 @@ private Q_SLOTS:
         if (!PostgresServer::isInstalled())
             QSKIP("PostgreSQL is not installed.");
         PostgresServer server;
-        const RecordPlace place = server.newPlace();
+        const StoreLocation place = server.newPlace();
         Desktop desktop(CloudAccount{});
         desktop.openWindow();
         desktop.enter(place.account);
@@ -283,7 +283,7 @@ private Q_SLOTS:
         if (!PostgresServer::isInstalled())
             QSKIP("PostgreSQL is not installed.");
         PostgresServer server;
-        const RecordPlace place = server.newPlace();
+        const StoreLocation place = server.newPlace();
         Desktop desktop(place.account);
         desktop.openWindow();
         const QString words = u"Wrong password: the server refused the user name or the password."_s;

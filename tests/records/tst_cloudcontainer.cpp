@@ -19,7 +19,7 @@ namespace {
 
 const QString table = u"\"cloud_private_Note\""_s;
 
-std::unique_ptr<SqlCloudContainer> containerAt(const RecordPlace &place)
+std::unique_ptr<SqlCloudContainer> containerAt(const StoreLocation &place)
 {
     return std::make_unique<SqlCloudContainer>(place, QList{&noteType()});
 }
@@ -118,7 +118,7 @@ private Q_SLOTS:
                 const QString owner = QString::number(random.bounded(10));
                 // Long stretches of one kind with others between them.
                 const int kind = random.bounded(4) == 0 ? random.bounded(3) : (i / 100) % 3;
-                const auto failed = [&all](const CloudFailure &failure) { all += wordsOf(failure); };
+                const auto failed = [&all](const CloudFailure &failure) { all += errorMessage(failure); };
                 if (kind == 0)
                     database.saveRecord(note(name, u"owner"_s, owner),
                                         [failed](const auto &, const auto &failure) { failed(failure); });
@@ -127,7 +127,7 @@ private Q_SLOTS:
                 else
                     database.performQuery({&noteType(), {u"owner"_s, owner}},
                                           [&all](const auto &records, const auto &failure) {
-                                              all += namesOf(records) + wordsOf(failure);
+                                              all += namesOf(records) + errorMessage(failure);
                                           });
                 if (&all == &answers.back())
                     (void)statusOf(*container);
@@ -172,7 +172,7 @@ private Q_SLOTS:
         std::shared_ptr<const Answers> followed;
         HeldAnswer held(*m_container, [&] { followed = saveMany(*m_container, 3); });
         const auto waited = saveMany(*m_container, 20);
-        const RecordPlace elsewhere = newPlace();
+        const StoreLocation elsewhere = newPlace();
         m_container->setPlace(elsewhere);
         const auto asked = saveMany(*m_container, 1);
         held.release();
@@ -206,7 +206,7 @@ private Q_SLOTS:
     void sharesItsRecordsWithOthers()
     {
         for (int round = 0; round < 3; ++round) {
-            const RecordPlace place = newPlace();
+            const StoreLocation place = newPlace();
             const std::array containers = {containerAt(place), containerAt(place), containerAt(place)};
             std::array<QString, 3> failures;
             for (int i = 0; i < 150; ++i) {
@@ -214,7 +214,7 @@ private Q_SLOTS:
                 for (std::size_t which = 0; which < containers.size(); ++which) {
                     CloudDatabase &database = containers.at(which)->privateCloudDatabase();
                     const auto answer = [&words = failures.at(which)](const auto &, const auto &failure) {
-                        words += wordsOf(failure);
+                        words += errorMessage(failure);
                     };
                     database.performQuery({&noteType(), {u"owner"_s, owner}}, answer);
                     database.saveRecord(note(QString::number(i % 7), u"owner"_s, owner), answer);
@@ -228,17 +228,17 @@ private Q_SLOTS:
     }
 
 private:
-    RecordPlace newPlace()
+    StoreLocation newPlace()
     {
         QFETCH_GLOBAL(bool, isServer);
         return isServer ? m_server->newPlace()
-                        : RecordPlace{.file = m_folder.filePath(u"%1/cloud.sqlite"_s.arg(m_names++))};
+                        : StoreLocation{.file = m_folder.filePath(u"%1/cloud.sqlite"_s.arg(m_names++))};
     }
 
     // In memory where that can be had, as syncing a busy disk takes long.
     QTemporaryDir m_folder{QFileInfo(u"/dev/shm"_s).isWritable() ? u"/dev/shm/cloud-XXXXXX"_s : QString()};
     std::unique_ptr<PostgresServer> m_server;
-    RecordPlace m_place;
+    StoreLocation m_place;
     std::unique_ptr<SqlCloudContainer> m_container;
     int m_names = 0;
 };

@@ -71,7 +71,7 @@ private Q_SLOTS:
 private:
     static std::unique_ptr<SqlCloudContainer> containerAt(const QString &path)
     {
-        return std::make_unique<SqlCloudContainer>(RecordPlace{path}, QList{&noteType()});
+        return std::make_unique<SqlCloudContainer>(StoreLocation{path}, QList{&noteType()});
     }
 };
 

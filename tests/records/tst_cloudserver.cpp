@@ -114,7 +114,7 @@ private Q_SLOTS:
         runAt(m_place, u"UPDATE %1 SET text = chr(129) WHERE \"recordName\" = 'two'"_s.arg(table));
         const auto [records, error] = find(*container);
         QCOMPARE(records.size(), 0);
-        QVERIFY2(wordsOf(error).contains(u"no equivalent"_s), qPrintable(wordsOf(error)));
+        QVERIFY2(errorMessage(error).contains(u"no equivalent"_s), qPrintable(errorMessage(error)));
     }
 
     void triesAgainAfterAConflict()
@@ -191,7 +191,7 @@ private:
 
     QTemporaryDir m_home;
     std::unique_ptr<PostgresServer> m_server;
-    RecordPlace m_place;
+    StoreLocation m_place;
 };
 
 OBLINO_TEST(tst_cloudserver, QCoreApplication)

@@ -53,20 +53,20 @@ std::tuple<Results...> answerTo(Request request)
 }
 
 /// What went wrong; empty where all is well.
-[[nodiscard]] inline QString wordsOf(const CloudFailure &failure)
+[[nodiscard]] inline QString errorMessage(const CloudFailure &failure)
 {
     return failure ? failure->localizedDescription : QString();
 }
 
 [[nodiscard]] inline QString save(CloudContainer &container, const CloudRecord &record)
 {
-    return wordsOf(std::get<1>(answerTo<std::optional<CloudRecord>, CloudFailure>(
+    return errorMessage(std::get<1>(answerTo<std::optional<CloudRecord>, CloudFailure>(
         [&](auto handler) { container.privateCloudDatabase().saveRecord(record, handler); })));
 }
 
 [[nodiscard]] inline QString remove(CloudContainer &container, const QString &name)
 {
-    return wordsOf(std::get<0>(answerTo<CloudFailure>([&](auto handler) {
+    return errorMessage(std::get<0>(answerTo<CloudFailure>([&](auto handler) {
         container.privateCloudDatabase().deleteRecord({&noteType(), name}, handler);
     })));
 }
@@ -97,7 +97,7 @@ find(CloudContainer &container, const RecordPredicate &predicate = {}, const Rec
 [[nodiscard]] inline QString namesIn(CloudContainer &container, const RecordPredicate &predicate = {})
 {
     const auto [records, error] = find(container, predicate);
-    return error ? wordsOf(error) : namesOf(records);
+    return error ? errorMessage(error) : namesOf(records);
 }
 
 /// A request whose handler does not return until the test lets it, so that other requests wait.

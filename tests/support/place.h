@@ -48,7 +48,7 @@ struct Place
     }
 
     [[nodiscard]] SafeFile file() const { return SafeFile(path, privateFolder); }
-    [[nodiscard]] QByteArray encodedPath() const { return withoutLinks(path); }
+    [[nodiscard]] QByteArray encodedPath() const { return resolveSymlinks(path); }
 
     /// A journal as an interrupted save from `before` to `after` leaves it.
     [[nodiscard]] QByteArray journal(const QByteArray &before, const QByteArray &after) const

@@ -65,7 +65,7 @@ PostgresServer::PostgresServer()
 {
     makeData();
     start();
-    RecordPlace socket = place(u"postgres"_s);
+    StoreLocation socket = place(u"postgres"_s);
     socket.account.host = m_folder.path();
     socket.account.user = superuser;
     for (const QString &name : {user, stranger})
@@ -120,7 +120,7 @@ void PostgresServer::stop()
         m_server.kill();
 }
 
-RecordPlace PostgresServer::place(const QString &database) const
+StoreLocation PostgresServer::place(const QString &database) const
 {
     return {.file = {},
             .account = {.host = u"127.0.0.1"_s,
@@ -131,7 +131,7 @@ RecordPlace PostgresServer::place(const QString &database) const
             .password = password};
 }
 
-RecordPlace PostgresServer::newPlace(const QString &options)
+StoreLocation PostgresServer::newPlace(const QString &options)
 {
     const QString name = u"cloud records %1"_s.arg(++m_databases);
     runAt(place(u"postgres"_s), u"CREATE DATABASE \"%1\" %2"_s.arg(name, options));

@@ -34,13 +34,13 @@ public:
 
     /// An empty database of the user's.
     /// @param options  of CREATE DATABASE
-    [[nodiscard]] RecordPlace newPlace(const QString &options = {});
+    [[nodiscard]] StoreLocation newPlace(const QString &options = {});
 
     /// The file of the authority that vouches for its certificate.
     [[nodiscard]] QString rootCertificate() const { return m_folder.filePath(QStringLiteral("tls.crt")); }
 
 private:
-    [[nodiscard]] RecordPlace place(const QString &database) const;
+    [[nodiscard]] StoreLocation place(const QString &database) const;
     void makeData();
 
     QTemporaryDir m_folder;

@@ -15,7 +15,7 @@ namespace oblino {
 class SecondConnection
 {
 public:
-    explicit SecondConnection(const RecordPlace &place)
+    explicit SecondConnection(const StoreLocation &place)
         : m_database(QSqlDatabase::addDatabase(place.account.isRemote() ? QStringLiteral("QPSQL")
                                                                         : QStringLiteral("QSQLITE"),
                                                QUuid::createUuid().toString()))
@@ -52,7 +52,7 @@ private:
 };
 
 /// Runs a statement on a connection of its own. @return the first value that it gives
-inline QVariant runAt(const RecordPlace &place, const QString &statement)
+inline QVariant runAt(const StoreLocation &place, const QString &statement)
 {
     return SecondConnection(place).run(statement);
 }

@@ -283,7 +283,7 @@ private Q_SLOTS:
             for (const VersionReason reason : {VersionReason::Daily, VersionReason::Rescued})
                 w.keep(QString::fromLatin1(name), row("S", "secret"), reason);
         }
-        QCOMPARE(w.documents.file(u"ltodolist.txt"_s)->setAside("secret^").error, QString());
+        QCOMPARE(w.documents.file(u"ltodolist.txt"_s)->quarantine("secret^").error, QString());
         EarlierVersionsWindow &window = w.open();
         ViewControllerDestroy eraser(ErasableData{.store = w.store,
                                                   .taskList = w.list,

@@ -133,7 +133,7 @@ private Q_SLOTS:
         for (const QString &path : {eraser.home.listPath(), eraser.notes, eraser.board}) {
             SafeFile file(path, eraser.home.privateFolder());
             QVERIFY(file.write("other\n").written); // keeps a copy of what it replaces
-            QCOMPARE(file.setAside("secret").error, QString());
+            QCOMPARE(file.quarantine("secret").error, QString());
             TemporaryHome::write(path, "secret");
             TemporaryHome::write(file.journalPath(), "secret");
             for (const QString &folder :

@@ -1,7 +1,7 @@
 #include <support/table.h>
 #include <support/testmain.h>
 
-#include <controls/calmstyle.h>
+#include <controls/oblinostyle.h>
 #include <controls/theme.h>
 
 #include <QtWidgets>
@@ -42,7 +42,7 @@ class tst_theme : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void initTestCase() { QApplication::setStyle(new CalmStyle); }
+    void initTestCase() { QApplication::setStyle(new OblinoStyle); }
 
     void controlsStandOutFromADarkGround_data()
     {

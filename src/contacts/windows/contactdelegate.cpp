@@ -45,7 +45,7 @@ QWidget *ContactDelegate::createEditor(QWidget *parent, const QStyleOptionViewIt
     field->setAccessibleName(name ? tr("Name") : tr("Phone Number"));
     field->setTextMargins(padding, 0, padding, 0);
     field->setMaxLength(std::numeric_limits<int>::max());
-    new RefusingValidator(isFieldText, whyNotFieldText(), field);
+    new RefusingValidator(isFieldText, fieldTextError(), field);
     return field;
 }
 

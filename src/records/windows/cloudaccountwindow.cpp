@@ -35,7 +35,7 @@ QString problemOfHost(const QString &hosts)
 }
 
 // A warning, hidden where there are no words.
-void say(QLabel *label, const QString &words)
+void showWarning(QLabel *label, const QString &words)
 {
     constexpr QRgb onLight = 0xffa8201a;
     constexpr QRgb onDark = 0xffffb4a9;
@@ -48,9 +48,9 @@ void say(QLabel *label, const QString &words)
     label->setVisible(!words.isEmpty());
 }
 
-void complain(QWidget *field, QLabel *label, const QString &words)
+void showFieldError(QWidget *field, QLabel *label, const QString &words)
 {
-    say(label, words);
+    showWarning(label, words);
     field->setAccessibleDescription(words);
 }
 
@@ -76,7 +76,7 @@ CloudAccountWindow::CloudAccountWindow(CloudSession &session, QWidget *parent)
     m_ui->buttons->addButton(tr("Cancel"), QDialogButtonBox::RejectRole);
     for (QLabel *label : findChildren<QLabel *>()) {
         if (label->objectName().endsWith(QLatin1String("Problem")))
-            say(label, {});
+            showWarning(label, {});
     }
     m_ui->testProgress->hide();
     m_ui->testResult->hide();
@@ -98,11 +98,11 @@ CloudAccountWindow::~CloudAccountWindow()
 void CloudAccountWindow::connectControls()
 {
     for (QLineEdit *field : {m_ui->hostField, m_ui->databaseField, m_ui->userField, m_ui->passwordField})
-        connect(field, &QLineEdit::textChanged, this, &CloudAccountWindow::forgetTest);
-    connect(m_ui->portField, &QSpinBox::textChanged, this, &CloudAccountWindow::forgetTest);
+        connect(field, &QLineEdit::textChanged, this, &CloudAccountWindow::invalidateTest);
+    connect(m_ui->portField, &QSpinBox::textChanged, this, &CloudAccountWindow::invalidateTest);
     const auto renew = [this](auto *field, QLabel *problem) {
         using Field = std::remove_pointer_t<decltype(field)>;
-        connect(field, &Field::textChanged, this, [field, problem] { complain(field, problem, {}); });
+        connect(field, &Field::textChanged, this, [field, problem] { showFieldError(field, problem, {}); });
     };
     renew(m_ui->hostField, m_ui->hostProblem);
     renew(m_ui->portField, m_ui->portProblem);
@@ -165,34 +165,35 @@ void CloudAccountWindow::showChoice()
     if (!onServer) {
         for (QLabel *problem :
              {m_ui->hostProblem, m_ui->portProblem, m_ui->databaseProblem, m_ui->userProblem})
-            say(problem, {});
+            showWarning(problem, {});
     }
-    forgetTest();
+    invalidateTest();
 }
 
 void CloudAccountWindow::showSecurity()
 {
     switch (enteredTlsMode()) {
     case TlsMode::VerifyFull:
-        say(m_ui->securityWarning, {});
+        showWarning(m_ui->securityWarning, {});
         break;
     case TlsMode::Require:
-        say(m_ui->securityWarning,
-            tr("Whoever answers in the server's place can read and change everything."));
+        showWarning(m_ui->securityWarning,
+                    tr("Whoever answers in the server's place can read and change everything."));
         break;
     case TlsMode::Disable:
-        say(m_ui->securityWarning, tr("Everybody on the way to the server can read and change everything, "
-                                      "the password too."));
+        showWarning(m_ui->securityWarning,
+                    tr("Everybody on the way to the server can read and change everything, "
+                       "the password too."));
         break;
     }
-    forgetTest();
+    invalidateTest();
 }
 
 CloudAccount CloudAccountWindow::entered() const
 {
     if (m_ui->localButton->isChecked())
         return {};
-    return {.host = tidyHosts(m_ui->hostField->text()),
+    return {.host = normalizedHosts(m_ui->hostField->text()),
             .port = static_cast<quint16>(m_ui->portField->value()),
             .database = m_ui->databaseField->text().trimmed(),
             .user = m_ui->userField->text().trimmed(),
@@ -227,7 +228,7 @@ bool CloudAccountWindow::inputIsGood()
               unless(!account.user.isEmpty(), tr("Enter the user name on the server."))}};
     QWidget *first = nullptr;
     for (const Check &check : checks) {
-        complain(check.field, check.label, check.problem);
+        showFieldError(check.field, check.label, check.problem);
         if (!first && !check.problem.isEmpty())
             first = check.field;
     }
@@ -268,9 +269,9 @@ void CloudAccountWindow::startTest()
     m_ui->testResult->show();
     m_test = std::make_shared<Test>();
     m_test->window = this;
-    const RecordPlace place = m_session.place(entered(), m_ui->passwordField->text());
+    const StoreLocation place = m_session.place(entered(), m_ui->passwordField->text());
     Dispatch::background(Dispatch::Priority::High, [test = m_test, place, types = m_session.recordTypes()] {
-        const std::optional<CloudError> error = checkPlace(place, types, test->isCancelled);
+        const std::optional<CloudError> error = testConnection(place, types, test->isCancelled);
         const std::lock_guard lock(test->mutex);
         if (test->window) {
             Dispatch::main(test->window, [test, error] {
@@ -292,7 +293,7 @@ void CloudAccountWindow::endTest()
 }
 
 // An outcome tells nothing of what has been entered since.
-void CloudAccountWindow::forgetTest()
+void CloudAccountWindow::invalidateTest()
 {
     endTest();
     m_ui->testProgress->hide();
@@ -302,7 +303,7 @@ void CloudAccountWindow::forgetTest()
 
 void CloudAccountWindow::showOutcome(const std::optional<CloudError> &error)
 {
-    forgetTest();
+    invalidateTest();
     m_ui->testResult->setText(error ? error->localizedDescription
                                     : tr("The server can be used: sign-in and rights are in order."));
     m_ui->testResult->show();

@@ -52,7 +52,7 @@ private:
 
     void startTest();
     void endTest();
-    void forgetTest();
+    void invalidateTest();
     void showOutcome(const std::optional<CloudError> &error);
 
     CloudSession &m_session;

@@ -237,7 +237,7 @@ void EarlierVersionsWindow::enableButtons()
     const bool isHeld = kind() == DataKind::Tasks && m_data.store.isWaitingForCloud();
     QString whyNot = isHeld ? tr("The cloud is being waited for.") : noVersion;
     if (whyNot.isEmpty())
-        whyNot = whyNotRestorable(m_content);
+        whyNot = restoringError(m_content);
     enable(m_ui->restoreButton, whyNot,
            isWhole(m_content.reason)
                ? tr("Put this version in place of what there is now, which is kept first")

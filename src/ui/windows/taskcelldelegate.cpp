@@ -37,7 +37,7 @@ const TaskTableModel &modelOf(const QModelIndex &index)
 
 CellColors colorsOf(const QStyleOptionViewItem &option, const QModelIndex &index)
 {
-    const QColor row = laidOver(modelOf(index).didAdd(index.row()), option.palette.color(QPalette::Base));
+    const QColor row = composited(modelOf(index).didAdd(index.row()), option.palette.color(QPalette::Base));
     if (!(option.state & QStyle::State_Selected))
         return {row, row, readableOn(row)};
     const QColor accent = option.palette.color(QPalette::Highlight);

@@ -75,14 +75,14 @@ void TaskForm::prepareFields()
     for (TimeField *field : {startTime, endTime})
         connect(field, &TimeField::timeChosen, this, &TaskForm::showTimesNotice);
     for (NameBox *box : {client, teamMember}) {
-        new RefusingValidator(isFieldText, whyNotFieldText(), box->lineEdit());
+        new RefusingValidator(isFieldText, fieldTextError(), box->lineEdit());
         connect(box, &NameBox::nameEntered, this, &TaskForm::showUnknownNames);
     }
     connect(m_ui->unknownClient, &UnknownName::addRequested, this,
             [this] { Q_EMIT clientToAdd(client->currentText().trimmed()); });
     connect(m_ui->unknownTeamMember, &UnknownName::addRequested, this,
             [this] { Q_EMIT teamMemberToAdd(teamMember->currentText().trimmed()); });
-    new RefusingValidator(isFieldText, whyNotFieldText(), txtTaskName);
+    new RefusingValidator(isFieldText, fieldTextError(), txtTaskName);
 }
 
 void TaskForm::showTimesNotice()
@@ -169,12 +169,12 @@ void TaskForm::setPeople(const QString &clientName, const QString &teamMemberNam
 
 QDateTime TaskForm::date() const
 {
-    return m_date.held(dtTaskDate->date(), dtTaskDate->date().startOfDay());
+    return m_date.value(dtTaskDate->date(), dtTaskDate->date().startOfDay());
 }
 
 QDateTime TaskForm::dueDate() const
 {
-    return m_due.held(dtTaskDueDate->date(), dtTaskDueDate->date().startOfDay());
+    return m_due.value(dtTaskDueDate->date(), dtTaskDueDate->date().startOfDay());
 }
 
 bool TaskForm::judge()
@@ -198,11 +198,11 @@ bool TaskForm::isBeingTyped() const
 task TaskForm::entered() const
 {
     const auto text = [](const KeptValue<QString> &kept, const QString &shown) {
-        return kept.held(shown, shown);
+        return kept.value(shown, shown);
     };
     const auto time = [this](const KeptValue<HourAndMinute, QTime> &kept, const TimeField &picker) {
-        return kept.held(picker.time(), {m_utilities.getHourFromDatePicker(picker),
-                                         m_utilities.getMinuteFromDatePicker(picker)});
+        return kept.value(picker.time(), {m_utilities.getHourFromDatePicker(picker),
+                                          m_utilities.getMinuteFromDatePicker(picker)});
     };
     const qint64 status = inTaskStatus->currentData().toLongLong();
     const qint64 priority = inTaskPriority->currentData().toLongLong();

@@ -88,7 +88,7 @@ bool ViewController::windowShouldClose()
             return false;
     }
     takeUpChanges(); // what a form has put off until now
-    if (!m_beforeEnd())
+    if (!m_quitGuard())
         return false;
     Q_EMIT terminationRequested();
     return true;
@@ -136,7 +136,7 @@ void ViewController::ChangeView()
 
 void ViewController::reloadTableData()
 {
-    forgetSortOrder();
+    invalidateSortOrder();
     changeList();
 }
 
@@ -145,7 +145,7 @@ void ViewController::interfaceModeChanged()
     trace("Dark mode change");
     m_file.interfaceModeChanged();
     reinitForSearching();
-    forgetSortOrder();
+    invalidateSortOrder();
     disableSelectionButtons();
     reload();
     showNotices();

@@ -105,7 +105,7 @@ public:
     void comeToFront();
 
     /// Sets what is called before the window closes. It answers whether the application may end.
-    void setBeforeEnd(std::function<bool()> beforeEnd) { m_beforeEnd = std::move(beforeEnd); }
+    void setQuitGuard(std::function<bool()> guard) { m_quitGuard = std::move(guard); }
 
     /// Closes the forms without a question, as the program ends.
     void giveUpForms();
@@ -175,7 +175,7 @@ private:
     void moveSelected(bool up, const QString &elsewhereMessage);
     void showHideCommand(bool hidden);
     void setSelectionCommandsEnabled(bool enabled);
-    void forgetSortOrder();
+    void invalidateSortOrder();
     void reverseOrder();
     void find();
     void copyTask();
@@ -214,7 +214,7 @@ private:
     int m_sortColumn = 0;                 // by which the table was sorted last
     Qt::SortOrder m_sortOrder = Qt::AscendingOrder;
     QActionGroup *m_views = nullptr;
-    std::function<bool()> m_beforeEnd = [] { return true; };
+    std::function<bool()> m_quitGuard = [] { return true; };
     std::function<bool()> m_beforeCloud = [] { return true; };
     bool m_deletionHasAsked = false;
     QString m_waitingFor = tr("Waiting for the cloud"); // the start of a message

@@ -90,7 +90,7 @@ void ViewController::moveSelected(bool up, const QString &elsewhereMessage)
     }
     const QString key = m_store.getSelectedTask().key;
     if (m_store.swapSelected(up))
-        forgetSortOrder();
+        invalidateSortOrder();
     reload();
     disableSelectionButtons();
     m_store.setSelected(key);
@@ -142,7 +142,7 @@ void ViewController::cloneTask(QObject *sender)
     if (!showsSelection())
         return;
     m_store.cloneSelected(sender);
-    forgetSortOrder();
+    invalidateSortOrder();
     changeList();
 }
 

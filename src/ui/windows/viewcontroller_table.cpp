@@ -148,7 +148,7 @@ int ViewController::viewIndex() const
     return m_ui->viewSelection->currentIndex();
 }
 
-void ViewController::forgetSortOrder()
+void ViewController::invalidateSortOrder()
 {
     QHeaderView *header = m_ui->tblView->horizontalHeader();
     const QSignalBlocker blocker(header);

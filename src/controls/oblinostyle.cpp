@@ -1,4 +1,4 @@
-#include <controls/calmstyle.h>
+#include <controls/oblinostyle.h>
 
 #include <controls/icons.h>
 
@@ -109,20 +109,20 @@ private:
 
 } // namespace
 
-CalmStyle::CalmStyle()
+OblinoStyle::OblinoStyle()
     : QProxyStyle(QStringLiteral("fusion"))
 {
 }
 
-QSize CalmStyle::sizeFromContents(ContentsType type, const QStyleOption *option, const QSize &contents,
-                                  const QWidget *widget) const
+QSize OblinoStyle::sizeFromContents(ContentsType type, const QStyleOption *option, const QSize &contents,
+                                    const QWidget *widget) const
 {
     const QSize size = QProxyStyle::sizeFromContents(type, option, contents, widget);
     return type == CT_PushButton ? size + QSize(buttonAir, 0) : size;
 }
 
 // Those that a main window needs, as the first picture of Fusion's own would load a number of plugins.
-QIcon CalmStyle::standardIcon(StandardPixmap icon, const QStyleOption *option, const QWidget *widget) const
+QIcon OblinoStyle::standardIcon(StandardPixmap icon, const QStyleOption *option, const QWidget *widget) const
 {
     switch (icon) {
     case SP_ToolBarHorizontalExtensionButton:
@@ -134,8 +134,8 @@ QIcon CalmStyle::standardIcon(StandardPixmap icon, const QStyleOption *option, c
     }
 }
 
-void CalmStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
-                              const QWidget *widget) const
+void OblinoStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
+                                const QWidget *widget) const
 {
     const Saved saved(*painter);
     switch (element) {
@@ -152,8 +152,8 @@ void CalmStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *opti
         drawFrame(*painter, *option, option->palette.color(QPalette::Mid));
 }
 
-void CalmStyle::drawControl(ControlElement element, const QStyleOption *option, QPainter *painter,
-                            const QWidget *widget) const
+void OblinoStyle::drawControl(ControlElement element, const QStyleOption *option, QPainter *painter,
+                              const QWidget *widget) const
 {
     if (element != CE_ProgressBarGroove)
         return QProxyStyle::drawControl(element, option, painter, widget);
@@ -165,8 +165,8 @@ void CalmStyle::drawControl(ControlElement element, const QStyleOption *option, 
     painter->drawRoundedRect(option->rect, roundness, roundness);
 }
 
-void CalmStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex *option,
-                                   QPainter *painter, const QWidget *widget) const
+void OblinoStyle::drawComplexControl(ComplexControl control, const QStyleOptionComplex *option,
+                                     QPainter *painter, const QWidget *widget) const
 {
     QProxyStyle::drawComplexControl(control, option, painter, widget);
     const bool hasField = control == CC_SpinBox || control == CC_ComboBox;

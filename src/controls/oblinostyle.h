@@ -5,12 +5,12 @@
 namespace oblino {
 
 /// Qt's Fusion style with more air in buttons, and with outlines that can be seen on a dark ground too.
-class CalmStyle : public QProxyStyle
+class OblinoStyle : public QProxyStyle
 {
     Q_OBJECT
 
 public:
-    CalmStyle();
+    OblinoStyle();
 
     [[nodiscard]] QSize sizeFromContents(ContentsType type, const QStyleOption *option, const QSize &contents,
                                          const QWidget *widget) const override;
