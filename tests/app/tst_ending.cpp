@@ -161,6 +161,28 @@ private Q_SLOTS:
         QVERIFY(saved.isEmpty() || m_home.filesWith(saved).size() == 1);
     }
 
+    void asksOnceAboutAFormWhenTheUserQuits()
+    {
+        const StartedApplication program;
+        QTest::keyClick(program.window, Qt::Key_N, Qt::ControlModifier);
+        QTest::keyClicks(&find<QLineEdit>(*program.window, "txtTaskName"), u"typed"_s);
+        int asked = 0;
+        QTimer discarder;
+        connect(&discarder, &QTimer::timeout, this, [&asked] {
+            if (const auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget())) {
+                ++asked;
+                for (QAbstractButton *button : box->buttons())
+                    if (button->text() == u"Discard"_s)
+                        button->click();
+            }
+        });
+        discarder.start(5);
+        QTimer::singleShot(0, program.window, &QWidget::close);
+        QCOMPARE(QApplication::exec(), 0);
+        QCOMPARE(asked, 1);
+        QVERIFY(m_home.filesWith("typed").isEmpty());
+    }
+
     void theMainWindowTellsOfContactsThatCouldNotBeSaved()
     {
         const StartedApplication program;
