@@ -4,6 +4,7 @@
 #include <support/testmain.h>
 #include <support/timezone.h>
 
+#include <app/viewcontrollerenhancement.h>
 #include <contacts/windows/viewcontrollerclientmgmt.h>
 #include <contacts/windows/viewcontrollerteammgmt.h>
 #include <messaging/windows/viewcontrollersending.h>
@@ -221,6 +222,28 @@ private Q_SLOTS:
         QCOMPARE(m_home.filesWith("just typed").size(), 1);
         versions->close();
         walk.window->close();
+    }
+
+    void theGuideOpensFromEveryWindow()
+    {
+        TemporaryHome::write(m_home.listPath(), "1/1/24|old||1.0|1.0|1.0|1.0|1/1/24|0|0|Open|Low|old|"
+                                                "false|8|0|9|0||^");
+        const Walk walk;
+        find<QTableView>(*walk.window, "tblView").selectRow(0);
+        for (const char *action : {"newTaskAction", "editAction", "clientsAction", "teamMembersAction",
+                                   "sendAction", "settingsAction", "notesAction", "whiteboardAction",
+                                   "earlierVersionsAction", "eraserAction", "cloudAccountAction"}) {
+            static_cast<const StartedApplication &>(walk).choose(action);
+            QPointer<QWidget> window;
+            QTRY_VERIFY2((window = QApplication::activeWindow()) && window != walk.window, action);
+            QTest::keyClick(window->focusWidget() ? window->focusWidget() : window.data(), Qt::Key_F1);
+            const QPointer guide = walk.window->findChild<ViewControllerEnhancement *>();
+            QVERIFY2(guide && guide->isVisible(), action);
+            guide->close();
+            QTRY_VERIFY(!guide);
+            window->close();
+            QTRY_VERIFY(!window);
+        }
     }
 
     void goesOnWithTheDay()
