@@ -6,7 +6,7 @@
 #include <base/appearance.h>
 #include <base/notificationcenter.h>
 #include <base/trace.h>
-#include <contacts/contactmodel.h>
+#include <contacts/persistentcontainer.h>
 #include <controls/descriptionview.h>
 #include <core/taskmanager.h>
 #include <files/defaults.h>
@@ -51,16 +51,16 @@ QStringList names()
 
 void fillStore(const QString &folder)
 {
-    const auto container = makeContactContainer(folder);
-    if (const QString error = container->loadPersistentStores().error; !error.isEmpty())
+    PersistentContainer container(folder);
+    if (const QString error = container.loadPersistentStores().error; !error.isEmpty())
         qFatal("%s", qPrintable(error));
     for (const FetchRequest &request : {Clients::fetchRequest(), TeamMembers::fetchRequest()}) {
-        EntityModel *objects = container->viewContext()->objects(request.entityName);
+        ContactModel *objects = container.viewContext()->objects(request);
         objects->insertRows(0, contactCount);
         for (int row = 0; const QString &name : names())
             objects->setData(objects->index(row++, NameColumn), name);
     }
-    if (const QString error = container->viewContext()->save(); !error.isEmpty())
+    if (const QString error = container.viewContext()->save(); !error.isEmpty())
         qFatal("%s", qPrintable(error));
 }
 

@@ -8,7 +8,7 @@
 #include <base/unsavedwork.h>
 #include <cloud/taskcloud.h>
 #include <cloud/taskrecord.h>
-#include <contacts/contactmodel.h>
+#include <contacts/persistentcontainer.h>
 #include <contacts/windows/viewcontrollerclientmgmt.h>
 #include <contacts/windows/viewcontrollerteammgmt.h>
 #include <controls/theme.h>

@@ -1,75 +1,79 @@
 #include <contacts/managedobjectcontext.h>
 
-#include <contacts/sqlcalls.h>
-
-#include <algorithm>
+#include <contacts/sqlquery.h>
 
 namespace oblino {
 
-ManagedObjectContext::ManagedObjectContext(QString connection, const QList<Entity> &entities)
+ManagedObjectContext::ManagedObjectContext(QString connection)
     : m_connection(std::move(connection))
 {
-    for (const Entity &entity : entities)
-        m_models.push_back(std::make_unique<EntityModel>(entity));
 }
 
 QString ManagedObjectContext::load()
 {
-    for (const auto &model : m_models) {
-        if (QString error = model->load(database()); !error.isEmpty())
-            return error;
-    }
-    return {};
+    QString error;
+    for (ContactModel &model : m_models)
+        error = error.isEmpty() ? model.load(database()) : error;
+    return error;
 }
 
-EntityModel *ManagedObjectContext::objects(const QString &entityName) const
+ContactModel *ManagedObjectContext::objects(const FetchRequest &request)
 {
-    for (const auto &model : m_models) {
-        if (model->entity().name == entityName)
-            return model.get();
+    for (ContactModel &model : m_models) {
+        if (model.entityName() == request.entityName)
+            return &model;
     }
     return nullptr;
 }
 
 bool ManagedObjectContext::hasChanges() const
 {
-    return std::any_of(m_models.begin(), m_models.end(),
-                       [](const auto &model) { return model->hasChanges(); });
+    return m_models[0].hasChanges() || m_models[1].hasChanges();
 }
 
-QString ManagedObjectContext::save(std::chrono::milliseconds patience)
+QString ManagedObjectContext::save(std::chrono::milliseconds timeout)
 {
-    (void)SqlCall(database(), QStringLiteral("PRAGMA busy_timeout = %1").arg(patience.count()));
-    QString error = SqlCall(database(), QStringLiteral("BEGIN IMMEDIATE")).error();
+    const auto run = [this](const QString &statement) {
+        return errorMessage(execute(database(), statement));
+    };
+    (void)run(QStringLiteral("PRAGMA busy_timeout = %1").arg(timeout.count()));
+    QString error = run(QStringLiteral("BEGIN IMMEDIATE"));
     if (!error.isEmpty())
         return error;
-    for (size_t i = 0; i < m_models.size() && error.isEmpty(); ++i)
-        error = m_models[i]->write(database());
+    for (ContactModel &model : m_models)
+        error = error.isEmpty() ? model.write(database()) : error;
     if (error.isEmpty())
-        error = SqlCall(database(), QStringLiteral("COMMIT")).error();
+        error = run(QStringLiteral("COMMIT"));
     if (!error.isEmpty()) {
-        (void)SqlCall(database(), QStringLiteral("ROLLBACK")); // may have happened by itself
+        (void)run(QStringLiteral("ROLLBACK")); // may have happened by itself
         return error;
     }
-    for (const auto &model : m_models)
-        model->confirmWritten();
+    for (ContactModel &model : m_models)
+        model.confirmWritten();
     return {};
 }
 
-QString ManagedObjectContext::batchDelete(const QString &entityName)
+QString ManagedObjectContext::batchDelete(const FetchRequest &request)
 {
-    EntityModel *model = objects(entityName);
-    if (!model)
-        return QStringLiteral("no such entity: %1").arg(entityName);
-    QString error = SqlCall(database(), QStringLiteral("DELETE FROM %1").arg(sqlName(entityName))).error();
+    QString error =
+        errorMessage(execute(database(), QStringLiteral("DELETE FROM %1").arg(request.entityName)));
     if (error.isEmpty())
-        model->clear();
+        objects(request)->clear();
     return error;
 }
 
 QSqlDatabase ManagedObjectContext::database() const
 {
     return QSqlDatabase::database(m_connection, false);
+}
+
+QStringList fetchNames(ManagedObjectContext *context, const FetchRequest &request)
+{
+    const ContactModel *contacts = context ? context->objects(request) : nullptr;
+    QStringList names;
+    for (int row = 0; contacts && row < contacts->rowCount(); ++row)
+        names += contacts->text(row, NameColumn);
+    return names;
 }
 
 } // namespace oblino

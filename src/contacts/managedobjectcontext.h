@@ -1,49 +1,51 @@
 #pragma once
 
-#include <contacts/entity.h>
-#include <contacts/entitymodel.h>
+#include <contacts/contactmodel.h>
 
-#include <QList>
 #include <QString>
+#include <QStringList>
 
+#include <array>
 #include <chrono>
-#include <memory>
-#include <vector>
 
 class QSqlDatabase;
 
 namespace oblino {
 
-/// The objects of an opened store and what is pending of them. Belongs to the thread that opened the store.
+/// The contacts of an opened store and what is pending of them. Belongs to the thread that opened the store.
+/// The functions that return a text return an error, empty when all was done.
 class ManagedObjectContext
 {
 public:
     /// @param connection  the name of the open database connection, which outlives the context
-    ManagedObjectContext(QString connection, const QList<Entity> &entities);
+    explicit ManagedObjectContext(QString connection);
 
-    /// Reads all objects. @return an error, empty when it was done
+    /// Reads all contacts.
     [[nodiscard]] QString load();
 
-    /// The objects of an entity, or null when the store has no entity of that name. The context's own.
-    [[nodiscard]] EntityModel *objects(const QString &entityName) const;
+    /// The contacts that are asked for, edits that are pending included. The context's own; null when there
+    /// is no such entity.
+    [[nodiscard]] ContactModel *objects(const FetchRequest &request);
 
     /// Whether something is pending.
     [[nodiscard]] bool hasChanges() const;
 
-    /// Writes all that is pending, of every entity or of none; after a failure it is still pending.
-    /// @param patience  how long to wait for another program that has locked the store
-    /// @return an error, empty when it was done
-    [[nodiscard]] QString save(std::chrono::milliseconds patience = std::chrono::seconds(1));
+    /// Writes all that is pending, of both entities or of none; after a failure it is still pending.
+    /// @param timeout  how long to wait for another program that has locked the store
+    [[nodiscard]] QString save(std::chrono::milliseconds timeout = std::chrono::seconds(1));
 
-    /// Removes every object of the entity from the store at once, and what is pending of it here.
-    /// @return an error, empty when it was done
-    [[nodiscard]] QString batchDelete(const QString &entityName);
+    /// Removes every contact of the entity from the store at once, and what is pending of it here.
+    [[nodiscard]] QString batchDelete(const FetchRequest &request);
 
 private:
     [[nodiscard]] QSqlDatabase database() const;
 
     QString m_connection;
-    std::vector<std::unique_ptr<EntityModel>> m_models;
+    std::array<ContactModel, 2> m_models = {ContactModel(Clients::fetchRequest()),
+                                            ContactModel(TeamMembers::fetchRequest())};
 };
+
+/// The names of the contacts that are asked for; none where there is no context.
+[[nodiscard]] QStringList fetchNames(ManagedObjectContext *context, const FetchRequest &request);
 
 } // namespace oblino

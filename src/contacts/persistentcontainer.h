@@ -1,10 +1,6 @@
 #pragma once
 
-#include <contacts/entity.h>
 #include <contacts/managedobjectcontext.h>
-
-#include <QList>
-#include <QString>
 
 #include <memory>
 
@@ -19,37 +15,36 @@ struct StoreLoading
     QString type;     ///< the kind of store
 };
 
-/// A small local object store in one SQLite file. Each container has a connection of its own, used only on
-/// the thread that opened it. A file that cannot be used (damaged, locked by another process, read-only,
-/// written by a newer version, or not such a store) is an error and stays as it is.
+/// Where the contacts of this user lie.
+[[nodiscard]] QString contactsFolder();
+
+/// The store "Model" of the contacts, in one SQLite file. Each container has a connection of its own, used
+/// only on the thread that opened it. A file that cannot be used (damaged, locked by another process,
+/// read-only, written by a newer version, or not such a store) is an error and stays as it is.
 class PersistentContainer
 {
 public:
-    /// @param folder  where the file "<name>.sqlite" lies; made (0700) when it is missing
-    PersistentContainer(QString name, QList<Entity> entities, QString folder);
+    /// @param folder  where the file "Model.sqlite" lies; made (0700) when it is missing
+    explicit PersistentContainer(const QString &folder);
     PersistentContainer(const PersistentContainer &) = delete;
     PersistentContainer &operator=(const PersistentContainer &) = delete;
     ~PersistentContainer();
 
-    /// Opens the store, or makes it (0600).
+    /// Opens the store, or makes it (0600). Once.
     [[nodiscard]] StoreLoading loadPersistentStores();
 
     /// The main context, or null when no store is loaded. The container's own.
     [[nodiscard]] ManagedObjectContext *viewContext() const { return m_context.get(); }
 
 private:
-    [[nodiscard]] QString path() const;
     [[nodiscard]] QString open();
-    [[nodiscard]] QString prepare();
-    [[nodiscard]] QString check();
-    [[nodiscard]] QString makeTables();
-    void close();
 
-    QString m_name;
-    QList<Entity> m_entities;
-    QString m_folder;
+    QString m_path;
     QString m_connection; // its name
     std::unique_ptr<ManagedObjectContext> m_context;
 };
+
+/// Loads the container of a window, and traces what came of it in one line.
+[[nodiscard]] StoreLoading loadTraced(PersistentContainer &container);
 
 } // namespace oblino

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <contacts/contactmodel.h>
+#include <contacts/contacts.h>
 #include <messaging/schedule.h>
 
 #include <QObject>

@@ -1,24 +1,27 @@
 #pragma once
 
-#include <contacts/contactmodel.h>
+#include <contacts/persistentcontainer.h>
 
 #include <QTest>
 
 namespace oblino {
 
+inline void addContact(ContactModel &model, const QString &name, const QString &phoneNo = {})
+{
+    const int row = model.rowCount();
+    QVERIFY(model.insertRow(row) && model.setData(model.index(row, NameColumn), name) &&
+            model.setData(model.index(row, PhoneNoColumn), phoneNo));
+}
+
 /// Adds contacts to those in the store on disk.
 template<typename Contact>
 void storeContacts(const QString &folder, const QList<Contact> &contacts)
 {
-    const auto container = makeContactContainer(folder);
-    QCOMPARE(container->loadPersistentStores().error, QString());
-    EntityModel &model = *container->viewContext()->objects(Contact::fetchRequest().entityName);
-    for (const Contact &contact : contacts) {
-        const int row = model.rowCount();
-        QVERIFY(model.insertRow(row) && model.setData(model.index(row, NameColumn), contact.name) &&
-                model.setData(model.index(row, PhoneNoColumn), contact.phoneNo));
-    }
-    QCOMPARE(container->viewContext()->save(), QString());
+    PersistentContainer container(folder);
+    QCOMPARE(container.loadPersistentStores().error, QString());
+    for (const Contact &contact : contacts)
+        addContact(*container.viewContext()->objects(Contact::fetchRequest()), contact.name, contact.phoneNo);
+    QCOMPARE(container.viewContext()->save(), QString());
 }
 
 } // namespace oblino

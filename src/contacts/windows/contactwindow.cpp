@@ -1,13 +1,14 @@
 #include <contacts/windows/contactwindow.h>
 
 #include <base/trace.h>
-#include <contacts/windows/contacttable.h>
+#include <contacts/persistentcontainer.h>
+#include <contacts/windows/contactdelegate.h>
+#include <contacts/windows/contactlist.h>
 #include <controls/windowsize.h>
 #include <files/earlierversions.h>
+#include <ui_contactwindow.h>
 
 #include <QHideEvent>
-#include <QItemSelectionModel>
-#include <QPushButton>
 #include <QStandardPaths>
 
 #include <algorithm>
@@ -19,7 +20,7 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr auto patience = 1s; // with another program that has locked the store
+constexpr auto lockTimeout = 1s; // for another program that has locked the store
 
 QByteArray onOneLine(QString text)
 {
@@ -30,49 +31,55 @@ QByteArray onOneLine(QString text)
 
 } // namespace
 
-ContactWindow::ContactWindow(const QString &folder, QWidget *parent, std::chrono::milliseconds retryInterval)
+ContactWindow::ContactWindow(Kind kind, const QString &folder, QWidget *parent,
+                             std::chrono::milliseconds retryInterval)
     : QDialog(parent)
+    , m_ui(std::make_unique<Ui::ContactWindow>())
+    , m_kind(std::move(kind))
     , m_folder(folder)
-    , m_container(makeContactContainer(folder))
+    , m_container(std::make_unique<PersistentContainer>(folder))
+    , m_list(new ContactList(this))
 {
+    m_ui->setupUi(this);
+    setWindowTitle(m_kind.title);
+    m_ui->table->setObjectName(m_kind.tableName);
+    m_ui->table->setAccessibleName(m_kind.title);
+    m_ui->table->setModel(m_list);
+    m_list->setObjectName(m_kind.tableName + QLatin1String("Array"));
+    m_ui->addButton->setToolTip(tr("Add a %1 at the end of the list").arg(m_kind.singular));
+    connect(m_ui->table->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            &ContactWindow::enableRemoving);
+    enableRemoving();
+    connect(&m_ui->table->delegate(), &ContactDelegate::nameChanged, this,
+            [this] { nameChange(m_ui->table); });
     m_retry.setInterval(retryInterval);
     connect(&m_retry, &QTimer::timeout, this, &ContactWindow::retry);
 }
 
 ContactWindow::~ContactWindow()
 {
+    blockSignals(true); // whoever listens may be half gone with the windows
+    hide();
     // The last chance of edits that could not be saved when the window went away.
     if (managedObjectContext && managedObjectContext->hasChanges())
         (void)managedObjectContext->save(0ms);
 }
 
-// Whoever listens may be half gone with the windows.
-void ContactWindow::saveAtEnd()
+void ContactWindow::openStore()
 {
-    blockSignals(true);
-    hide();
-}
-
-void ContactWindow::openStore(const Outlets &outlets, const FetchRequest &request, const Names &names)
-{
-    m_outlets = outlets;
-    m_request = request;
-    m_names = names;
-    m_removeToolTip = m_outlets.remove->toolTip();
-    m_nothingToolTip = tr("No %1 are selected.").arg(names.plural);
     const StoreLoading loading = loadTraced(*m_container);
     managedObjectContext = m_container->viewContext();
-
-    m_outlets.table->setModel(m_outlets.list);
     if (managedObjectContext) {
-        m_outlets.list->setSourceModel(managedObjectContext->objects(request.entityName));
-        m_outlets.table->setEmptyMessage(tr("No %1 yet.\nChoose Add to enter the first.").arg(names.plural));
-    } else {
-        showUnopened(loading.error);
+        m_contacts = managedObjectContext->objects(m_kind.request);
+        m_list->setSourceModel(m_contacts);
+        m_ui->table->setEmptyMessage(tr("No %1 yet.\nChoose Add to enter the first.").arg(m_kind.plural));
+        return;
     }
-    connect(m_outlets.table->selectionModel(), &QItemSelectionModel::selectionChanged, this,
-            &ContactWindow::enableRemoving);
-    enableRemoving();
+    m_ui->table->setEmptyMessage(
+        tr("The %1 could not be opened, so none are shown here.").arg(m_kind.plural) + QLatin1String("\n\n") +
+        loading.error);
+    m_ui->addButton->setEnabled(false);
+    m_ui->addButton->setToolTip(tr("The %1 could not be opened.").arg(m_kind.plural));
 }
 
 void ContactWindow::viewWillAppear()
@@ -92,33 +99,38 @@ void ContactWindow::viewWillDisappear()
     }
 }
 
+QString ContactWindow::workTitle() const
+{
+    return tr("The %1").arg(m_kind.plural);
+}
+
 bool ContactWindow::isUnsaved() const
 {
-    return managedObjectContext && (managedObjectContext->hasChanges() || m_outlets.table->isEditing());
+    return managedObjectContext && (managedObjectContext->hasChanges() || m_ui->table->isEditing());
 }
 
 QString ContactWindow::saveNow()
 {
-    m_outlets.table->endEditing();
-    QString error = save(patience);
+    m_ui->table->endEditing();
+    QString error = save(lockTimeout);
     if (!error.isEmpty())
         Q_EMIT savingFailed(error);
     return error;
 }
 
-QString ContactWindow::save(std::chrono::milliseconds lockPatience)
+QString ContactWindow::save(std::chrono::milliseconds timeout)
 {
     if (!managedObjectContext)
         return {};
     const QString error =
-        managedObjectContext->hasChanges() ? managedObjectContext->save(lockPatience) : QString();
+        managedObjectContext->hasChanges() ? managedObjectContext->save(timeout) : QString();
     if (error.isEmpty()) {
-        settle();
+        finishSaving();
         return {};
     }
     trace("Unable to Save Contacts", error);
     m_problem = tr("%1 could not be saved: %2. What you entered is kept, and saved as soon as possible.")
-                    .arg(m_names.title, error);
+                    .arg(workTitle(), error);
     m_retry.start();
     return m_problem;
 }
@@ -132,7 +144,7 @@ void ContactWindow::retry()
 }
 
 // Nothing is pending any more.
-void ContactWindow::settle()
+void ContactWindow::finishSaving()
 {
     m_retry.stop();
     if (!std::exchange(m_problem, {}).isEmpty())
@@ -143,59 +155,52 @@ void ContactWindow::settle()
 
 QByteArray ContactWindow::unsavedContent() const
 {
-    const EntityModel *objects =
-        managedObjectContext ? managedObjectContext->objects(m_request.entityName) : nullptr;
     QByteArray lines;
-    for (int row = 0; objects && row < objects->rowCount(); ++row) {
-        const QStringList values = objects->object(row);
-        lines += onOneLine(values.at(NameColumn)) + '\t' + onOneLine(values.at(PhoneNoColumn)) + '\n';
-    }
+    for (int row = 0; m_contacts && row < m_contacts->rowCount(); ++row)
+        lines += onOneLine(m_contacts->text(row, NameColumn)) + '\t' +
+                 onOneLine(m_contacts->text(row, PhoneNoColumn)) + '\n';
     return lines;
 }
 
 QString ContactWindow::rescue()
 {
     const QString documents = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
-    return EarlierVersions(m_names.file, EarlierVersions::standardFolders(m_folder, documents))
+    return EarlierVersions(m_kind.rescueFile, EarlierVersions::standardFolders(m_folder, documents))
         .rescue(unsavedContent());
 }
 
 void ContactWindow::reload(const FetchRequest &request)
 {
-    if (request.entityName != m_request.entityName)
+    if (!m_contacts || request.entityName != m_contacts->entityName())
         return;
-    m_outlets.table->endEditing();
-    if (!managedObjectContext)
-        return;
-    managedObjectContext->objects(request.entityName)->clear();
+    m_ui->table->endEditing();
+    m_contacts->clear();
     if (const QString error = managedObjectContext->load(); !error.isEmpty())
         trace("Unable to Read Contacts", error);
-    settle();
+    finishSaving();
 }
 
 void ContactWindow::addContact()
 {
-    m_outlets.table->endEditing();
-    const QModelIndex name = m_outlets.list->add();
+    m_ui->table->endEditing();
+    const QModelIndex name = m_list->add();
     if (!name.isValid())
         return;
-    m_outlets.table->setCurrentIndex(name);
-    m_outlets.table->scrollTo(name);
-    m_outlets.table->edit(name);
+    m_ui->table->setCurrentIndex(name);
+    m_ui->table->scrollTo(name);
+    m_ui->table->edit(name);
 }
 
 void ContactWindow::removeContacts()
 {
-    m_outlets.table->endEditing();
-    const QModelIndexList rows = m_outlets.table->selectionModel()->selectedRows();
+    m_ui->table->endEditing();
+    const QModelIndexList rows = m_ui->table->selectionModel()->selectedRows();
     if (rows.isEmpty())
         return;
-    int first = rows.first().row();
-    for (const QModelIndex &index : rows)
-        first = std::min(first, index.row());
-    m_outlets.list->remove(rows);
-    m_outlets.table->selectRow(std::min(first, m_outlets.list->rowCount() - 1));
-    m_outlets.table->setFocus(Qt::OtherFocusReason);
+    const int first = std::min_element(rows.begin(), rows.end())->row();
+    m_list->remove(rows);
+    m_ui->table->selectRow(std::min(first, m_list->rowCount() - 1));
+    m_ui->table->setFocus(Qt::OtherFocusReason);
 }
 
 void ContactWindow::showEvent(QShowEvent *event)
@@ -212,19 +217,12 @@ void ContactWindow::hideEvent(QHideEvent *event)
     QDialog::hideEvent(event);
 }
 
-void ContactWindow::showUnopened(const QString &error)
-{
-    const QString words = tr("The %1 could not be opened, so none are shown here.").arg(m_names.plural);
-    m_outlets.table->setEmptyMessage(words + QLatin1String("\n\n") + error);
-    m_outlets.add->setEnabled(false);
-    m_outlets.add->setToolTip(tr("The %1 could not be opened.").arg(m_names.plural));
-}
-
 void ContactWindow::enableRemoving()
 {
-    const bool selected = m_outlets.table->selectionModel()->hasSelection();
-    m_outlets.remove->setEnabled(selected);
-    m_outlets.remove->setToolTip(selected ? m_removeToolTip : m_nothingToolTip);
+    const bool selected = m_ui->table->selectionModel()->hasSelection();
+    m_ui->removeButton->setEnabled(selected);
+    m_ui->removeButton->setToolTip(
+        (selected ? tr("Remove the selected %1") : tr("No %1 are selected.")).arg(m_kind.plural));
 }
 
 } // namespace oblino

@@ -1,8 +1,7 @@
 #pragma once
 
 #include <base/unsavedwork.h>
-#include <contacts/contactmodel.h>
-#include <contacts/windows/contactlist.h>
+#include <contacts/contacts.h>
 
 #include <QDialog>
 #include <QTimer>
@@ -10,11 +9,16 @@
 #include <chrono>
 #include <memory>
 
-class QPushButton;
-
 namespace oblino {
 
-class ContactTable;
+class ContactList;
+class ContactModel;
+class ManagedObjectContext;
+class PersistentContainer;
+
+namespace Ui {
+class ContactWindow;
+}
 
 /// What the two management windows have in common: a table of the contacts of one entity, with a container
 /// of the window's own. Edits are pending until the window goes away, by whatever way; then they are saved.
@@ -32,49 +36,44 @@ public:
     /// What is pending goes even where the store cannot be read.
     void reload(const FetchRequest &request);
 
-    [[nodiscard]] QString workTitle() const override { return m_names.title; }
+    [[nodiscard]] QString workTitle() const override;
     /// An editor that is open counts, whatever was typed there.
     [[nodiscard]] bool isUnsaved() const override;
     [[nodiscard]] QString saveNow() override;
     /// A line a contact: name, tab, number.
     [[nodiscard]] QByteArray unsavedContent() const override;
-    [[nodiscard]] QString unsavedFileName() const override { return m_names.file; }
+    [[nodiscard]] QString unsavedFileName() const override { return m_kind.rescueFile; }
     [[nodiscard]] QString rescue() override;
 
 Q_SIGNALS:
     /// Edits could not be saved; they are kept, and saving is tried again.
-    /// @param errorInWords  a sentence for the user
-    void savingFailed(const QString &errorInWords);
+    /// @param errorMessage  a sentence for the user
+    void savingFailed(const QString &errorMessage);
     /// There are no such edits any more.
     void saved();
 
 protected:
-    struct Outlets
+    /// What tells the windows apart.
+    struct Kind
     {
-        ContactTable *table;
-        ContactList *list;
-        QPushButton *add;
-        QPushButton *remove;
-    };
-
-    /// What the contacts are called.
-    struct Names
-    {
-        QString plural; ///< in the middle of a sentence
-        QString title;  ///< at its start, with the article
-        QString file;   ///< for one with their text
+        FetchRequest request;
+        QString rescueFile;
+        QString tableName; ///< the table's object name
+        QString title;     ///< the window's
+        QString singular;  ///< in the middle of a sentence
+        QString plural;
     };
 
     /// @param folder         where the contacts lie
     /// @param retryInterval  between two attempts to save what could not be saved
-    ContactWindow(const QString &folder, QWidget *parent, std::chrono::milliseconds retryInterval);
+    ContactWindow(Kind kind, const QString &folder, QWidget *parent, std::chrono::milliseconds retryInterval);
     ~ContactWindow() override;
 
-    /// Opens the container and shows the objects of the entity.
-    void openStore(const Outlets &outlets, const FetchRequest &request, const Names &names);
+    /// Opens the container and shows the contacts.
+    void openStore();
 
-    /// For destructors: has the window go away as it does otherwise, and tells nobody any more.
-    void saveAtEnd();
+    /// Called when the user has changed a name.
+    virtual void nameChange(QObject * /*sender*/) {}
 
     void addContact();
     void removeContacts();
@@ -82,25 +81,24 @@ protected:
     void showEvent(QShowEvent *event) override;
     void hideEvent(QHideEvent *event) override;
 
+    std::unique_ptr<Ui::ContactWindow> m_ui;
+
 private:
-    void showUnopened(const QString &error);
     void enableRemoving();
 
-    QString save(std::chrono::milliseconds patience);
+    QString save(std::chrono::milliseconds timeout);
     void retry();
-    void settle();
+    void finishSaving();
 
+    Kind m_kind;
     QString m_folder;
     std::unique_ptr<PersistentContainer> m_container;
-    ManagedObjectContext *managedObjectContext = nullptr;
-    Outlets m_outlets = {};
-    FetchRequest m_request;
-    Names m_names;
+    ManagedObjectContext *managedObjectContext = nullptr; // none without a store
+    ContactModel *m_contacts = nullptr;                   // the context's
+    ContactList *m_list;
     QTimer m_retry;
     QString m_problem;              // why the last saving failed; empty where it did not
     bool m_outlivesClosing = false; // and is to go once its edits are saved
-    QString m_removeToolTip;        // while something is selected
-    QString m_nothingToolTip;       // while nothing is
 };
 
 } // namespace oblino

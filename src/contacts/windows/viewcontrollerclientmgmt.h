@@ -1,12 +1,9 @@
 #pragma once
 
+#include <contacts/persistentcontainer.h>
 #include <contacts/windows/contactwindow.h>
 
 namespace oblino {
-
-namespace Ui {
-class ViewControllerClientMgmt;
-}
 
 /// The window in which the clients are managed.
 class ViewControllerClientMgmt : public ContactWindow
@@ -16,7 +13,6 @@ class ViewControllerClientMgmt : public ContactWindow
 public:
     explicit ViewControllerClientMgmt(const QString &folder = contactsFolder(), QWidget *parent = nullptr,
                                       std::chrono::milliseconds retryInterval = std::chrono::seconds(10));
-    ~ViewControllerClientMgmt() override;
 
     void loadView();
 
@@ -25,16 +21,8 @@ public:
     void AddCient(QObject *sender);
     void RemoveClient(QObject *sender);
     void resetData(QObject *sender);
-    void nameChange(QObject *sender);
+    void nameChange(QObject *sender) override;
     void okpressed(QObject *sender);
-
-private:
-    std::unique_ptr<Ui::ViewControllerClientMgmt> m_ui;
-
-    // Outlets
-
-    ContactTable *clientTable = nullptr;
-    ContactList *clientTableArray = nullptr;
 };
 
 } // namespace oblino

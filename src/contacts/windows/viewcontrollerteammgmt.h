@@ -1,12 +1,9 @@
 #pragma once
 
+#include <contacts/persistentcontainer.h>
 #include <contacts/windows/contactwindow.h>
 
 namespace oblino {
-
-namespace Ui {
-class ViewControllerTeamMgmt;
-}
 
 /// The window in which the team members are managed.
 class ViewControllerTeamMgmt : public ContactWindow
@@ -16,7 +13,6 @@ class ViewControllerTeamMgmt : public ContactWindow
 public:
     explicit ViewControllerTeamMgmt(const QString &folder = contactsFolder(), QWidget *parent = nullptr,
                                     std::chrono::milliseconds retryInterval = std::chrono::seconds(10));
-    ~ViewControllerTeamMgmt() override;
 
     void viewDidLoad();
 
@@ -25,13 +21,6 @@ public:
     void AddTeamMember(QObject *sender);
     void RemoveTeamMember(QObject *sender);
     void OkPressed(QObject *sender);
-
-private:
-    std::unique_ptr<Ui::ViewControllerTeamMgmt> m_ui;
-
-    // Outlets
-
-    ContactTable *teamTable = nullptr;
 };
 
 } // namespace oblino

@@ -100,7 +100,7 @@ void ViewControllerSending::connectControls()
 
 void ViewControllerSending::viewDidLoad()
 {
-    persistentContainer = makeContactContainer(m_contacts);
+    persistentContainer = std::make_unique<PersistentContainer>(m_contacts);
     const StoreLoading loading = loadTraced(*persistentContainer);
     managedObjectContext = persistentContainer->viewContext();
     const auto message = [&loading](const QString &nobody, const QString &unopened) {
@@ -126,7 +126,7 @@ void ViewControllerSending::prepare(ContactTable *table, ContactList *list, cons
                                     const QString &emptyMessage)
 {
     if (managedObjectContext)
-        list->setSourceModel(managedObjectContext->objects(request.entityName));
+        list->setSourceModel(managedObjectContext->objects(request));
     table->setModel(list);
     table->setEditTriggers(QAbstractItemView::NoEditTriggers);
     table->setSelectionMode(QAbstractItemView::MultiSelection);

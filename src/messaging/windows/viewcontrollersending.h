@@ -1,6 +1,6 @@
 #pragma once
 
-#include <contacts/contactmodel.h>
+#include <contacts/persistentcontainer.h>
 #include <messaging/sendingrun.h>
 #include <messaging/sendingstate.h>
 

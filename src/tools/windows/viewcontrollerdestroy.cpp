@@ -2,7 +2,7 @@
 
 #include <base/notificationcenter.h>
 #include <base/trace.h>
-#include <contacts/contactmodel.h>
+#include <contacts/persistentcontainer.h>
 #include <core/tasklistfile.h>
 #include <core/taskmanager.h>
 #include <tools/notesfile.h>
@@ -71,7 +71,7 @@ void ViewControllerDestroy::viewDidLoad()
 PersistentContainer &ViewControllerDestroy::persistentContainer()
 {
     if (!m_container)
-        m_container = makeContactContainer(m_data.privateFolder);
+        m_container = std::make_unique<PersistentContainer>(m_data.privateFolder);
     return *m_container;
 }
 
@@ -179,7 +179,7 @@ bool ViewControllerDestroy::eraseContacts(const QString &message)
 {
     if (!managedObjectContext)
         return report(message, m_storeError);
-    QString error = managedObjectContext->batchDelete(Contact::fetchRequest().entityName);
+    QString error = managedObjectContext->batchDelete(Contact::fetchRequest());
     if (error.isEmpty())
         error = m_data.documents.versions(Contact::rescueFile).removeAll();
     return report(message, error);

@@ -7,7 +7,6 @@
 #include <ui/windows/taskform.h>
 
 #include <base/trace.h>
-#include <contacts/contactmodel.h>
 #include <contacts/persistentcontainer.h>
 #include <core/taskmanager.h>
 
@@ -56,7 +55,7 @@ void TaskWindow::changeColor(QObject * /*sender*/)
 
 void TaskWindow::loadView()
 {
-    persistentContainer = makeContactContainer(m_dataFolder);
+    persistentContainer = std::make_unique<PersistentContainer>(m_dataFolder);
     const StoreLoading loading = persistentContainer->loadPersistentStores();
     if (loading.error.isEmpty()) {
         trace("---Persistent Store---:", loading.location, loading.type);
@@ -67,18 +66,19 @@ void TaskWindow::loadView()
     managedObjectContext = persistentContainer->viewContext();
     trace("Mngd Context:", managedObjectContext ? "Model" : "none");
     showContacts();
-    connect(m_form, &TaskForm::clientToAdd, this, &TaskWindow::askForNumber<Clients>);
-    connect(m_form, &TaskForm::teamMemberToAdd, this, &TaskWindow::askForNumber<TeamMembers>);
+    connect(m_form, &TaskForm::clientToAdd, this,
+            [this](const QString &name) { askForNumber(Clients::fetchRequest(), name); });
+    connect(m_form, &TaskForm::teamMemberToAdd, this,
+            [this](const QString &name) { askForNumber(TeamMembers::fetchRequest(), name); });
 }
 
 void TaskWindow::showContacts()
 {
-    m_form->setContacts(fetchNames<Clients>(managedObjectContext),
-                        fetchNames<TeamMembers>(managedObjectContext));
+    m_form->setContacts(fetchNames(managedObjectContext, Clients::fetchRequest()),
+                        fetchNames(managedObjectContext, TeamMembers::fetchRequest()));
 }
 
-template<typename Contact>
-void TaskWindow::askForNumber(const QString &name)
+void TaskWindow::askForNumber(const FetchRequest &directory, const QString &name)
 {
     auto *box = new QInputDialog(this);
     box->setAttribute(Qt::WA_DeleteOnClose);
@@ -86,24 +86,23 @@ void TaskWindow::askForNumber(const QString &name)
     box->setWindowTitle(tr("Add %1").arg(name));
     box->setLabelText(tr("Phone number"));
     connect(box, &QInputDialog::textValueSelected, this,
-            [this, name](const QString &number) { addContact(Contact{.name = name, .phoneNo = number}); });
+            [this, directory, name](const QString &number) { addContact(directory, name, number); });
     box->open();
 }
 
-template<typename Contact>
-void TaskWindow::addContact(const Contact &contact)
+void TaskWindow::addContact(const FetchRequest &directory, const QString &name, const QString &number)
 {
     QString error = tr("The directory could not be opened.");
     if (managedObjectContext) {
-        EntityModel &contacts = *managedObjectContext->objects(Contact::fetchRequest().entityName);
+        ContactModel &contacts = *managedObjectContext->objects(directory);
         const int row = contacts.rowCount();
         contacts.insertRow(row);
-        contacts.setData(contacts.index(row, NameColumn), contact.name);
-        contacts.setData(contacts.index(row, PhoneNoColumn), contact.phoneNo);
+        contacts.setData(contacts.index(row, NameColumn), name);
+        contacts.setData(contacts.index(row, PhoneNoColumn), number);
         error = managedObjectContext->save();
     }
     if (!error.isEmpty()) {
-        m_utilities.dialogOK(tr("“%1” could not be added: %2").arg(contact.name, error));
+        m_utilities.dialogOK(tr("“%1” could not be added: %2").arg(name, error));
         if (managedObjectContext)
             (void)managedObjectContext->load(); // without what could not be saved
     }

@@ -20,6 +20,7 @@ class PersistentContainer;
 class TaskForm;
 class TaskManager;
 class UIUtil;
+struct FetchRequest;
 
 /// What the forms of tasks work on.
 struct TaskWindowContext
@@ -94,10 +95,8 @@ protected:
 
 private:
     void watchDates();
-    template<typename Contact>
-    void askForNumber(const QString &name);
-    template<typename Contact>
-    void addContact(const Contact &contact);
+    void askForNumber(const FetchRequest &directory, const QString &name);
+    void addContact(const FetchRequest &directory, const QString &name, const QString &number);
     void showContacts();
     void moveDueDate();
     [[nodiscard]] bool asksToMoveDueDate(const QString &text);
