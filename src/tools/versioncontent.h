@@ -1,9 +1,9 @@
 #pragma once
 
+#include <base/datakind.h>
 #include <core/listdifference.h>
 #include <core/task.h>
 #include <files/recoveryfolder.h>
-#include <tools/datakind.h>
 
 #include <QByteArray>
 #include <QImage>

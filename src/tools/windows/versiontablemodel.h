@@ -1,7 +1,7 @@
 #pragma once
 
+#include <base/datakind.h>
 #include <files/earlierversions.h>
-#include <tools/datakind.h>
 #include <tools/versioncontent.h>
 
 #include <QAbstractTableModel>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <tools/datakind.h>
+#include <base/datakind.h>
 
 #include <QDialog>
 #include <QString>
