@@ -3,7 +3,6 @@
 #include <base/noticelog.h>
 #include <controls/emptystate.h>
 #include <controls/tableheader.h>
-#include <controls/windowsize.h>
 #include <core/tasklistfile.h>
 #include <core/taskmanager.h>
 #include <tools/notesfile.h>
@@ -15,7 +14,6 @@
 #include <QHeaderView>
 #include <QLocale>
 #include <QShortcut>
-#include <QShowEvent>
 #include <QStyledItemDelegate>
 
 #include <algorithm>
@@ -57,7 +55,7 @@ void enable(QPushButton *button, const QString &whyNot, const QString &toolTip)
 } // namespace
 
 EarlierVersionsWindow::EarlierVersionsWindow(EarlierVersionsData shownData, QWidget *parent)
-    : QDialog(parent)
+    : ToolWindow(parent, {560, 400})
     , m_data(std::move(shownData))
     , m_ui(std::make_unique<Ui::EarlierVersionsWindow>())
 {
@@ -264,20 +262,16 @@ void EarlierVersionsWindow::refreshIfChanged()
         refresh();
 }
 
-void EarlierVersionsWindow::showEvent(QShowEvent *event)
+void EarlierVersionsWindow::viewDidAppear()
 {
-    if (!event->spontaneous()) {
-        setLeastSize(*this, {560, 400});
-        m_ui->versionTable->setFocus(Qt::OtherFocusReason);
-    }
-    QDialog::showEvent(event);
+    m_ui->versionTable->setFocus(Qt::OtherFocusReason);
 }
 
 void EarlierVersionsWindow::changeEvent(QEvent *event)
 {
     if (event->type() == QEvent::ActivationChange && isActiveWindow())
         refreshIfChanged();
-    QDialog::changeEvent(event);
+    ToolWindow::changeEvent(event);
 }
 
 } // namespace oblino

@@ -1,11 +1,11 @@
 #pragma once
 
 #include <base/datakind.h>
+#include <controls/toolwindow.h>
 #include <files/earlierversions.h>
 #include <tools/versioncontent.h>
 #include <tools/windows/versiontablemodel.h>
 
-#include <QDialog>
 #include <QString>
 #include <QTimer>
 
@@ -44,7 +44,7 @@ struct EarlierVersionsData
 /// The earlier versions of the list, the notes and the whiteboard: a table of them, a look at the selected
 /// one, and commands that restore or delete it. What a restored version replaces is kept first. Beside them
 /// stands what the user was told in this run.
-class EarlierVersionsWindow : public QDialog
+class EarlierVersionsWindow : public ToolWindow
 {
     Q_OBJECT
 
@@ -60,7 +60,7 @@ Q_SIGNALS:
     void restored(DataKind kind);
 
 protected:
-    void showEvent(QShowEvent *event) override;
+    void viewDidAppear() override;
     void changeEvent(QEvent *event) override;
 
 private:

@@ -11,7 +11,6 @@
 #include <ui/uiutil.h>
 #include <ui_viewcontrollerdestroy.h>
 
-#include <QCloseEvent>
 #include <QDir>
 #include <QFileInfo>
 
@@ -26,32 +25,25 @@ constexpr qint64 delayAfterErasing = 1000; // ms
 } // namespace
 
 ViewControllerDestroy::ViewControllerDestroy(ErasableData erasable, QWidget *parent)
-    : QDialog(parent)
+    : ToolWindow(parent)
     , m_data(std::move(erasable))
     , m_ui(std::make_unique<Ui::ViewControllerDestroy>())
 {
     m_ui->setupUi(this);
-    deleteTasks = m_ui->deleteTasks;
-    deleteNotes = m_ui->deleteNotes;
-    deleteWhiteboard = m_ui->deleteWhiteboard;
-    deleteClients = m_ui->deleteClients;
-    deleteTeamMembers = m_ui->deleteTeamMembers;
-    deleteSettings = m_ui->deleteSettings;
-    deleteAll = m_ui->deleteAll;
-    deleteICloud = m_ui->deleteICloud;
     using Self = ViewControllerDestroy;
     m_categories = {
-        {DataKind::Tasks, deleteTasks, &dTask, QStringLiteral("\nTasks"), &Self::eraseTasks},
-        {DataKind::Notes, deleteNotes, &dNotes, QStringLiteral("\nNotes"), &Self::eraseNotes},
-        {DataKind::Whiteboard, deleteWhiteboard, &dWhiteboard, QStringLiteral("\nWhiteboard"),
+        {DataKind::Tasks, m_ui->deleteTasks, &dTask, QStringLiteral("\nTasks"), &Self::eraseTasks},
+        {DataKind::Notes, m_ui->deleteNotes, &dNotes, QStringLiteral("\nNotes"), &Self::eraseNotes},
+        {DataKind::Whiteboard, m_ui->deleteWhiteboard, &dWhiteboard, QStringLiteral("\nWhiteboard"),
          &Self::eraseWhiteboard},
-        {DataKind::Clients, deleteClients, &dClients, QStringLiteral("\nClients"), &Self::eraseClients},
-        {DataKind::TeamMembers, deleteTeamMembers, &dTeamMembers, QStringLiteral("\nTeamMembers"),
+        {DataKind::Clients, m_ui->deleteClients, &dClients, QStringLiteral("\nClients"), &Self::eraseClients},
+        {DataKind::TeamMembers, m_ui->deleteTeamMembers, &dTeamMembers, QStringLiteral("\nTeamMembers"),
          &Self::eraseTeamMembers},
-        {DataKind::Settings, deleteSettings, &dSettings, QStringLiteral("\nSettings"), &Self::eraseSettings},
-        {DataKind::Cloud, deleteICloud, &dICloud, QStringLiteral("\niCloud"), &Self::eraseCloud},
+        {DataKind::Settings, m_ui->deleteSettings, &dSettings, QStringLiteral("\nSettings"),
+         &Self::eraseSettings},
+        {DataKind::Cloud, m_ui->deleteICloud, &dICloud, QStringLiteral("\niCloud"), &Self::eraseCloud},
     };
-    connect(deleteAll, &QCheckBox::clicked, this, [this] { pressAll(deleteAll); });
+    connect(m_ui->deleteAll, &QCheckBox::clicked, this, [this] { pressAll(m_ui->deleteAll); });
     connect(m_ui->eraseButton, &QPushButton::clicked, this, [this] { OKErase(m_ui->eraseButton); });
     connect(m_ui->closeButton, &QPushButton::clicked, this, &QDialog::close);
     for (const auto change : {&TaskManager::cloudWaitBegan, &TaskManager::cloudWaitEnded})
@@ -87,7 +79,7 @@ void ViewControllerDestroy::holdWhileCloudIsWaitedFor()
 void ViewControllerDestroy::pressAll(QObject * /*sender*/)
 {
     for (const Category &category : m_categories)
-        category.box->setChecked(deleteAll->isChecked());
+        category.box->setChecked(m_ui->deleteAll->isChecked());
 }
 
 void ViewControllerDestroy::OKErase(QObject * /*sender*/)
@@ -235,20 +227,6 @@ bool ViewControllerDestroy::report(const QString &message, const QString &error)
 void ViewControllerDestroy::showCloudProgress(int percent)
 {
     m_ui->resultLabel->setText(tr("Erasing the tasks in the cloud: %1 %").arg(percent));
-}
-
-void ViewControllerDestroy::reject()
-{
-    if (!m_isErasing)
-        QDialog::reject();
-}
-
-void ViewControllerDestroy::closeEvent(QCloseEvent *event)
-{
-    if (m_isErasing)
-        event->ignore();
-    else
-        QDialog::closeEvent(event);
 }
 
 } // namespace oblino

@@ -1,8 +1,8 @@
 #pragma once
 
 #include <base/datakind.h>
+#include <controls/toolwindow.h>
 
-#include <QDialog>
 #include <QString>
 
 #include <functional>
@@ -44,7 +44,7 @@ struct ErasableData
 /// the program has kept of them. A kind that fails does not stop the others. What an open pad or board shows
 /// is not touched, and written again when that window next saves. Nothing is erased while the cloud is waited
 /// for.
-class ViewControllerDestroy : public QDialog
+class ViewControllerDestroy : public ToolWindow
 {
     Q_OBJECT
 
@@ -57,10 +57,8 @@ public:
     void pressAll(QObject *sender);
     void OKErase(QObject *sender);
 
-    void reject() override;
-
 protected:
-    void closeEvent(QCloseEvent *event) override;
+    [[nodiscard]] bool windowShouldClose() override { return !m_isErasing; }
 
 private:
     /// One kind of data. Its step returns whether all of it went.
@@ -106,17 +104,6 @@ private:
     bool dTeamMembers = false;
     bool dSettings = false;
     bool dICloud = false;
-
-    // Outlets
-
-    QCheckBox *deleteTasks = nullptr;
-    QCheckBox *deleteNotes = nullptr;
-    QCheckBox *deleteWhiteboard = nullptr;
-    QCheckBox *deleteClients = nullptr;
-    QCheckBox *deleteTeamMembers = nullptr;
-    QCheckBox *deleteSettings = nullptr;
-    QCheckBox *deleteAll = nullptr;
-    QCheckBox *deleteICloud = nullptr;
 };
 
 } // namespace oblino

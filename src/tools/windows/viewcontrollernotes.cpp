@@ -2,7 +2,6 @@
 
 #include <base/trace.h>
 #include <controls/noticelabel.h>
-#include <controls/windowsize.h>
 #include <core/taskmanager.h>
 #include <tools/lineends.h>
 #include <ui_viewcontrollernotes.h>
@@ -18,21 +17,20 @@ namespace oblino {
 ViewControllerNotes::ViewControllerNotes(TaskManager &store, Documents &documents, QWidget *parent,
                                          std::chrono::milliseconds interval,
                                          std::chrono::milliseconds afterLastKey)
-    : QDialog(parent)
+    : ToolWindow(parent, {320, 240})
     , m_store(store)
     , m_file(documents)
     , m_interval(interval)
     , m_ui(std::make_unique<Ui::ViewControllerNotes>())
 {
     m_ui->setupUi(this);
-    textEdit = m_ui->textEdit;
-    textEdit->document()->setDocumentMargin(16);
-    textEdit->installEventFilter(this);
+    m_ui->textEdit->document()->setDocumentMargin(16);
+    m_ui->textEdit->installEventFilter(this);
     m_afterLastKey.setSingleShot(true);
     m_afterLastKey.setInterval(afterLastKey);
     connect(&m_afterLastKey, &QTimer::timeout, this, &ViewControllerNotes::saveSoon);
     viewDidLoad();
-    connect(textEdit, &QPlainTextEdit::textChanged, &m_afterLastKey, qOverload<>(&QTimer::start));
+    connect(m_ui->textEdit, &QPlainTextEdit::textChanged, &m_afterLastKey, qOverload<>(&QTimer::start));
     if (m_file.hasPlace()) {
         m_watch = std::make_unique<FileWatch>(m_file.path());
         connect(m_watch.get(), &FileWatch::changed, this, &ViewControllerNotes::readWhatOthersWrote);
@@ -49,21 +47,20 @@ ViewControllerNotes::~ViewControllerNotes()
 
 void ViewControllerNotes::viewDidLoad()
 {
-    textEdit->document()->setModified(false);
+    m_ui->textEdit->document()->setModified(false);
     readFromFile();
-    textEdit->moveCursor(QTextCursor::End);
+    m_ui->textEdit->moveCursor(QTextCursor::End);
 }
 
 void ViewControllerNotes::viewDidAppear()
 {
-    setLeastSize(*this, {320, 240});
     // The ground is chosen with the text, so that the one stays readable on the other when the appearance
     // changes meanwhile.
-    QPalette palette = QApplication::palette(textEdit);
+    QPalette palette = QApplication::palette(m_ui->textEdit);
     palette.setColor(QPalette::Text, m_store.inDarkMode() ? Qt::white : Qt::black);
     palette.setColor(QPalette::Base, palette.color(QPalette::Base));
-    textEdit->setPalette(palette);
-    textEdit->ensureCursorVisible();
+    m_ui->textEdit->setPalette(palette);
+    m_ui->textEdit->ensureCursorVisible();
     timer = std::make_unique<QTimer>();
     connect(timer.get(), &QTimer::timeout, this, [this] { tick(*timer); });
     timer->start(m_interval);
@@ -83,7 +80,7 @@ void ViewControllerNotes::viewDidDisappear()
 
 void ViewControllerNotes::discard()
 {
-    textEdit->document()->setModified(false);
+    m_ui->textEdit->document()->setModified(false);
     m_isOnlyHere = false;
 }
 
@@ -108,7 +105,7 @@ bool ViewControllerNotes::saveToFile()
         return true;
     }
     readWhatOthersWrote();
-    QTextDocument &document = *textEdit->document();
+    QTextDocument &document = *m_ui->textEdit->document();
     const FileWriting writing = isEdited() ? m_file.write(document.toRawText()) : m_file.writeUnchanged();
     m_error = writing.error;
     tell(writing.notices);
@@ -131,7 +128,7 @@ QString ViewControllerNotes::readFromFile()
     const NotesFile::Reading reading = m_file.read();
     tell(reading.notices);
     if (reading.text) {
-        textEdit->setPlainText(*reading.text);
+        m_ui->textEdit->setPlainText(*reading.text);
         discard();
         setFailure({});
         trace("Read File");
@@ -161,7 +158,7 @@ void ViewControllerNotes::readWhatOthersWrote()
 // Only what differs is replaced, so that cursor and view stay, and the text before comes back with Undo.
 void ViewControllerNotes::showText(const QString &text)
 {
-    QTextDocument &document = *textEdit->document();
+    QTextDocument &document = *m_ui->textEdit->document();
     const QString before = document.toRawText();
     const QString after = withControlLineEnds(text);
     const auto [oldStart, newStart] = std::mismatch(before.begin(), before.end(), after.begin(), after.end());
@@ -193,7 +190,7 @@ void ViewControllerNotes::setFailure(const QString &reason)
 
 bool ViewControllerNotes::isEdited() const
 {
-    return textEdit->document()->isModified();
+    return m_ui->textEdit->document()->isModified();
 }
 
 QString ViewControllerNotes::workTitle() const
@@ -215,7 +212,7 @@ QString ViewControllerNotes::saveNow()
 
 QByteArray ViewControllerNotes::unsavedContent() const
 {
-    return isEdited() ? m_file.bytesOf(textEdit->document()->toRawText()) : m_file.bytes();
+    return isEdited() ? m_file.bytesOf(m_ui->textEdit->document()->toRawText()) : m_file.bytes();
 }
 
 QString ViewControllerNotes::unsavedFileName() const
@@ -228,31 +225,15 @@ QString ViewControllerNotes::rescue()
     return m_file.rescue(unsavedContent());
 }
 
-void ViewControllerNotes::showEvent(QShowEvent *event)
-{
-    QDialog::showEvent(event);
-    if (!event->spontaneous())
-        viewDidAppear();
-}
-
-void ViewControllerNotes::hideEvent(QHideEvent *event)
-{
-    if (!event->spontaneous())
-        viewWillDisappear();
-    QDialog::hideEvent(event);
-    if (!event->spontaneous())
-        viewDidDisappear();
-}
-
 bool ViewControllerNotes::eventFilter(QObject *watched, QEvent *event)
 {
     // The control would put U+2028 into the text, which most programs show as no line end.
-    if (watched == textEdit && event->type() == QEvent::KeyPress &&
+    if (watched == m_ui->textEdit && event->type() == QEvent::KeyPress &&
         static_cast<QKeyEvent *>(event)->matches(QKeySequence::InsertLineSeparator)) {
-        textEdit->insertPlainText(QStringLiteral("\n"));
+        m_ui->textEdit->insertPlainText(QStringLiteral("\n"));
         return true;
     }
-    return QDialog::eventFilter(watched, event);
+    return ToolWindow::eventFilter(watched, event);
 }
 
 } // namespace oblino

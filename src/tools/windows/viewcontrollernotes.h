@@ -1,17 +1,15 @@
 #pragma once
 
 #include <base/unsavedwork.h>
+#include <controls/toolwindow.h>
 #include <files/filewatch.h>
 #include <tools/filenotices.h>
 #include <tools/notesfile.h>
 
-#include <QDialog>
 #include <QTimer>
 
 #include <chrono>
 #include <memory>
-
-class QPlainTextEdit;
 
 namespace oblino {
 
@@ -25,7 +23,7 @@ class TaskManager;
 /// soon after the last key, and once more when it goes away. What another program makes of the file is shown,
 /// unless the text here is not saved. With Qt::WA_DeleteOnClose the window all the same outlives its closing
 /// while its text is in no file.
-class ViewControllerNotes : public QDialog, public UnsavedWork
+class ViewControllerNotes : public ToolWindow, public UnsavedWork
 {
     Q_OBJECT
 
@@ -60,15 +58,13 @@ public:
     [[nodiscard]] QString rescue() override;
 
 protected:
-    void showEvent(QShowEvent *event) override;
-    void hideEvent(QHideEvent *event) override;
+    void viewDidAppear() override;
+    void viewWillDisappear() override;
+    void viewDidDisappear() override;
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     void viewDidLoad();
-    void viewDidAppear();
-    void viewWillDisappear();
-    void viewDidDisappear();
     [[nodiscard]] bool isEdited() const;
     void saveSoon();
     void readWhatOthersWrote();
@@ -80,7 +76,6 @@ private:
     NotesFile m_file;
     std::chrono::milliseconds m_interval;
     std::unique_ptr<Ui::ViewControllerNotes> m_ui;
-    QPlainTextEdit *textEdit = nullptr;
     std::unique_ptr<QTimer> timer; // none while the window is not shown
     QTimer m_afterLastKey;
     std::unique_ptr<FileWatch> m_watch; // none without a documents folder

@@ -11,7 +11,6 @@
 #include <ui_viewcontrollerwhiteboard.h>
 
 #include <QPushButton>
-#include <QShowEvent>
 
 #include <utility>
 
@@ -31,7 +30,7 @@ constexpr Color white = {1, 1, 1, 1};
 ViewControllerWhiteboard::ViewControllerWhiteboard(UIUtil &utilities, SharingPicker &picker,
                                                    QString privateFolder, QString documentsFolder,
                                                    QWidget *parent, FileCalls &calls)
-    : QDialog(parent)
+    : ToolWindow(parent)
     , m_utilities(utilities)
     , m_picker(picker)
     , m_ui(std::make_unique<Ui::ViewControllerWhiteboard>())
@@ -40,9 +39,6 @@ ViewControllerWhiteboard::ViewControllerWhiteboard(UIUtil &utilities, SharingPic
     , m_file(m_privateFolder, calls)
 {
     m_ui->setupUi(this);
-    lineButton = m_ui->lineButton;
-    color = m_ui->color;
-    whiteboard = m_ui->whiteboard;
     for (QPushButton *button : findChildren<QPushButton *>()) {
         if (const QString icon = button->property("iconName").toString(); !icon.isEmpty())
             button->setIcon(themedIcon(icon));
@@ -59,8 +55,8 @@ ViewControllerWhiteboard::~ViewControllerWhiteboard()
 
 void ViewControllerWhiteboard::connectControls()
 {
-    connect(lineButton, &QPushButton::clicked, this, [this] { drawLine(lineButton); });
-    connect(color, &ColorButton::picked, this, [this] { selectColor(color); });
+    connect(m_ui->lineButton, &QPushButton::clicked, this, [this] { drawLine(m_ui->lineButton); });
+    connect(m_ui->color, &ColorButton::picked, this, [this] { selectColor(m_ui->color); });
     connect(m_ui->eraserButton, &QPushButton::clicked, this, [this] { eraser(m_ui->eraserButton); });
     connect(m_ui->revertButton, &QPushButton::clicked, this, [this] { revertToImage(m_ui->revertButton); });
     connect(m_ui->deleteButton, &QPushButton::clicked, this, [this] { deleteImage(m_ui->deleteButton); });
@@ -70,7 +66,7 @@ void ViewControllerWhiteboard::connectControls()
 void ViewControllerWhiteboard::viewDidLoad()
 {
     showNotice();
-    color->setColor(GlobalVariable::colorWell);
+    m_ui->color->setColor(GlobalVariable::colorWell);
     addLine();
 }
 
@@ -89,7 +85,7 @@ void ViewControllerWhiteboard::viewWillDisappear()
 
 void ViewControllerWhiteboard::viewDidDisappear()
 {
-    color->deactivate();
+    m_ui->color->deactivate();
     if (isUnsaved())
         setAttribute(Qt::WA_DeleteOnClose, false);
 }
@@ -104,16 +100,16 @@ void ViewControllerWhiteboard::drawLine(QObject * /*sender*/)
 void ViewControllerWhiteboard::selectColor(QObject * /*sender*/)
 {
     trace("Select Color");
-    const Color picked = color->color();
+    const Color picked = m_ui->color->color();
     GlobalVariable::colorWell = picked;
     GlobalVariable::lineWidth = penWidth;
-    color->deactivate();
+    m_ui->color->deactivate();
     trace("Select Color", picked.red(), picked.green(), picked.blue(), picked.alpha());
 }
 
 void ViewControllerWhiteboard::eraser(QObject * /*sender*/)
 {
-    color->setColor(white);
+    m_ui->color->setColor(white);
     GlobalVariable::colorWell = white;
     GlobalVariable::lineWidth = eraserWidth;
 }
@@ -138,7 +134,7 @@ void ViewControllerWhiteboard::shareImage(QObject *sender)
 {
     m_isChanged = m_isChanged || !m_file.isAsSeen(); // the file is to hold what is shared
     capture();
-    color->deactivate();
+    m_ui->color->deactivate();
     const QString header = QStringLiteral("Whiteboard\n");
     const QString footer = QStringLiteral(
         "Sent with Oblino. Download from the App Store for Mac:\n\n" OBLINO_STORE_ADDRESS "\n");
@@ -161,7 +157,7 @@ void ViewControllerWhiteboard::eraseAllContent()
 {
     m_unsaved = {};
     m_isChanged = true;
-    whiteboard->setImage({});
+    m_ui->whiteboard->setImage({});
     trace("Subviews:", findChildren<QWidget *>(QString(), Qt::FindDirectChildrenOnly).size());
     eraseDrawing();
 }
@@ -178,11 +174,11 @@ void ViewControllerWhiteboard::showMode()
 {
     const bool straight = GlobalVariable::lineDraw;
     m_line->setCursor(straight ? Qt::CrossCursor : Qt::ArrowCursor);
-    lineButton->setIcon(
+    m_ui->lineButton->setIcon(
         themedIcon(straight ? QStringLiteral("AppLineIcon") : QStringLiteral("AppLineCurveIcon")));
-    lineButton->setToolTip(straight ? QStringLiteral("STRAIGHT LINE") : QStringLiteral("DRAW"));
-    lineButton->setAccessibleDescription(straight ? tr("Strokes are straight lines")
-                                                  : tr("Strokes are free"));
+    m_ui->lineButton->setToolTip(straight ? QStringLiteral("STRAIGHT LINE") : QStringLiteral("DRAW"));
+    m_ui->lineButton->setAccessibleDescription(straight ? tr("Strokes are straight lines")
+                                                        : tr("Strokes are free"));
 }
 
 QRect ViewControllerWhiteboard::drawingArea() const
@@ -196,22 +192,6 @@ void ViewControllerWhiteboard::showNotice()
     const NoticeLabel &notice = *m_ui->notice;
     m_ui->notice->setNotice(m_notices.text());
     setFixedSize(board + QSize(0, strip + (notice.isHidden() ? 0 : notice.heightForWidth(board.width()))));
-}
-
-void ViewControllerWhiteboard::showEvent(QShowEvent *event)
-{
-    if (!event->spontaneous())
-        viewDidAppear();
-    QDialog::showEvent(event);
-}
-
-void ViewControllerWhiteboard::hideEvent(QHideEvent *event)
-{
-    if (!event->spontaneous())
-        viewWillDisappear();
-    QDialog::hideEvent(event);
-    if (!event->spontaneous())
-        viewDidDisappear();
 }
 
 } // namespace oblino

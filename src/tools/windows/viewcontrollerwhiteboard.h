@@ -2,17 +2,16 @@
 
 #include <base/color.h>
 #include <base/unsavedwork.h>
+#include <controls/toolwindow.h>
 #include <tools/filenotices.h>
 #include <tools/whiteboardfile.h>
 
-#include <QDialog>
 #include <QDir>
 #include <QPainterPath>
 
 #include <memory>
 #include <optional>
 
-class QPushButton;
 class QSinglePointEvent;
 
 namespace oblino {
@@ -21,15 +20,13 @@ namespace Ui {
 class ViewControllerWhiteboard;
 }
 
-class BoardView;
-class ColorButton;
 class SharingPicker;
 class UIUtil;
 
 /// The whiteboard: freehand sketches in a window of fixed size. The picture lies in one PNG file of the
 /// working folder, into which every stroke goes as it ends. With Qt::WA_DeleteOnClose the window all the same
 /// outlives its closing while its picture is in no file.
-class ViewControllerWhiteboard : public QDialog, public UnsavedWork
+class ViewControllerWhiteboard : public ToolWindow, public UnsavedWork
 {
     Q_OBJECT
 
@@ -81,14 +78,12 @@ public:
     [[nodiscard]] QString rescue() override;
 
 protected:
-    void showEvent(QShowEvent *event) override;
-    void hideEvent(QHideEvent *event) override;
+    void viewDidAppear() override;
+    void viewWillDisappear() override;
+    void viewDidDisappear() override;
 
 private:
     void viewDidLoad();
-    void viewDidAppear();
-    void viewWillDisappear();
-    void viewDidDisappear();
     void connectControls();
     void addLine();
     void showMode();
@@ -115,12 +110,6 @@ private:
     Line *m_line = nullptr;
     std::optional<QDir> fileManager;
     std::optional<QString> m_path; // the folder of the file
-
-    // Outlets
-
-    QPushButton *lineButton = nullptr;
-    ColorButton *color = nullptr;
-    BoardView *whiteboard = nullptr;
 };
 
 /// The drawing view: shows the stroke that is being drawn.

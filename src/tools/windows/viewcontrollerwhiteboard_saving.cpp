@@ -3,6 +3,7 @@
 #include <base/trace.h>
 #include <files/earlierversions.h>
 #include <tools/windows/boardview.h>
+#include <ui_viewcontrollerwhiteboard.h>
 
 #include <QBuffer>
 
@@ -24,7 +25,7 @@ QByteArray pngOf(const QImage &image)
 void ViewControllerWhiteboard::loadImage()
 {
     if (!m_unsaved.isNull()) {
-        whiteboard->setImage(m_unsaved);
+        m_ui->whiteboard->setImage(m_unsaved);
         return;
     }
     if (!m_path)
@@ -37,7 +38,7 @@ void ViewControllerWhiteboard::loadImage()
     m_isChanged = reading.hasFailed && !m_last.isNull();
     if (!m_isChanged)
         m_last = reading.picture;
-    whiteboard->setImage(m_last);
+    m_ui->whiteboard->setImage(m_last);
 }
 
 QImage ViewControllerWhiteboard::picture() const
@@ -48,7 +49,7 @@ QImage ViewControllerWhiteboard::picture() const
         return {};
     bitmap.setDevicePixelRatio(pixels);
     bitmap.fill(Qt::white);
-    whiteboard->render(&bitmap, {}, {}, {});
+    m_ui->whiteboard->render(&bitmap, {}, {}, {});
     m_line->render(&bitmap, {}, {}, {});
     return bitmap;
 }
@@ -87,7 +88,7 @@ void ViewControllerWhiteboard::endStroke()
 {
     m_line->clear();
     if (!m_unsaved.isNull())
-        whiteboard->setImage(m_unsaved);
+        m_ui->whiteboard->setImage(m_unsaved);
 }
 
 void ViewControllerWhiteboard::discard()

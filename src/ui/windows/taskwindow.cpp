@@ -15,14 +15,14 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QScreen>
-#include <QShowEvent>
 #include <QTimer>
 #include <QVBoxLayout>
 
 namespace oblino {
 
-TaskWindow::TaskWindow(const TaskWindowContext &context, const QString &mainTitle, QWidget *parent)
-    : QDialog(parent)
+TaskWindow::TaskWindow(const TaskWindowContext &context, const QString &mainTitle, QSize leastSize,
+                       QWidget *parent)
+    : ToolWindow(parent, leastSize)
     , m_store(context.store)
     , m_utilities(context.utilities)
     , m_notifications(context.notifications)
@@ -248,35 +248,12 @@ bool TaskWindow::mayClose()
 
 void TaskWindow::giveUp()
 {
-    beginAfresh();
-    QDialog::reject();
-}
-
-void TaskWindow::reject()
-{
-    if (mayClose())
-        QDialog::reject();
-}
-
-void TaskWindow::showEvent(QShowEvent *event)
-{
-    if (!event->spontaneous())
-        viewWillAppear();
-    QDialog::showEvent(event);
-    if (!event->spontaneous())
-        viewDidAppear();
-}
-
-void TaskWindow::hideEvent(QHideEvent *event)
-{
-    QDialog::hideEvent(event);
-    if (!event->spontaneous())
-        viewDidDisappear();
+    done(QDialog::Rejected);
 }
 
 void TaskWindow::focusInEvent(QFocusEvent *event)
 {
-    QDialog::focusInEvent(event);
+    ToolWindow::focusInEvent(event);
     becomeFirstResponder();
 }
 

@@ -1,10 +1,10 @@
 #pragma once
 
 #include <base/color.h>
+#include <controls/toolwindow.h>
 #include <core/task.h>
 
 #include <QDateTime>
-#include <QDialog>
 
 #include <memory>
 
@@ -34,20 +34,19 @@ struct TaskWindowContext
 /// What the add and the edit form have in common: a window around a TaskForm, the contact store from which
 /// its names come, the refusal of a colour that would make the description unreadable, and the last dates and
 /// colour that were accepted.
-class TaskWindow : public QDialog
+class TaskWindow : public ToolWindow
 {
     Q_OBJECT
 
 protected:
     /// @param mainTitle  of the default button
-    TaskWindow(const TaskWindowContext &context, const QString &mainTitle, QWidget *parent);
+    TaskWindow(const TaskWindowContext &context, const QString &mainTitle, QSize leastSize, QWidget *parent);
 
 public:
     ~TaskWindow() override;
 
     /// Whether the form may go away: it holds nothing that the user has entered, or the user gives it up.
     [[nodiscard]] bool mayClose();
-    void reject() override;
     /// Closes the form without a question.
     void giveUp();
 
@@ -55,9 +54,8 @@ public:
     void changeColor(QObject *sender);
 
 protected:
-    virtual void viewWillAppear() = 0;
-    virtual void viewDidAppear();
-    void viewDidDisappear();
+    void viewDidAppear() override;
+    void viewDidDisappear() override;
 
     /// Opens the contact store and fills the lists of names.
     void loadView();
@@ -78,8 +76,7 @@ protected:
     [[nodiscard]] bool isChanged() const;
     /// The dates in the form are those that it began with.
     void forgetChosenDates();
-    void showEvent(QShowEvent *event) override;
-    void hideEvent(QHideEvent *event) override;
+    [[nodiscard]] bool windowShouldClose() override { return mayClose(); }
     void focusInEvent(QFocusEvent *event) override;
 
     TaskManager &m_store;

@@ -10,7 +10,6 @@
 #include <base/clock.h>
 #include <base/notificationcenter.h>
 #include <base/trace.h>
-#include <controls/windowsize.h>
 #include <core/taskmanager.h>
 
 #include <QComboBox>
@@ -23,7 +22,7 @@
 namespace oblino {
 
 ViewControllerAdd::ViewControllerAdd(const TaskWindowContext &context, QWidget *parent)
-    : TaskWindow(context, tr("A&dd"), parent)
+    : TaskWindow(context, tr("A&dd"), {565, 452}, parent)
 {
     setWindowTitle(tr("New Task"));
     m_mainButton->setObjectName(QStringLiteral("addButton"));
@@ -64,7 +63,6 @@ void ViewControllerAdd::dayChanged()
 
 void ViewControllerAdd::viewWillAppear()
 {
-    setLeastSize(*this, {565, 452});
     colorWell = m_store.neutralColor();
     const auto traceTime = [this](const TimeField &picker) {
         trace(m_utilities.getHourFromDatePicker(picker), ":", m_utilities.getMinuteFromDatePicker(picker));

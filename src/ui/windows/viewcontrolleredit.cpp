@@ -10,7 +10,6 @@
 #include <base/notificationcenter.h>
 #include <base/trace.h>
 #include <controls/pasteboard.h>
-#include <controls/windowsize.h>
 #include <core/taskmanager.h>
 
 #include <QDialogButtonBox>
@@ -24,7 +23,7 @@
 namespace oblino {
 
 ViewControllerEdit::ViewControllerEdit(const TaskWindowContext &context, QWidget *parent)
-    : TaskWindow(context, tr("Sa&ve"), parent)
+    : TaskWindow(context, tr("Sa&ve"), {565, 613}, parent)
     , keyLabel(new QLineEdit(this))
     , copyKey(new QPushButton(themedIcon(QStringLiteral("copy")), tr("Cop&y"), this))
     , m_shareButton(m_buttons->addButton(tr("S&hare…"), QDialogButtonBox::ResetRole))
@@ -84,11 +83,6 @@ void ViewControllerEdit::showFields(const task &t)
     m_form->setDueDate(t.due);
     m_form->setStatus(t.status, t.statusName);
     m_form->setPriority(t.priority, t.priorityName);
-}
-
-void ViewControllerEdit::viewWillAppear()
-{
-    setLeastSize(*this, {565, 613});
 }
 
 void ViewControllerEdit::viewDidAppear()

@@ -24,7 +24,6 @@ public:
     void interfaceModeChanged();
 
 protected:
-    void viewWillAppear() override;
     void viewDidAppear() override;
 
 private:
