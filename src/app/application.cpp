@@ -3,15 +3,16 @@
 #include <app/viewcontrollerenhancement.h>
 
 #include <base/appearance.h>
+#include <base/datakind.h>
 #include <base/notificationcenter.h>
 #include <base/trace.h>
-#include <base/unsavedwork.h>
 #include <cloud/taskcloud.h>
 #include <cloud/taskrecord.h>
 #include <contacts/persistentcontainer.h>
 #include <contacts/windows/viewcontrollerclientmgmt.h>
 #include <contacts/windows/viewcontrollerteammgmt.h>
 #include <controls/theme.h>
+#include <controls/toolwindow.h>
 #include <core/taskmanager.h>
 #include <desktop/singleinstance.h>
 #include <desktop/soundplayer.h>
@@ -249,7 +250,7 @@ void Application::openEraser()
                      .utilities = uiUtil(),
                      .privateFolder = contactsFolder(),
                      .beforeCloud = [this] { return ensurePassword(m_cloud, m_mainWindow.get()); },
-                     .erased = [this](DataKind kind) { forget(kind); }});
+                     .erased = [this](DataKind kind) { announceErasure(kind); }});
 }
 
 void Application::openEarlierVersions()
@@ -262,9 +263,8 @@ void Application::openEarlierVersions()
                             .utilities = uiUtil(),
                             .notices = m_notices,
                             .privateFolder = contactsFolder(),
-                            .saveOpen = [this](DataKind kind) { return saveOpen(kind); }});
-    connect(m_mainWindow->findChild<EarlierVersionsWindow *>(), &EarlierVersionsWindow::restored, this,
-            &Application::readAgain, Qt::UniqueConnection);
+                            .saveOpen = [this](DataKind kind) { return saveOpen(kind); },
+                            .restored = [this](DataKind kind) { announceRestoring(kind); }});
 }
 
 template<typename Window>
@@ -282,68 +282,26 @@ void Application::openContacts()
 
 QString Application::saveOpen(DataKind kind)
 {
-    const QString name = kind == DataKind::Notes        ? NotesFile::name
-                         : kind == DataKind::Whiteboard ? WhiteboardFile::name
-                                                        : QString();
-    for (QWidget *window : m_mainWindow->findChildren<QWidget *>()) {
-        auto *work = dynamic_cast<UnsavedWork *>(window);
-        if (work && work->unsavedFileName() == name && work->isUnsaved())
-            return work->saveNow();
+    for (FileWindow *window : m_mainWindow->findChildren<FileWindow *>()) {
+        if (window->kind() == kind)
+            return window->saveNow();
     }
     return {};
 }
 
-void Application::readAgain(DataKind kind)
-{
-    if (auto *pad = m_mainWindow->findChild<ViewControllerNotes *>(); pad && kind == DataKind::Notes)
-        pad->readFromFile();
-    if (auto *board = m_mainWindow->findChild<ViewControllerWhiteboard *>();
-        board && kind == DataKind::Whiteboard)
-        board->revertToImage(nullptr);
-}
-
 // What windows hold that nobody sees would come back with their next save.
-void Application::forget(DataKind kind)
+void Application::announceErasure(DataKind kind)
 {
-    if (auto *versions = m_mainWindow->findChild<EarlierVersionsWindow *>())
-        versions->refresh();
-    switch (kind) {
-    case DataKind::Notes:
-        if (auto *pad = m_mainWindow->findChild<ViewControllerNotes *>(); pad && !pad->isVisible()) {
-            pad->discard();
-            delete pad;
-        }
-        break;
-    case DataKind::Whiteboard:
+    if (kind == DataKind::Whiteboard)
         m_sharingMenu.removeDraft();
-        if (auto *board = m_mainWindow->findChild<ViewControllerWhiteboard *>();
-            board && !board->isVisible()) {
-            board->discard();
-            delete board;
-        }
-        break;
-    case DataKind::Clients:
-        reloadContacts(Clients::fetchRequest());
-        break;
-    case DataKind::TeamMembers:
-        reloadContacts(TeamMembers::fetchRequest());
-        break;
-    case DataKind::Settings:
-        if (auto *settings = m_mainWindow->findChild<ViewControllerSettings *>())
-            settings->viewWillAppear();
-        break;
-    case DataKind::Tasks:
-    case DataKind::Cloud:
-        break;
-    }
+    for (ToolWindow *window : m_mainWindow->findChildren<ToolWindow *>())
+        window->dataErased(kind);
 }
 
-void Application::reloadContacts(const FetchRequest &request)
+void Application::announceRestoring(DataKind kind)
 {
-    for (ContactWindow *window : m_mainWindow->findChildren<ContactWindow *>())
-        window->reload(request);
-    if (auto *window = m_mainWindow->findChild<ViewControllerSending *>())
-        window->reload();
+    for (ToolWindow *window : m_mainWindow->findChildren<ToolWindow *>())
+        window->dataRestored(kind);
 }
 
 void Application::tellNotRemembered()

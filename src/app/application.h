@@ -20,7 +20,6 @@ namespace oblino {
 class SingleInstance;
 class TaskCloud;
 enum class DataKind;
-struct FetchRequest;
 class ViewController;
 
 /// Puts the program together and sees to its end.
@@ -48,9 +47,8 @@ private:
     void openEraser();
     void openEarlierVersions();
     [[nodiscard]] QString saveOpen(DataKind kind);
-    void readAgain(DataKind kind);
-    void forget(DataKind kind);
-    void reloadContacts(const FetchRequest &request);
+    void announceErasure(DataKind kind);
+    void announceRestoring(DataKind kind);
     void tellNotRemembered();
     void followAppearance();
     void followDay();

@@ -5,6 +5,8 @@
 
 namespace oblino {
 
+enum class DataKind;
+
 /// A window beside the main one. What becomes of it reaches a window as its life cycle, however it is opened
 /// or closed; to be minimised and brought back is none of it.
 class ToolWindow : public QDialog
@@ -14,6 +16,12 @@ class ToolWindow : public QDialog
 public:
     /// @param leastSize  in pixels, which is kept to where the screen has room for it; empty for any size
     explicit ToolWindow(QWidget *parent, QSize leastSize = {});
+
+    /// All data of a kind is gone: what the window holds of it must not come back with a later save. A window
+    /// that nobody sees may go as well.
+    virtual void dataErased(DataKind /*kind*/) {}
+    /// An earlier version has taken the place of what the file of that kind held.
+    virtual void dataRestored(DataKind /*kind*/) {}
 
     /// Goes away, unless windowShouldClose() does not have it.
     void reject() override;

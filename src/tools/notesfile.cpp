@@ -112,25 +112,10 @@ QByteArray NotesFile::bytesOf(const QString &text) const
     return withLineEnds(text, decoded(m_bytes).value_or(QString())).toUtf8();
 }
 
-QString NotesFile::rescue(const QByteArray &bytes)
+FileWriting NotesFile::write(const QByteArray &bytes)
 {
-    return m_documents.versions(name).rescue(bytes);
-}
-
-FileWriting NotesFile::write(const QString &text)
-{
-    return writeBytes(bytesOf(text));
-}
-
-FileWriting NotesFile::writeUnchanged()
-{
-    if (isAsSeen())
+    if (bytes == m_bytes && isAsSeen())
         return {.written = true, .error = {}, .reason = {}, .notices = {}};
-    return writeBytes(m_bytes);
-}
-
-FileWriting NotesFile::writeBytes(const QByteArray &bytes)
-{
     SafeFile *file = m_documents.file(name);
     if (!file)
         return {};

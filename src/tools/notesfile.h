@@ -41,25 +41,15 @@ public:
     /// of a line or not valid UTF-8 answers no text, and is copied before the next save replaces it.
     [[nodiscard]] Reading readAgain();
 
-    /// Writes an edited text, in which U+2029 ends a line (see withLineEnds()).
-    [[nodiscard]] FileWriting write(const QString &text);
+    /// Writes `bytes`, which costs next to nothing where the file holds them and nobody has touched it.
+    [[nodiscard]] FileWriting write(const QByteArray &bytes);
 
-    /// Sees to it that the file holds what was last read or written, which costs next to nothing where nobody
-    /// has touched it since.
-    [[nodiscard]] FileWriting writeUnchanged();
-
-    /// What write() would put into the file.
+    /// What the file is to hold for an edited text, in which U+2029 ends a line (see withLineEnds()).
     [[nodiscard]] QByteArray bytesOf(const QString &text) const;
     /// What was last read or written.
     [[nodiscard]] QByteArray bytes() const { return m_bytes; }
 
-    /// Puts `bytes` to the first place that takes them.
-    /// @return the path there, empty where no place does
-    [[nodiscard]] QString rescue(const QByteArray &bytes);
-
 private:
-    [[nodiscard]] FileWriting writeBytes(const QByteArray &bytes);
-
     Documents &m_documents;
     QByteArray m_bytes; // last read or written
 };

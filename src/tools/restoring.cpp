@@ -6,7 +6,6 @@
 #include <core/taskmanager.h>
 #include <files/earlierversions.h>
 #include <files/safefile.h>
-#include <tools/whiteboardfile.h>
 
 #include <QHash>
 
@@ -44,12 +43,6 @@ void replaceList(TaskManager &store, const QList<task> &tasks)
 }
 
 } // namespace
-
-EarlierVersions whiteboardVersions(const QString &privateFolder, const Documents &documents)
-{
-    return EarlierVersions(WhiteboardFile::name, EarlierVersions::standardFolders(
-                                                     privateFolder, documents.folder().value_or(QString())));
-}
 
 QList<task> withTasks(QList<task> list, const QList<task> &added)
 {

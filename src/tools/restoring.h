@@ -8,14 +8,10 @@
 
 namespace oblino {
 
-class Documents;
 class EarlierVersions;
 class SafeFile;
 class TaskListFile;
 class TaskManager;
-
-/// The earlier versions of the whiteboard's picture.
-[[nodiscard]] EarlierVersions whiteboardVersions(const QString &privateFolder, const Documents &documents);
 
 /// A list into which tasks have been put: one whose key is there takes the first place of that key, another
 /// goes to the end.

@@ -33,6 +33,11 @@ QString fileName(const QString &path)
 
 } // namespace
 
+EarlierVersions WhiteboardFile::versions(const QString &privateFolder, const QString &documentsFolder)
+{
+    return EarlierVersions(name, EarlierVersions::standardFolders(privateFolder, documentsFolder));
+}
+
 WhiteboardFile::WhiteboardFile(QString privateFolder, FileCalls &calls)
     : m_privateFolder(std::move(privateFolder))
     , m_calls(calls)

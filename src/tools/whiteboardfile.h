@@ -1,6 +1,6 @@
 #pragma once
 
-#include <files/recoveryfolder.h>
+#include <files/earlierversions.h>
 #include <files/safefile.h>
 
 #include <QImage>
@@ -26,6 +26,10 @@ public:
     };
 
     static inline const QString name = QStringLiteral("ltodolistwhiteboard.png");
+
+    /// @param documentsFolder  for a picture that the recovery folder does not take; empty for none
+    [[nodiscard]] static EarlierVersions versions(const QString &privateFolder,
+                                                  const QString &documentsFolder);
 
     explicit WhiteboardFile(QString privateFolder, FileCalls &calls = FileCalls::posix());
 

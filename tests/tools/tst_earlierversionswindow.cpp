@@ -80,7 +80,8 @@ struct Window : Store
                                 .utilities = utilities,
                                 .notices = notices,
                                 .privateFolder = home.privateFolder(),
-                                .saveOpen = [this](DataKind) { return unsaved; }});
+                                .saveOpen = [this](DataKind) { return unsaved; },
+                                .restored = [this](DataKind kind) { restored += kind; }});
         showActive(*window);
         return *window;
     }
@@ -102,6 +103,7 @@ struct Window : Store
     UIUtil utilities{std::make_unique<ScriptedAlert>(questions)};
     NoticeLog notices;
     QString unsaved;
+    QList<DataKind> restored;
     std::unique_ptr<EarlierVersionsWindow> window;
 };
 
@@ -219,9 +221,6 @@ private Q_SLOTS:
         w.keep(u"ltodonotes.txt"_s, "notes of before", VersionReason::Rescued);
         w.keep(u"ltodolistwhiteboard.png"_s, png(Qt::blue), VersionReason::Daily);
         w.open();
-        QList<DataKind> restored;
-        connect(w.window.get(), &EarlierVersionsWindow::restored, this,
-                [&](DataKind kind) { restored += kind; });
         w.choose(Qt::Key_N);
         QCOMPARE(find<QPlainTextEdit>(*w.window, "textLook").toPlainText(), u"notes of before"_s);
         QTRY_COMPARE(w.differences(), u"differs"_s);
@@ -234,7 +233,7 @@ private Q_SLOTS:
         click(*w.window, "restoreButton");
         QCOMPARE(TemporaryHome::content(w.board), png(Qt::blue));
         QVERIFY(w.home.kept().contains("notes of now") && w.home.kept().contains(png(Qt::red)));
-        QCOMPARE(restored, (QList{DataKind::Notes, DataKind::Whiteboard}));
+        QCOMPARE(w.restored, (QList{DataKind::Notes, DataKind::Whiteboard}));
     }
 
     void restoresNothingThatItCannotUndo()

@@ -353,9 +353,9 @@ private Q_SLOTS:
         number.accept();
         QVERIFY(!unknown.isVisible());
         QCOMPARE(find<QComboBox>(form, "client").currentText(), u"Zoe"_s);
-        const auto stored = makeContactContainer(main.home.privateFolder());
-        QCOMPARE(stored->loadPersistentStores().error, QString());
-        QCOMPARE(stored->viewContext()->objects(Clients::fetchRequest())->text(0, PhoneNoColumn), u"+1 555"_s);
+        PersistentContainer stored(main.home.privateFolder());
+        QCOMPARE(stored.loadPersistentStores().error, QString());
+        QCOMPARE(stored.viewContext()->objects(Clients::fetchRequest())->text(0, PhoneNoColumn), u"+1 555"_s);
     }
 
     void asksOnceBeforeWhatWasEnteredIsLost_data()

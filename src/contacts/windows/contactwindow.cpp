@@ -1,14 +1,15 @@
 #include <contacts/windows/contactwindow.h>
 
+#include <base/datakind.h>
 #include <base/trace.h>
 #include <contacts/persistentcontainer.h>
 #include <contacts/windows/contactdelegate.h>
 #include <contacts/windows/contactlist.h>
-#include <controls/windowsize.h>
 #include <files/earlierversions.h>
 #include <ui_contactwindow.h>
 
-#include <QHideEvent>
+#include <QItemSelectionModel>
+#include <QPushButton>
 #include <QStandardPaths>
 
 #include <algorithm>
@@ -33,7 +34,7 @@ QByteArray onOneLine(QString text)
 
 ContactWindow::ContactWindow(Kind kind, const QString &folder, QWidget *parent,
                              std::chrono::milliseconds retryInterval)
-    : QDialog(parent)
+    : ToolWindow(parent, {518, 431})
     , m_ui(std::make_unique<Ui::ContactWindow>())
     , m_kind(std::move(kind))
     , m_folder(folder)
@@ -84,7 +85,6 @@ void ContactWindow::openStore()
 
 void ContactWindow::viewWillAppear()
 {
-    setLeastSize(*this, {518, 431});
     if (std::exchange(m_outlivesClosing, false))
         setAttribute(Qt::WA_DeleteOnClose);
     if (!m_problem.isEmpty())
@@ -203,18 +203,12 @@ void ContactWindow::removeContacts()
     m_ui->table->setFocus(Qt::OtherFocusReason);
 }
 
-void ContactWindow::showEvent(QShowEvent *event)
+void ContactWindow::dataErased(DataKind kind)
 {
-    if (!event->spontaneous())
-        viewWillAppear();
-    QDialog::showEvent(event);
-}
-
-void ContactWindow::hideEvent(QHideEvent *event)
-{
-    if (!event->spontaneous()) // else it is only minimised
-        viewWillDisappear();
-    QDialog::hideEvent(event);
+    if (kind == DataKind::Clients)
+        reload(Clients::fetchRequest());
+    else if (kind == DataKind::TeamMembers)
+        reload(TeamMembers::fetchRequest());
 }
 
 void ContactWindow::enableRemoving()

@@ -2,8 +2,8 @@
 
 #include <base/unsavedwork.h>
 #include <contacts/contacts.h>
+#include <controls/toolwindow.h>
 
-#include <QDialog>
 #include <QTimer>
 
 #include <chrono>
@@ -24,13 +24,14 @@ class ContactWindow;
 /// of the window's own. Edits are pending until the window goes away, by whatever way; then they are saved.
 /// Where that fails they stay, and it is tried again now and then; with Qt::WA_DeleteOnClose the window
 /// outlives its closing until it has worked.
-class ContactWindow : public QDialog, public UnsavedWork
+class ContactWindow : public ToolWindow, public UnsavedWork
 {
     Q_OBJECT
 
 public:
-    void viewWillAppear();
-    void viewWillDisappear();
+    void viewWillAppear() override;
+    void viewWillDisappear() override;
+    void dataErased(DataKind kind) override;
 
     /// Shows what the store holds of the entity, in place of what is pending, where the window is for it.
     /// What is pending goes even where the store cannot be read.
@@ -77,9 +78,6 @@ protected:
 
     void addContact();
     void removeContacts();
-
-    void showEvent(QShowEvent *event) override;
-    void hideEvent(QHideEvent *event) override;
 
     std::unique_ptr<Ui::ContactWindow> m_ui;
 

@@ -1,11 +1,11 @@
 #include <messaging/windows/viewcontrollersending.h>
 
 #include <base/clock.h>
+#include <base/datakind.h>
 #include <base/trace.h>
 #include <contacts/windows/contactlist.h>
 #include <contacts/windows/contacttable.h>
 #include <controls/datefield.h>
-#include <controls/windowsize.h>
 #include <core/filedays.h>
 #include <core/taskmanager.h>
 #include <messaging/sendingsettings.h>
@@ -13,10 +13,8 @@
 #include <ui/uiutil.h>
 #include <ui_viewcontrollersending.h>
 
-#include <QHideEvent>
 #include <QLocale>
 #include <QPushButton>
-#include <QShowEvent>
 #include <QThread>
 
 #include <algorithm>
@@ -37,15 +35,21 @@ const QString account = QStringLiteral(
 
 ViewControllerSending::ViewControllerSending(TaskManager &store, UIUtil &utilities, SendingRun &run,
                                              const QString &contacts, QWidget *parent)
-    : QDialog(parent)
+    : ToolWindow(parent, {469, 763})
     , m_store(store)
     , m_utilities(utilities)
     , m_run(run)
     , m_contacts(contacts)
     , m_ui(std::make_unique<Ui::ViewControllerSending>())
+    , clientsArray(new ContactList(this))
+    , teamMembersArray(new ContactList(this))
 {
     m_ui->setupUi(this);
-    bindOutlets();
+    const FileDays days = fileDays(today());
+    for (DateField *field : {m_ui->startSendDate, m_ui->endSendDate})
+        field->setDayRange(days.first, days.last);
+    m_ui->startSendDate->setDate(today());
+    m_ui->endSendDate->setDate(today().addDays(daysShown));
     viewDidLoad();
     connectControls();
 }
@@ -55,41 +59,20 @@ ViewControllerSending::~ViewControllerSending()
     hide(); // which saves
 }
 
-void ViewControllerSending::bindOutlets()
-{
-    clientsTable = m_ui->clientsTable;
-    teamMembers = m_ui->teamMembers;
-    allClients = m_ui->allClients;
-    allTeamMembers = m_ui->allTeamMembers;
-    clientsArray = new ContactList(this);
-    teamMembersArray = new ContactList(this);
-    startSendDate = m_ui->startSendDate;
-    endSendDate = m_ui->endSendDate;
-    sendMsgClients = m_ui->sendMsgClients;
-    sendMsgTeamMembers = m_ui->sendMsgTeamMembers;
-    sendSMSClientsTeamMembers = m_ui->sendSMSClientsTeamMembers;
-    progressBar = m_ui->progressBar;
-    sendingInfo = m_ui->sendingInfo;
-    smsText = m_ui->smsText;
-    const FileDays days = fileDays(today());
-    for (DateField *field : {startSendDate, endSendDate})
-        field->setDayRange(days.first, days.last);
-    startSendDate->setDate(today());
-    endSendDate->setDate(today().addDays(daysShown));
-}
-
 void ViewControllerSending::connectControls()
 {
-    connect(allClients, &QCheckBox::clicked, this, [this] { selectClients(allClients); });
-    connect(allTeamMembers, &QCheckBox::clicked, this, [this] { selectTeamMembers(allTeamMembers); });
-    connect(sendMsgClients, &QPushButton::clicked, this, [this] { SendScheduleToClients(sendMsgClients); });
-    connect(sendMsgTeamMembers, &QPushButton::clicked, this,
-            [this] { SendScheduleToTeamMembers(sendMsgTeamMembers); });
-    connect(sendSMSClientsTeamMembers, &QPushButton::clicked, this,
-            [this] { sendSingleSMSToClientTeamMember(sendSMSClientsTeamMembers); });
+    connect(m_ui->allClients, &QCheckBox::clicked, this, [this] { selectClients(m_ui->allClients); });
+    connect(m_ui->allTeamMembers, &QCheckBox::clicked, this,
+            [this] { selectTeamMembers(m_ui->allTeamMembers); });
+    connect(m_ui->sendMsgClients, &QPushButton::clicked, this,
+            [this] { SendScheduleToClients(m_ui->sendMsgClients); });
+    connect(m_ui->sendMsgTeamMembers, &QPushButton::clicked, this,
+            [this] { SendScheduleToTeamMembers(m_ui->sendMsgTeamMembers); });
+    connect(m_ui->sendSMSClientsTeamMembers, &QPushButton::clicked, this,
+            [this] { sendSingleSMSToClientTeamMember(m_ui->sendSMSClientsTeamMembers); });
     connect(m_ui->closeButton, &QPushButton::clicked, this, [this] { closeSending(m_ui->closeButton); });
-    connect(smsText, &QLineEdit::textChanged, this, &ViewControllerSending::showLength);
-    for (ContactTable *table : {clientsTable, teamMembers})
+    connect(m_ui->smsText, &QLineEdit::textChanged, this, &ViewControllerSending::showLength);
+    for (ContactTable *table : {m_ui->clientsTable, m_ui->teamMembers})
         connect(table->selectionModel(), &QItemSelectionModel::selectionChanged, this,
                 &ViewControllerSending::showSelection);
     connect(&m_run, &SendingRun::progressed, this, &ViewControllerSending::showProgress);
@@ -106,10 +89,10 @@ void ViewControllerSending::viewDidLoad()
     const auto message = [&loading](const QString &nobody, const QString &unopened) {
         return loading.error.isEmpty() ? nobody : unopened + QLatin1String("\n\n") + loading.error;
     };
-    prepare(clientsTable, clientsArray, Clients::fetchRequest(),
+    prepare(m_ui->clientsTable, clientsArray, Clients::fetchRequest(),
             message(tr("No clients yet.\nEnter them in Tools ▸ Clients."),
                     tr("The clients could not be opened, so none are shown here.")));
-    prepare(teamMembers, teamMembersArray, TeamMembers::fetchRequest(),
+    prepare(m_ui->teamMembers, teamMembersArray, TeamMembers::fetchRequest(),
             message(tr("No team members yet.\nEnter them in Tools ▸ Team Members."),
                     tr("The team members could not be opened, so none are shown here.")));
 }
@@ -133,11 +116,6 @@ void ViewControllerSending::prepare(ContactTable *table, ContactList *list, cons
     table->setEmptyMessage(emptyMessage);
 }
 
-void ViewControllerSending::viewWillAppear()
-{
-    setLeastSize(*this, {469, 763});
-}
-
 void ViewControllerSending::viewDidAppear()
 {
     const QStringList missing = missingSettings(m_store);
@@ -146,13 +124,13 @@ void ViewControllerSending::viewDidAppear()
         missing.isEmpty()
             ? QString()
             : tr("Tools ▸ Messaging Settings still needs %1.").arg(missing.join(QLatin1String(", ")));
-    for (QPushButton *button : {sendMsgClients, sendMsgTeamMembers})
+    for (QPushButton *button : {m_ui->sendMsgClients, m_ui->sendMsgTeamMembers})
         button->setToolTip(why);
     if (m_run.isRunning()) {
         showRange(m_run.job());
         showProgress();
     } else if (!why.isEmpty()) {
-        sendingInfo->setText(why);
+        m_ui->sendingInfo->setText(why);
     }
 }
 
@@ -164,12 +142,12 @@ void ViewControllerSending::viewWillDisappear()
 
 void ViewControllerSending::selectClients(QObject * /*sender*/)
 {
-    allClients->isChecked() ? clientsTable->selectAll() : clientsTable->clearSelection();
+    m_ui->allClients->isChecked() ? m_ui->clientsTable->selectAll() : m_ui->clientsTable->clearSelection();
 }
 
 void ViewControllerSending::selectTeamMembers(QObject * /*sender*/)
 {
-    allTeamMembers->isChecked() ? teamMembers->selectAll() : teamMembers->clearSelection();
+    m_ui->allTeamMembers->isChecked() ? m_ui->teamMembers->selectAll() : m_ui->teamMembers->clearSelection();
 }
 
 template<typename Contact>
@@ -193,22 +171,23 @@ bool ViewControllerSending::isConfirmed(const QString &question, const QString &
 
 void ViewControllerSending::SendScheduleToClients(QObject * /*sender*/)
 {
-    sendSchedules({.kind = SendingJob::Kind::ClientSchedules, .clients = selected<Clients>(clientsTable)},
-                  QStringLiteral("No Client Selected"));
+    sendSchedules(
+        {.kind = SendingJob::Kind::ClientSchedules, .clients = selected<Clients>(m_ui->clientsTable)},
+        QStringLiteral("No Client Selected"));
 }
 
 void ViewControllerSending::SendScheduleToTeamMembers(QObject * /*sender*/)
 {
-    sendSchedules(
-        {.kind = SendingJob::Kind::TeamMemberSchedules, .teamMembers = selected<TeamMembers>(teamMembers)},
-        QStringLiteral("No Team Member Selected"));
+    sendSchedules({.kind = SendingJob::Kind::TeamMemberSchedules,
+                   .teamMembers = selected<TeamMembers>(m_ui->teamMembers)},
+                  QStringLiteral("No Team Member Selected"));
 }
 
 bool ViewControllerSending::areDaysReadable()
 {
-    for (DateField *field : {startSendDate, endSendDate}) {
+    for (DateField *field : {m_ui->startSendDate, m_ui->endSendDate}) {
         if (!field->judge()) {
-            sendingInfo->setText(field->validationError());
+            m_ui->sendingInfo->setText(field->validationError());
             field->edit();
             return false;
         }
@@ -222,8 +201,8 @@ void ViewControllerSending::sendSchedules(SendingJob job, const QString &nobodyS
         return;
     success = true;
     job.tasks = scheduledOrder(m_store.tasks());
-    job.terms = {.rangeStart = startSendDate->date().startOfDay(),
-                 .rangeEnd = endSendDate->date().startOfDay(),
+    job.terms = {.rangeStart = m_ui->startSendDate->date().startOfDay(),
+                 .rangeEnd = m_ui->endSendDate->date().startOfDay(),
                  .title = m_store.getMessageTitle(),
                  .footer = m_store.getMessageFooter(),
                  .shortDate = [locale = QLocale()](const QDateTime &moment) {
@@ -246,9 +225,9 @@ void ViewControllerSending::sendSingleSMSToClientTeamMember(QObject * /*sender*/
         isConfirmed(QStringLiteral("Are you sure that you want to send SMS messages using Twilio?"),
                     QStringLiteral("SMS") + account);
     const SendingJob job = {.kind = SendingJob::Kind::FreeText,
-                            .clients = selected<Clients>(clientsTable),
-                            .teamMembers = selected<TeamMembers>(teamMembers),
-                            .text = smsText->text()};
+                            .clients = selected<Clients>(m_ui->clientsTable),
+                            .teamMembers = selected<TeamMembers>(m_ui->teamMembers),
+                            .text = m_ui->smsText->text()};
     if (job.totalSteps() == 0)
         m_utilities.dialogOK(QStringLiteral("No Client or Team Member Selected"));
     else if (confirmed)
@@ -261,7 +240,7 @@ void ViewControllerSending::start(const SendingJob &job)
         return;
     showRange(job);
     setSendingEnabled(false, false);
-    sendingInfo->setText(QStringLiteral("Sending..."));
+    m_ui->sendingInfo->setText(QStringLiteral("Sending..."));
     QThread::usleep(100);
     m_run.start(job);
 }
@@ -270,21 +249,22 @@ void ViewControllerSending::showRange(const SendingJob &job)
 {
     // A bar from 0 to 0 would show that something goes on without an end.
     const qint64 last = std::clamp<qint64>(job.totalSteps(), 1, std::numeric_limits<int>::max());
-    progressBar->setRange(job.kind == SendingJob::Kind::FreeText ? 1 : 0, static_cast<int>(last));
-    progressBar->reset(); // to just below the first step, where no value can be set
-    progressBar->setValue(0);
+    m_ui->progressBar->setRange(job.kind == SendingJob::Kind::FreeText ? 1 : 0, static_cast<int>(last));
+    m_ui->progressBar->reset(); // to just below the first step, where no value can be set
+    m_ui->progressBar->setValue(0);
 }
 
 void ViewControllerSending::showProgress()
 {
-    progressBar->setValue(static_cast<int>(std::min<qint64>(progressIndex, progressBar->maximum())));
-    sendingInfo->setText(m_run.job().progressText(progressIndex, noOfSchedules));
+    m_ui->progressBar->setValue(
+        static_cast<int>(std::min<qint64>(progressIndex, m_ui->progressBar->maximum())));
+    m_ui->sendingInfo->setText(m_run.job().progressText(progressIndex, noOfSchedules));
 }
 
 void ViewControllerSending::showEnd()
 {
     setSendingEnabled(true, true);
-    sendingInfo->setText(m_run.job().doneText(progressIndex, noOfSchedules));
+    m_ui->sendingInfo->setText(m_run.job().doneText(progressIndex, noOfSchedules));
     tellFailure(m_utilities);
 }
 
@@ -302,22 +282,22 @@ void ViewControllerSending::showSelection()
         box->setText(words.arg(count));
         box->setChecked(count > 0 && count == table->model()->rowCount());
     };
-    show(allClients, clientsTable, tr("A&ll clients (%1 selected)"));
-    show(allTeamMembers, teamMembers, tr("All team &members (%1 selected)"));
+    show(m_ui->allClients, m_ui->clientsTable, tr("A&ll clients (%1 selected)"));
+    show(m_ui->allTeamMembers, m_ui->teamMembers, tr("All team &members (%1 selected)"));
 }
 
 void ViewControllerSending::showLength()
 {
-    const qsizetype left = longestSms - characterCount(smsText->text());
+    const qsizetype left = longestSms - characterCount(m_ui->smsText->text());
     m_ui->lengthLabel->setText(left >= 0 ? tr("%1 of %2 characters left").arg(left).arg(longestSms)
                                          : tr("%1 characters too long; the end will be cut off").arg(-left));
 }
 
 void ViewControllerSending::setSendingEnabled(bool schedules, bool text)
 {
-    sendMsgClients->setEnabled(schedules);
-    sendMsgTeamMembers->setEnabled(schedules);
-    sendSMSClientsTeamMembers->setEnabled(text);
+    m_ui->sendMsgClients->setEnabled(schedules);
+    m_ui->sendMsgTeamMembers->setEnabled(schedules);
+    m_ui->sendSMSClientsTeamMembers->setEnabled(text);
 }
 
 void ViewControllerSending::closeSending(QObject * /*sender*/)
@@ -325,20 +305,10 @@ void ViewControllerSending::closeSending(QObject * /*sender*/)
     close();
 }
 
-void ViewControllerSending::showEvent(QShowEvent *event)
+void ViewControllerSending::dataErased(DataKind kind)
 {
-    if (!event->spontaneous())
-        viewWillAppear();
-    QDialog::showEvent(event);
-    if (!event->spontaneous())
-        viewDidAppear();
-}
-
-void ViewControllerSending::hideEvent(QHideEvent *event)
-{
-    if (!event->spontaneous()) // else it is only minimised
-        viewWillDisappear();
-    QDialog::hideEvent(event);
+    if (kind == DataKind::Clients || kind == DataKind::TeamMembers)
+        reload();
 }
 
 } // namespace oblino

@@ -1,19 +1,12 @@
 #pragma once
 
 #include <contacts/persistentcontainer.h>
+#include <controls/toolwindow.h>
 #include <messaging/sendingrun.h>
 #include <messaging/sendingstate.h>
 
-#include <QDialog>
-
 #include <atomic>
 #include <memory>
-
-class QCheckBox;
-class QLabel;
-class QLineEdit;
-class QProgressBar;
-class QPushButton;
 
 namespace oblino {
 
@@ -23,13 +16,12 @@ class ViewControllerSending;
 
 class ContactList;
 class ContactTable;
-class DateField;
 class TaskManager;
 class UIUtil;
 
 /// The window from which messages are sent: schedules to the selected clients or team members, or one text to
 /// all who are selected. A run that it has started goes on when it is closed.
-class ViewControllerSending : public QDialog
+class ViewControllerSending : public ToolWindow
 {
     Q_OBJECT
 
@@ -55,9 +47,9 @@ public:
     /// Shows the contacts that the store holds now.
     void reload();
 
-    void viewWillAppear();
-    void viewDidAppear();
-    void viewWillDisappear();
+    void viewDidAppear() override;
+    void viewWillDisappear() override;
+    void dataErased(DataKind kind) override;
 
     // What the controls call
 
@@ -68,12 +60,7 @@ public:
     void sendSingleSMSToClientTeamMember(QObject *sender);
     void closeSending(QObject *sender);
 
-protected:
-    void showEvent(QShowEvent *event) override;
-    void hideEvent(QHideEvent *event) override;
-
 private:
-    void bindOutlets();
     void connectControls();
     void prepare(ContactTable *table, ContactList *list, const FetchRequest &request,
                  const QString &emptyMessage);
@@ -97,23 +84,8 @@ private:
     std::unique_ptr<Ui::ViewControllerSending> m_ui;
     std::unique_ptr<PersistentContainer> persistentContainer;
     ManagedObjectContext *managedObjectContext = nullptr; // none without a store
-
-    // Outlets
-
-    ContactTable *clientsTable = nullptr;
-    ContactTable *teamMembers = nullptr;
-    QCheckBox *allClients = nullptr;
-    QCheckBox *allTeamMembers = nullptr;
-    ContactList *clientsArray = nullptr;
-    ContactList *teamMembersArray = nullptr;
-    DateField *startSendDate = nullptr;
-    DateField *endSendDate = nullptr;
-    QPushButton *sendMsgClients = nullptr;
-    QPushButton *sendMsgTeamMembers = nullptr;
-    QPushButton *sendSMSClientsTeamMembers = nullptr;
-    QProgressBar *progressBar = nullptr;
-    QLabel *sendingInfo = nullptr;
-    QLineEdit *smsText = nullptr;
+    ContactList *clientsArray;
+    ContactList *teamMembersArray;
 };
 
 } // namespace oblino

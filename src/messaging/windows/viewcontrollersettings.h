@@ -1,12 +1,9 @@
 #pragma once
 
-#include <QDialog>
+#include <controls/toolwindow.h>
 
 #include <functional>
 #include <memory>
-
-class QCheckBox;
-class QLineEdit;
 
 namespace oblino {
 
@@ -18,7 +15,7 @@ class TaskManager;
 class UIUtil;
 
 /// The window in which the settings of messages are entered. It shows the stored ones whenever it appears.
-class ViewControllerSettings : public QDialog
+class ViewControllerSettings : public ToolWindow
 {
     Q_OBJECT
 
@@ -29,7 +26,8 @@ public:
     ViewControllerSettings(TaskManager &store, UIUtil &utilities, Send send, QWidget *parent = nullptr);
     ~ViewControllerSettings() override;
 
-    void viewWillAppear();
+    void viewWillAppear() override;
+    void dataErased(DataKind kind) override;
 
     // What the controls call
 
@@ -37,9 +35,6 @@ public:
     void setSettings(QObject *sender);
     void SendTestMessage(QObject *sender);
     void resetToOriginal(QObject *sender);
-
-protected:
-    void showEvent(QShowEvent *event) override;
 
 private:
     void connectControls();
@@ -50,18 +45,6 @@ private:
     UIUtil &m_utilities;
     Send m_send;
     std::unique_ptr<Ui::ViewControllerSettings> m_ui;
-
-    // Outlets
-
-    QLineEdit *secureID = nullptr;
-    QLineEdit *passPhrase = nullptr;
-    QLineEdit *sendingPhoneNo = nullptr;
-    QLineEdit *messageTitle = nullptr;
-    QCheckBox *sendSMS = nullptr;
-    QLineEdit *testPhoneNo = nullptr;
-    QCheckBox *overwritePhoneNo = nullptr;
-    QLineEdit *messageFooter = nullptr;
-    QLineEdit *delayMS = nullptr;
 };
 
 } // namespace oblino

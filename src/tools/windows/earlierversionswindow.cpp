@@ -6,7 +6,6 @@
 #include <core/tasklistfile.h>
 #include <core/taskmanager.h>
 #include <tools/notesfile.h>
-#include <tools/restoring.h>
 #include <tools/whiteboardfile.h>
 #include <ui_earlierversionswindow.h>
 
@@ -134,7 +133,7 @@ DataKind EarlierVersionsWindow::kind() const
 EarlierVersions EarlierVersionsWindow::versions() const
 {
     if (kind() == DataKind::Whiteboard)
-        return whiteboardVersions(m_data.privateFolder, m_data.documents);
+        return WhiteboardFile::versions(m_data.privateFolder, m_data.documents.folder().value_or(QString()));
     return m_data.documents.versions(kind() == DataKind::Tasks ? TaskListFile::name : NotesFile::name);
 }
 

@@ -39,6 +39,9 @@ struct EarlierVersionsData
     /// Has an open window of the kind save what it holds, since it will read its file again.
     /// @return an error in words for the user, empty when nothing of it is unsaved
     std::function<QString(DataKind kind)> saveOpen = [](DataKind) { return QString(); };
+    /// Called when an earlier version has taken the place of what the file of that kind held, or of the list
+    /// in memory.
+    std::function<void(DataKind kind)> restored = [](DataKind) {};
 };
 
 /// The earlier versions of the list, the notes and the whiteboard: a table of them, a look at the selected
@@ -54,10 +57,7 @@ public:
 
     /// Lists the versions anew, and holds nothing of those that are gone.
     void refresh();
-
-Q_SIGNALS:
-    /// An earlier version has taken the place of what the file of that kind held, or of the list in memory.
-    void restored(DataKind kind);
+    void dataErased(DataKind /*kind*/) override { refresh(); }
 
 protected:
     void viewDidAppear() override;

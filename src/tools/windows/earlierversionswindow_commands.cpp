@@ -52,7 +52,7 @@ void EarlierVersionsWindow::finishRestoring(const QString &error)
     }
     if (kind() == DataKind::Tasks)
         m_data.notifications.post(QStringLiteral("reload"));
-    Q_EMIT restored(kind());
+    m_data.restored(kind());
     removeSavedRescues();
     const bool isUnsaved = kind() == DataKind::Tasks && m_data.taskList.hasUnsavedChanges();
     m_ui->resultLabel->setText(

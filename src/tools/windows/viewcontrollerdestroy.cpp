@@ -6,7 +6,6 @@
 #include <core/tasklistfile.h>
 #include <core/taskmanager.h>
 #include <tools/notesfile.h>
-#include <tools/restoring.h>
 #include <tools/whiteboardfile.h>
 #include <ui/uiutil.h>
 #include <ui_viewcontrollerdestroy.h>
@@ -158,7 +157,9 @@ bool ViewControllerDestroy::eraseWhiteboard()
 {
     QString error = WhiteboardFile(m_data.privateFolder).erase(WhiteboardFile::name);
     if (!QFileInfo::exists(WhiteboardFile::name)) {
-        const QString left = whiteboardVersions(m_data.privateFolder, m_data.documents).removeAll();
+        const QString left =
+            WhiteboardFile::versions(m_data.privateFolder, m_data.documents.folder().value_or(QString()))
+                .removeAll();
         error = error.isEmpty() ? left : error;
     }
     return report(QStringLiteral("Error Deleting Whiteboard File:") + QDir::currentPath() +

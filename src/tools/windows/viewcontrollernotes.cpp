@@ -1,5 +1,6 @@
 #include <tools/windows/viewcontrollernotes.h>
 
+#include <base/datakind.h>
 #include <base/trace.h>
 #include <controls/noticelabel.h>
 #include <core/taskmanager.h>
@@ -17,18 +18,22 @@ namespace oblino {
 ViewControllerNotes::ViewControllerNotes(TaskManager &store, Documents &documents, QWidget *parent,
                                          std::chrono::milliseconds interval,
                                          std::chrono::milliseconds afterLastKey)
-    : ToolWindow(parent, {320, 240})
+    : FileWindow(DataKind::Notes, documents.versions(NotesFile::name), parent, {320, 240})
     , m_store(store)
     , m_file(documents)
-    , m_interval(interval)
     , m_ui(std::make_unique<Ui::ViewControllerNotes>())
 {
     m_ui->setupUi(this);
     m_ui->textEdit->document()->setDocumentMargin(16);
     m_ui->textEdit->installEventFilter(this);
+    timer.setInterval(interval);
+    connect(&timer, &QTimer::timeout, this, [this] { tick(timer); });
     m_afterLastKey.setSingleShot(true);
     m_afterLastKey.setInterval(afterLastKey);
-    connect(&m_afterLastKey, &QTimer::timeout, this, &ViewControllerNotes::saveSoon);
+    connect(&m_afterLastKey, &QTimer::timeout, this, [this] {
+        if (isEdited())
+            saveToFile();
+    });
     viewDidLoad();
     connect(m_ui->textEdit, &QPlainTextEdit::textChanged, &m_afterLastKey, qOverload<>(&QTimer::start));
     if (m_file.hasPlace()) {
@@ -39,7 +44,6 @@ ViewControllerNotes::ViewControllerNotes(TaskManager &store, Documents &document
 
 ViewControllerNotes::~ViewControllerNotes()
 {
-    timer.reset();
     // The last chance of a text that could not be saved when the window went away.
     if (ViewControllerNotes::isUnsaved())
         saveToFile();
@@ -61,21 +65,18 @@ void ViewControllerNotes::viewDidAppear()
     palette.setColor(QPalette::Base, palette.color(QPalette::Base));
     m_ui->textEdit->setPalette(palette);
     m_ui->textEdit->ensureCursorVisible();
-    timer = std::make_unique<QTimer>();
-    connect(timer.get(), &QTimer::timeout, this, [this] { tick(*timer); });
-    timer->start(m_interval);
+    timer.start();
 }
 
 void ViewControllerNotes::viewWillDisappear()
 {
-    timer.reset();
+    timer.stop();
 }
 
 void ViewControllerNotes::viewDidDisappear()
 {
     saveToFile();
-    if (isUnsaved())
-        setAttribute(Qt::WA_DeleteOnClose, false);
+    FileWindow::viewDidDisappear();
 }
 
 void ViewControllerNotes::discard()
@@ -90,26 +91,18 @@ void ViewControllerNotes::tick(const QTimer & /*firing*/)
     trace("Saved File");
 }
 
-void ViewControllerNotes::saveSoon()
-{
-    if (isEdited())
-        saveToFile();
-}
-
 bool ViewControllerNotes::saveToFile()
 {
     m_afterLastKey.stop();
     if (!m_file.hasPlace()) {
-        m_error = isEdited() ? tr("The notes could not be saved: there is no documents folder.") : QString();
-        setFailure(isEdited() ? tr("there is no documents folder") : QString());
+        setFailure(tr("The notes could not be saved: there is no documents folder."),
+                   isEdited() ? tr("there is no documents folder") : QString());
         return true;
     }
     readWhatOthersWrote();
     QTextDocument &document = *m_ui->textEdit->document();
-    const FileWriting writing = isEdited() ? m_file.write(document.toRawText()) : m_file.writeUnchanged();
-    m_error = writing.error;
-    tell(writing.notices);
-    setFailure(writing.reason);
+    const FileWriting writing = m_file.write(unsavedContent());
+    tell(writing);
     if (!writing.written) {
         // Half of it may be in the file, which is no text to read again.
         document.setModified(isEdited() || !m_file.bytes().isEmpty());
@@ -130,7 +123,7 @@ QString ViewControllerNotes::readFromFile()
     if (reading.text) {
         m_ui->textEdit->setPlainText(*reading.text);
         discard();
-        setFailure({});
+        setFailure({}, {});
         trace("Read File");
     } else {
         trace("Error", reading.error);
@@ -146,11 +139,11 @@ void ViewControllerNotes::readWhatOthersWrote()
     if (reading.text) {
         showText(*reading.text);
         tell(reading.notices);
-        setFailure({});
+        setFailure({}, {});
         m_isOnlyHere = false;
         trace("Read File");
     } else if (!m_file.bytes().isEmpty()) {
-        setFailure(reading.error);
+        setFailure(reading.error, reading.error);
         m_isOnlyHere = true;
     }
 }
@@ -174,18 +167,9 @@ void ViewControllerNotes::showText(const QString &text)
     document.setModified(false);
 }
 
-void ViewControllerNotes::tell(const QStringList &notices)
+void ViewControllerNotes::showNotice(const QString &notice)
 {
-    for (const QString &notice : notices)
-        trace(notice);
-    m_notices.tell(notices);
-    m_ui->notice->setNotice(m_notices.text());
-}
-
-void ViewControllerNotes::setFailure(const QString &reason)
-{
-    m_notices.setFailure(reason);
-    m_ui->notice->setNotice(m_notices.text());
+    m_ui->notice->setNotice(notice);
 }
 
 bool ViewControllerNotes::isEdited() const
@@ -203,13 +187,6 @@ bool ViewControllerNotes::isUnsaved() const
     return isEdited() || m_isOnlyHere;
 }
 
-QString ViewControllerNotes::saveNow()
-{
-    if (isUnsaved())
-        saveToFile();
-    return isUnsaved() ? m_error : QString();
-}
-
 QByteArray ViewControllerNotes::unsavedContent() const
 {
     return isEdited() ? m_file.bytesOf(m_ui->textEdit->document()->toRawText()) : m_file.bytes();
@@ -220,11 +197,6 @@ QString ViewControllerNotes::unsavedFileName() const
     return NotesFile::name;
 }
 
-QString ViewControllerNotes::rescue()
-{
-    return m_file.rescue(unsavedContent());
-}
-
 bool ViewControllerNotes::eventFilter(QObject *watched, QEvent *event)
 {
     // The control would put U+2028 into the text, which most programs show as no line end.
@@ -233,7 +205,7 @@ bool ViewControllerNotes::eventFilter(QObject *watched, QEvent *event)
         m_ui->textEdit->insertPlainText(QStringLiteral("\n"));
         return true;
     }
-    return ToolWindow::eventFilter(watched, event);
+    return FileWindow::eventFilter(watched, event);
 }
 
 } // namespace oblino

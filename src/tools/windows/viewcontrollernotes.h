@@ -1,10 +1,8 @@
 #pragma once
 
-#include <base/unsavedwork.h>
-#include <controls/toolwindow.h>
 #include <files/filewatch.h>
-#include <tools/filenotices.h>
 #include <tools/notesfile.h>
+#include <tools/windows/filewindow.h>
 
 #include <QTimer>
 
@@ -21,9 +19,8 @@ class TaskManager;
 
 /// The notes pad: one text, loaded when the window is made, saved while it is shown, every 30 seconds and
 /// soon after the last key, and once more when it goes away. What another program makes of the file is shown,
-/// unless the text here is not saved. With Qt::WA_DeleteOnClose the window all the same outlives its closing
-/// while its text is in no file.
-class ViewControllerNotes : public ToolWindow, public UnsavedWork
+/// unless the text here is not saved.
+class ViewControllerNotes : public FileWindow
 {
     Q_OBJECT
 
@@ -45,43 +42,34 @@ public:
 
     void tick(const QTimer &firing);
 
-    /// Gives up a text that is in no file.
-    void discard();
-
-    // The text while it is in no file
-
+    void discard() override;
     [[nodiscard]] QString workTitle() const override;
     [[nodiscard]] bool isUnsaved() const override;
-    [[nodiscard]] QString saveNow() override;
     [[nodiscard]] QByteArray unsavedContent() const override;
     [[nodiscard]] QString unsavedFileName() const override;
-    [[nodiscard]] QString rescue() override;
 
 protected:
     void viewDidAppear() override;
     void viewWillDisappear() override;
     void viewDidDisappear() override;
+    void save() override { saveToFile(); }
+    void revert() override { readFromFile(); }
+    void showNotice(const QString &notice) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     void viewDidLoad();
     [[nodiscard]] bool isEdited() const;
-    void saveSoon();
     void readWhatOthersWrote();
     void showText(const QString &text);
-    void tell(const QStringList &notices);
-    void setFailure(const QString &reason);
 
     TaskManager &m_store;
     NotesFile m_file;
-    std::chrono::milliseconds m_interval;
     std::unique_ptr<Ui::ViewControllerNotes> m_ui;
-    std::unique_ptr<QTimer> timer; // none while the window is not shown
+    QTimer timer; // while the window is shown
     QTimer m_afterLastKey;
     std::unique_ptr<FileWatch> m_watch; // none without a documents folder
-    FileNotices m_notices;
-    QString m_error;           // of the last save, a sentence
-    bool m_isOnlyHere = false; // the file no longer has the text that it had
+    bool m_isOnlyHere = false;          // the file no longer has the text that it had
 };
 
 } // namespace oblino

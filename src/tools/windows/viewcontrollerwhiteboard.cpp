@@ -1,5 +1,6 @@
 #include <tools/windows/viewcontrollerwhiteboard.h>
 
+#include <base/datakind.h>
 #include <base/sharingpicker.h>
 #include <base/trace.h>
 #include <config.h>
@@ -10,6 +11,7 @@
 #include <ui/uiutil.h>
 #include <ui_viewcontrollerwhiteboard.h>
 
+#include <QDir>
 #include <QPushButton>
 
 #include <utility>
@@ -28,15 +30,14 @@ constexpr Color white = {1, 1, 1, 1};
 } // namespace
 
 ViewControllerWhiteboard::ViewControllerWhiteboard(UIUtil &utilities, SharingPicker &picker,
-                                                   QString privateFolder, QString documentsFolder,
-                                                   QWidget *parent, FileCalls &calls)
-    : ToolWindow(parent)
+                                                   const QString &privateFolder,
+                                                   const QString &documentsFolder, QWidget *parent,
+                                                   FileCalls &calls)
+    : FileWindow(DataKind::Whiteboard, WhiteboardFile::versions(privateFolder, documentsFolder), parent)
     , m_utilities(utilities)
     , m_picker(picker)
     , m_ui(std::make_unique<Ui::ViewControllerWhiteboard>())
-    , m_privateFolder(std::move(privateFolder))
-    , m_documentsFolder(std::move(documentsFolder))
-    , m_file(m_privateFolder, calls)
+    , m_file(privateFolder, calls)
 {
     m_ui->setupUi(this);
     for (QPushButton *button : findChildren<QPushButton *>()) {
@@ -65,15 +66,14 @@ void ViewControllerWhiteboard::connectControls()
 
 void ViewControllerWhiteboard::viewDidLoad()
 {
-    showNotice();
+    showNotice({});
     m_ui->color->setColor(GlobalVariable::colorWell);
     addLine();
 }
 
 void ViewControllerWhiteboard::viewDidAppear()
 {
-    fileManager = QDir::current();
-    m_path = fileManager->absolutePath();
+    m_path = QDir::currentPath();
     loadImage();
 }
 
@@ -86,8 +86,7 @@ void ViewControllerWhiteboard::viewWillDisappear()
 void ViewControllerWhiteboard::viewDidDisappear()
 {
     m_ui->color->deactivate();
-    if (isUnsaved())
-        setAttribute(Qt::WA_DeleteOnClose, false);
+    FileWindow::viewDidDisappear();
 }
 
 void ViewControllerWhiteboard::drawLine(QObject * /*sender*/)
@@ -165,7 +164,7 @@ void ViewControllerWhiteboard::eraseAllContent()
 void ViewControllerWhiteboard::addLine()
 {
     m_line = new Line(*this, this);
-    m_line->setGeometry(drawingArea());
+    m_line->setGeometry({{}, board});
     m_line->show();
     showMode();
 }
@@ -181,17 +180,12 @@ void ViewControllerWhiteboard::showMode()
                                                         : tr("Strokes are free"));
 }
 
-QRect ViewControllerWhiteboard::drawingArea() const
-{
-    return {{}, board};
-}
-
 // The board keeps its size and place when the window grows for a notice.
-void ViewControllerWhiteboard::showNotice()
+void ViewControllerWhiteboard::showNotice(const QString &notice)
 {
-    const NoticeLabel &notice = *m_ui->notice;
-    m_ui->notice->setNotice(m_notices.text());
-    setFixedSize(board + QSize(0, strip + (notice.isHidden() ? 0 : notice.heightForWidth(board.width()))));
+    m_ui->notice->setNotice(notice);
+    const int lines = notice.isEmpty() ? 0 : m_ui->notice->heightForWidth(board.width());
+    setFixedSize(board + QSize(0, strip + lines));
 }
 
 } // namespace oblino

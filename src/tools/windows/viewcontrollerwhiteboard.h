@@ -1,12 +1,9 @@
 #pragma once
 
 #include <base/color.h>
-#include <base/unsavedwork.h>
-#include <controls/toolwindow.h>
-#include <tools/filenotices.h>
 #include <tools/whiteboardfile.h>
+#include <tools/windows/filewindow.h>
 
-#include <QDir>
 #include <QPainterPath>
 
 #include <memory>
@@ -24,9 +21,8 @@ class SharingPicker;
 class UIUtil;
 
 /// The whiteboard: freehand sketches in a window of fixed size. The picture lies in one PNG file of the
-/// working folder, into which every stroke goes as it ends. With Qt::WA_DeleteOnClose the window all the same
-/// outlives its closing while its picture is in no file.
-class ViewControllerWhiteboard : public ToolWindow, public UnsavedWork
+/// working folder, into which every stroke goes as it ends.
+class ViewControllerWhiteboard : public FileWindow
 {
     Q_OBJECT
 
@@ -44,8 +40,8 @@ public:
     /// @param picker           offers the picture to other programs
     /// @param privateFolder    in whose recovery folder files are kept that a picture replaces
     /// @param documentsFolder  for a picture that neither its file nor that folder takes; empty for none
-    ViewControllerWhiteboard(UIUtil &utilities, SharingPicker &picker, QString privateFolder,
-                             QString documentsFolder, QWidget *parent = nullptr,
+    ViewControllerWhiteboard(UIUtil &utilities, SharingPicker &picker, const QString &privateFolder,
+                             const QString &documentsFolder, QWidget *parent = nullptr,
                              FileCalls &calls = FileCalls::posix());
     ~ViewControllerWhiteboard() override;
 
@@ -65,22 +61,19 @@ public:
     void savePNG(const QImage &image, const QString &path);
     void eraseDrawing();
     void eraseAllContent();
-    /// Gives up a picture that is in no file.
-    void discard();
-
-    // The picture while it is in no file
-
+    void discard() override;
     [[nodiscard]] QString workTitle() const override;
     [[nodiscard]] bool isUnsaved() const override;
-    [[nodiscard]] QString saveNow() override;
     [[nodiscard]] QByteArray unsavedContent() const override;
     [[nodiscard]] QString unsavedFileName() const override;
-    [[nodiscard]] QString rescue() override;
 
 protected:
     void viewDidAppear() override;
     void viewWillDisappear() override;
     void viewDidDisappear() override;
+    void save() override { capture(); }
+    void revert() override { revertToImage(nullptr); }
+    void showNotice(const QString &notice) override;
 
 private:
     void viewDidLoad();
@@ -88,27 +81,18 @@ private:
     void addLine();
     void showMode();
     void endStroke();
-    void tell(const QStringList &notices);
-    void setFailure(const QString &reason);
-    void showNotice();
-    [[nodiscard]] QRect drawingArea() const;
     [[nodiscard]] bool hasUnsavedStroke() const;
     [[nodiscard]] QImage picture() const;
 
     UIUtil &m_utilities;
     SharingPicker &m_picker;
     std::unique_ptr<Ui::ViewControllerWhiteboard> m_ui;
-    QString m_privateFolder;
-    QString m_documentsFolder;
     WhiteboardFile m_file;
     QImage m_unsaved;         // the picture that could not be written; null where the file holds it
     QImage m_last;            // what the file was last known to hold
     bool m_isChanged = false; // since it was last written or read
     QPainterPath m_captured;  // how far the stroke under way is in the picture that was last written
-    QString m_error;          // of the last writing, a sentence
-    FileNotices m_notices;
     Line *m_line = nullptr;
-    std::optional<QDir> fileManager;
     std::optional<QString> m_path; // the folder of the file
 };
 

@@ -1,7 +1,6 @@
 #include <tools/windows/viewcontrollerwhiteboard.h>
 
 #include <base/trace.h>
-#include <files/earlierversions.h>
 #include <tools/windows/boardview.h>
 #include <ui_viewcontrollerwhiteboard.h>
 
@@ -31,9 +30,9 @@ void ViewControllerWhiteboard::loadImage()
     if (!m_path)
         return;
     const WhiteboardFile::Reading reading =
-        m_file.read(*m_path + QLatin1Char('/') + WhiteboardFile::name, drawingArea().size());
+        m_file.read(*m_path + QLatin1Char('/') + WhiteboardFile::name, m_line->size());
     tell(reading.notices);
-    setFailure({});
+    setFailure({}, {});
     // What was there a moment ago is written again rather than drawn over.
     m_isChanged = reading.hasFailed && !m_last.isNull();
     if (!m_isChanged)
@@ -44,7 +43,7 @@ void ViewControllerWhiteboard::loadImage()
 QImage ViewControllerWhiteboard::picture() const
 {
     const qreal pixels = devicePixelRatioF();
-    QImage bitmap((QSizeF(drawingArea().size()) * pixels).toSize(), QImage::Format_RGB32);
+    QImage bitmap((QSizeF(m_line->size()) * pixels).toSize(), QImage::Format_RGB32);
     if (bitmap.isNull())
         return {};
     bitmap.setDevicePixelRatio(pixels);
@@ -59,26 +58,22 @@ void ViewControllerWhiteboard::capture()
     // On a screen of fewer pixels the picture would lose some for nothing.
     if (!isUnsaved())
         return;
-    const QImage bitmap = picture();
-    if (bitmap.isNull())
-        return;
-    const QPainterPath stroke = m_line->path();
-    savePNG(bitmap, WhiteboardFile::name);
-    m_captured = stroke;
+    savePNG(picture(), WhiteboardFile::name);
 }
 
 void ViewControllerWhiteboard::savePNG(const QImage &image, const QString &path)
 {
     const QByteArray png = pngOf(image);
-    if (png.isEmpty())
-        return;
+    if (png.isEmpty()) {
+        const QString error = tr("The picture of the whiteboard could not be made.");
+        return setFailure(error, error);
+    }
+    m_captured = m_line->path();
     const FileWriting writing = m_file.write(png, path);
-    m_error = writing.error;
     m_unsaved = writing.written ? QImage() : image;
     m_last = writing.written ? image : m_last;
     m_isChanged = false;
-    tell(writing.notices);
-    setFailure(writing.reason);
+    tell(writing);
     if (!writing.written)
         trace("caught:", writing.error);
 }
@@ -98,20 +93,6 @@ void ViewControllerWhiteboard::discard()
     m_line->clear();
 }
 
-void ViewControllerWhiteboard::tell(const QStringList &notices)
-{
-    for (const QString &notice : notices)
-        trace(notice);
-    m_notices.tell(notices);
-    showNotice();
-}
-
-void ViewControllerWhiteboard::setFailure(const QString &reason)
-{
-    m_notices.setFailure(reason);
-    showNotice();
-}
-
 bool ViewControllerWhiteboard::hasUnsavedStroke() const
 {
     const QPainterPath stroke = m_line->path();
@@ -128,13 +109,6 @@ bool ViewControllerWhiteboard::isUnsaved() const
     return m_isChanged || !m_unsaved.isNull() || hasUnsavedStroke();
 }
 
-QString ViewControllerWhiteboard::saveNow()
-{
-    m_error = tr("The picture of the whiteboard could not be made.");
-    capture();
-    return isUnsaved() ? m_error : QString();
-}
-
 QByteArray ViewControllerWhiteboard::unsavedContent() const
 {
     return pngOf(picture());
@@ -143,12 +117,6 @@ QByteArray ViewControllerWhiteboard::unsavedContent() const
 QString ViewControllerWhiteboard::unsavedFileName() const
 {
     return WhiteboardFile::name;
-}
-
-QString ViewControllerWhiteboard::rescue()
-{
-    const QStringList folders = EarlierVersions::standardFolders(m_privateFolder, m_documentsFolder);
-    return EarlierVersions(WhiteboardFile::name, folders).rescue(unsavedContent());
 }
 
 } // namespace oblino
