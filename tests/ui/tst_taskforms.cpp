@@ -384,14 +384,14 @@ private Q_SLOTS:
     void goesOnWithTheDayWhileNothingIsEntered()
     {
         for (const bool isTouched : {false, true}) {
-            std::optional<TimeZone> zone("WST12"); // where it is the day before
+            auto west = std::make_unique<TimeZone>("WST12"); // where it is the day before
             MainWindow main({});
             QWidget &form = openAdd(main);
             const QDate before = QDate::currentDate();
             if (isTouched)
                 QTest::keyClicks(&find<QLineEdit>(form, "txtTaskName"), u"x"_s);
-            zone.reset();
-            zone.emplace("EST-14");
+            west.reset();
+            const TimeZone east("EST-14");
             QVERIFY(QDate::currentDate() > before);
             main.notifications.post(u"dayChanged"_s);
             QCOMPARE(find<DateField>(form, "dtTaskDate").date(), isTouched ? before : QDate::currentDate());
