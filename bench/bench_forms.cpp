@@ -6,7 +6,7 @@
 #include <base/appearance.h>
 #include <base/notificationcenter.h>
 #include <base/trace.h>
-#include <contacts/persistentcontainer.h>
+#include <contacts/contactstore.h>
 #include <controls/descriptionview.h>
 #include <core/taskmanager.h>
 #include <files/defaults.h>
@@ -51,7 +51,7 @@ QStringList names()
 
 void fillStore(const QString &folder)
 {
-    PersistentContainer container(folder);
+    ContactStore container(folder);
     if (const QString error = container.loadPersistentStores().error; !error.isEmpty())
         qFatal("%s", qPrintable(error));
     for (const FetchRequest &request : {Clients::fetchRequest(), TeamMembers::fetchRequest()}) {

@@ -8,7 +8,7 @@
 #include <base/trace.h>
 #include <cloud/taskcloud.h>
 #include <cloud/taskrecord.h>
-#include <contacts/persistentcontainer.h>
+#include <contacts/contactstore.h>
 #include <contacts/windows/viewcontrollerclientmgmt.h>
 #include <contacts/windows/viewcontrollerteammgmt.h>
 #include <controls/theme.h>

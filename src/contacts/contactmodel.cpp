@@ -4,145 +4,115 @@
 
 #include <contacts/sqlquery.h>
 
-#include <algorithm>
+#include <QSignalBlocker>
 
 namespace oblino {
 
+namespace {
+
+constexpr int keyRole =
+    Qt::UserRole; // of the name: the key on disk, nothing for a contact that is not there yet
+
+} // namespace
+
 ContactModel::ContactModel(const FetchRequest &request)
-    : m_entityName(request.entityName)
+    : QStandardItemModel(0, 2)
+    , m_entityName(request.entityName)
 {
+}
+
+QString ContactModel::text(int row, ContactColumn column) const
+{
+    return index(row, column).data().toString();
 }
 
 QString ContactModel::load(const QSqlDatabase &database)
 {
     QSqlQuery query =
         execute(database, QStringLiteral("SELECT id, name, phoneNo FROM %1 ORDER BY id").arg(m_entityName));
-    QList<Row> rows;
-    while (query.next()) {
-        rows += Row{.key = query.value(0).toLongLong(),
-                    .texts = {query.value(1).toString(), query.value(2).toString()}};
+    beginResetModel();
+    {
+        const QSignalBlocker blocker(this);
+        setRowCount(0);
+        while (query.next()) {
+            auto *name = new QStandardItem(query.value(1).toString());
+            name->setData(query.value(0), keyRole);
+            appendRow({name, new QStandardItem(query.value(2).toString())});
+        }
+        if (!errorMessage(query).isEmpty())
+            setRowCount(0);
+        rememberStored();
     }
-    QString error = errorMessage(query);
-    if (error.isEmpty())
-        reset(rows);
-    return error;
+    endResetModel();
+    return errorMessage(query);
+}
+
+bool ContactModel::hasChanges() const
+{
+    bool hasChanges = rowCount() != m_stored.size();
+    for (int row = 0; row < rowCount() && !hasChanges; ++row)
+        hasChanges = isChanged(row);
+    return hasChanges;
 }
 
 QString ContactModel::write(const QSqlDatabase &database)
 {
+    const auto run = [&](const QString &statement, const QVariantList &values) {
+        return execute(database, statement.arg(m_entityName), values);
+    };
+    m_writtenKeys.clear();
+    QHash<qint64, Texts> removed = m_stored;
     QString error;
-    for (qsizetype i = 0; i < m_removed.size() && error.isEmpty(); ++i)
-        error = errorMessage(execute(
-            database, QStringLiteral("DELETE FROM %1 WHERE id = ?").arg(m_entityName), {m_removed.at(i)}));
-    for (auto row = m_rows.begin(); row != m_rows.end() && error.isEmpty(); ++row) {
-        const auto &[name, phoneNo] = row->texts;
-        if (row->key == 0) {
-            const QSqlQuery query = execute(
-                database, QStringLiteral("INSERT INTO %1 (name, phoneNo) VALUES (?, ?)").arg(m_entityName),
-                {name, phoneNo});
-            row->writtenKey = query.lastInsertId().toLongLong();
+    for (int row = 0; row < rowCount() && error.isEmpty(); ++row) {
+        const auto [name, phoneNo] = texts(row);
+        qint64 written = key(row);
+        removed.remove(written);
+        if (written == 0) {
+            const QSqlQuery query =
+                run(QStringLiteral("INSERT INTO %1 (name, phoneNo) VALUES (?, ?)"), {name, phoneNo});
+            written = query.lastInsertId().toLongLong();
             error = errorMessage(query);
-        } else if (row->changed) {
-            error = errorMessage(
-                execute(database,
-                        QStringLiteral("UPDATE %1 SET name = ?, phoneNo = ? WHERE id = ?").arg(m_entityName),
-                        {name, phoneNo, row->key}));
+        } else if (isChanged(row)) {
+            error = errorMessage(run(QStringLiteral("UPDATE %1 SET name = ?, phoneNo = ? WHERE id = ?"),
+                                     {name, phoneNo, written}));
         }
+        m_writtenKeys += written;
     }
+    for (auto gone = removed.keyBegin(); gone != removed.keyEnd() && error.isEmpty(); ++gone)
+        error = errorMessage(run(QStringLiteral("DELETE FROM %1 WHERE id = ?"), {*gone}));
     return error;
 }
 
 void ContactModel::confirmWritten()
 {
-    m_removed.clear();
-    for (Row &row : m_rows) {
-        if (row.key == 0)
-            row.key = row.writtenKey;
-        row.changed = false;
-    }
+    // Nobody sees a key; told of it, a view would take from an open editor what was typed there.
+    const QSignalBlocker blocker(this);
+    for (int row = 0; row < rowCount(); ++row)
+        setData(index(row, NameColumn), m_writtenKeys.at(row), keyRole);
+    rememberStored();
 }
 
-bool ContactModel::hasChanges() const
+qint64 ContactModel::key(int row) const
 {
-    return !m_removed.isEmpty() || std::any_of(m_rows.begin(), m_rows.end(),
-                                               [](const Row &row) { return row.key == 0 || row.changed; });
+    return index(row, NameColumn).data(keyRole).toLongLong();
 }
 
-void ContactModel::clear()
+ContactModel::Texts ContactModel::texts(int row) const
 {
-    reset({});
+    return {text(row, NameColumn), text(row, PhoneNoColumn)};
 }
 
-void ContactModel::reset(const QList<Row> &rows)
+bool ContactModel::isChanged(int row) const
 {
-    beginResetModel();
-    m_rows = rows;
-    m_removed.clear();
-    endResetModel();
+    const auto stored = m_stored.constFind(key(row));
+    return stored == m_stored.cend() || *stored != texts(row);
 }
 
-QString ContactModel::text(int row, ContactColumn column) const
+void ContactModel::rememberStored()
 {
-    return m_rows.at(row).texts.at(column);
-}
-
-int ContactModel::rowCount(const QModelIndex &parent) const
-{
-    return parent.isValid() ? 0 : static_cast<int>(m_rows.size());
-}
-
-int ContactModel::columnCount(const QModelIndex &parent) const
-{
-    return parent.isValid() ? 0 : 2;
-}
-
-QVariant ContactModel::data(const QModelIndex &index, int role) const
-{
-    if (!index.isValid() || (role != Qt::DisplayRole && role != Qt::EditRole))
-        return {};
-    return text(index.row(), static_cast<ContactColumn>(index.column()));
-}
-
-Qt::ItemFlags ContactModel::flags(const QModelIndex &index) const
-{
-    return index.isValid() ? QAbstractTableModel::flags(index) | Qt::ItemIsEditable : Qt::NoItemFlags;
-}
-
-bool ContactModel::setData(const QModelIndex &index, const QVariant &value, int role)
-{
-    if (!index.isValid() || role != Qt::EditRole)
-        return false;
-    if (const QString typed = value.toString(); typed != index.data().toString()) {
-        Row &row = m_rows[index.row()];
-        row.texts.at(static_cast<size_t>(index.column())) = typed;
-        row.changed = true;
-        Q_EMIT dataChanged(index, index, {Qt::DisplayRole, Qt::EditRole});
-    }
-    return true;
-}
-
-bool ContactModel::insertRows(int row, int count, const QModelIndex &parent)
-{
-    if (parent.isValid() || row != rowCount() || count < 1)
-        return false;
-    beginInsertRows({}, row, row + count - 1);
-    m_rows.insert(row, count, Row());
-    endInsertRows();
-    return true;
-}
-
-bool ContactModel::removeRows(int row, int count, const QModelIndex &parent)
-{
-    if (parent.isValid() || row < 0 || count < 1 || row + count > rowCount())
-        return false;
-    beginRemoveRows({}, row, row + count - 1);
-    for (int i = row; i < row + count; ++i) {
-        if (m_rows.at(i).key != 0)
-            m_removed += m_rows.at(i).key;
-    }
-    m_rows.remove(row, count);
-    endRemoveRows();
-    return true;
+    m_stored.clear();
+    for (int row = 0; row < rowCount(); ++row)
+        m_stored.insert(key(row), texts(row));
 }
 
 } // namespace oblino

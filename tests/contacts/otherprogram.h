@@ -13,19 +13,17 @@ class OtherProgram
 {
 public:
     explicit OtherProgram(const QString &folder)
-        : m_database(QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QUuid::createUuid().toString()))
     {
         m_database.setDatabaseName(folder + QStringLiteral("/Model.sqlite"));
         m_database.open();
     }
-    OtherProgram(const OtherProgram &) = delete;
-    OtherProgram &operator=(const OtherProgram &) = delete;
     ~OtherProgram()
     {
         const QString connection = m_database.connectionName();
         m_database = {};
         QSqlDatabase::removeDatabase(connection);
     }
+    Q_DISABLE_COPY_MOVE(OtherProgram)
 
     /// The first value of each row that a statement gives, or the error.
     QStringList run(const QString &statement) const // NOLINT(modernize-use-nodiscard)
@@ -38,7 +36,8 @@ public:
     }
 
 private:
-    QSqlDatabase m_database;
+    QSqlDatabase m_database =
+        QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QUuid::createUuid().toString());
 };
 
 } // namespace oblino

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <contacts/persistentcontainer.h>
+#include <contacts/contactstore.h>
 
 #include <QTest>
 
@@ -17,7 +17,7 @@ inline void addContact(ContactModel &model, const QString &name, const QString &
 template<typename Contact>
 void storeContacts(const QString &folder, const QList<Contact> &contacts)
 {
-    PersistentContainer container(folder);
+    ContactStore container(folder);
     QCOMPARE(container.loadPersistentStores().error, QString());
     for (const Contact &contact : contacts)
         addContact(*container.viewContext()->objects(Contact::fetchRequest()), contact.name, contact.phoneNo);

@@ -353,7 +353,7 @@ private Q_SLOTS:
         number.accept();
         QVERIFY(!unknown.isVisible());
         QCOMPARE(find<QComboBox>(form, "client").currentText(), u"Zoe"_s);
-        PersistentContainer stored(main.home.privateFolder());
+        ContactStore stored(main.home.privateFolder());
         QCOMPARE(stored.loadPersistentStores().error, QString());
         QCOMPARE(stored.viewContext()->objects(Clients::fetchRequest())->text(0, PhoneNoColumn), u"+1 555"_s);
     }

@@ -72,12 +72,6 @@ void ContactDelegate::setModelData(QWidget *editor, QAbstractItemModel *model, c
         Q_EMIT nameChanged();
 }
 
-void ContactDelegate::updateEditorGeometry(QWidget *editor, const QStyleOptionViewItem &option,
-                                           const QModelIndex & /*index*/) const
-{
-    editor->setGeometry(option.rect);
-}
-
 bool ContactDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view,
                                 const QStyleOptionViewItem &option, const QModelIndex &index)
 {

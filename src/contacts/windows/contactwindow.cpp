@@ -2,7 +2,7 @@
 
 #include <base/datakind.h>
 #include <base/trace.h>
-#include <contacts/persistentcontainer.h>
+#include <contacts/contactstore.h>
 #include <contacts/windows/contactdelegate.h>
 #include <contacts/windows/contactlist.h>
 #include <files/earlierversions.h>
@@ -38,7 +38,7 @@ ContactWindow::ContactWindow(Kind kind, const QString &folder, QWidget *parent,
     , m_ui(std::make_unique<Ui::ContactWindow>())
     , m_kind(std::move(kind))
     , m_folder(folder)
-    , m_container(std::make_unique<PersistentContainer>(folder))
+    , persistentContainer(std::make_unique<ContactStore>(folder))
     , m_list(new ContactList(this))
 {
     m_ui->setupUi(this);
@@ -68,11 +68,10 @@ ContactWindow::~ContactWindow()
 
 void ContactWindow::openStore()
 {
-    const StoreLoading loading = loadTraced(*m_container);
-    managedObjectContext = m_container->viewContext();
+    const StoreLoading loading = persistentContainer->loadTraced();
+    managedObjectContext = persistentContainer->viewContext();
     if (managedObjectContext) {
-        m_contacts = managedObjectContext->objects(m_kind.request);
-        m_list->setSourceModel(m_contacts);
+        m_list->setSourceModel(managedObjectContext->objects(m_kind.request));
         m_ui->table->setEmptyMessage(tr("No %1 yet.\nChoose Add to enter the first.").arg(m_kind.plural));
         return;
     }
@@ -155,10 +154,11 @@ void ContactWindow::finishSaving()
 
 QByteArray ContactWindow::unsavedContent() const
 {
+    const ContactModel &contacts = *persistentContainer->objects(m_kind.request);
     QByteArray lines;
-    for (int row = 0; m_contacts && row < m_contacts->rowCount(); ++row)
-        lines += onOneLine(m_contacts->text(row, NameColumn)) + '\t' +
-                 onOneLine(m_contacts->text(row, PhoneNoColumn)) + '\n';
+    for (int row = 0; row < contacts.rowCount(); ++row)
+        lines += onOneLine(contacts.text(row, NameColumn)) + '\t' +
+                 onOneLine(contacts.text(row, PhoneNoColumn)) + '\n';
     return lines;
 }
 
@@ -171,10 +171,9 @@ QString ContactWindow::rescue()
 
 void ContactWindow::reload(const FetchRequest &request)
 {
-    if (!m_contacts || request.entityName != m_contacts->entityName())
+    if (!managedObjectContext || request.entityName != m_kind.request.entityName)
         return;
     m_ui->table->endEditing();
-    m_contacts->clear();
     if (const QString error = managedObjectContext->load(); !error.isEmpty())
         trace("Unable to Read Contacts", error);
     finishSaving();

@@ -12,9 +12,7 @@
 namespace oblino {
 
 class ContactList;
-class ContactModel;
-class ManagedObjectContext;
-class PersistentContainer;
+class ContactStore;
 
 namespace Ui {
 class ContactWindow;
@@ -90,9 +88,8 @@ private:
 
     Kind m_kind;
     QString m_folder;
-    std::unique_ptr<PersistentContainer> m_container;
-    ManagedObjectContext *managedObjectContext = nullptr; // none without a store
-    ContactModel *m_contacts = nullptr;                   // the context's
+    std::unique_ptr<ContactStore> persistentContainer;
+    ContactStore *managedObjectContext = nullptr; // none without a store
     ContactList *m_list;
     QTimer m_retry;
     QString m_problem;              // why the last saving failed; empty where it did not

@@ -21,31 +21,9 @@ ViewControllerClientMgmt::ViewControllerClientMgmt(const QString &folder, QWidge
     loadView();
 }
 
-void ViewControllerClientMgmt::loadView()
-{
-    openStore();
-}
-
-void ViewControllerClientMgmt::AddCient(QObject * /*sender*/)
-{
-    addContact();
-}
-
-void ViewControllerClientMgmt::RemoveClient(QObject * /*sender*/)
-{
-    removeContacts();
-}
-
-void ViewControllerClientMgmt::resetData(QObject * /*sender*/) {}
-
 void ViewControllerClientMgmt::nameChange(QObject * /*sender*/)
 {
     trace("Name Change");
-}
-
-void ViewControllerClientMgmt::okpressed(QObject * /*sender*/)
-{
-    close();
 }
 
 } // namespace oblino

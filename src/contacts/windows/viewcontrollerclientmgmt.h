@@ -1,6 +1,6 @@
 #pragma once
 
-#include <contacts/persistentcontainer.h>
+#include <contacts/contactstore.h>
 #include <contacts/windows/contactwindow.h>
 
 namespace oblino {
@@ -14,15 +14,15 @@ public:
     explicit ViewControllerClientMgmt(const QString &folder = contactsFolder(), QWidget *parent = nullptr,
                                       std::chrono::milliseconds retryInterval = std::chrono::seconds(10));
 
-    void loadView();
+    void loadView() { openStore(); }
 
     // What the controls call
 
-    void AddCient(QObject *sender);
-    void RemoveClient(QObject *sender);
-    void resetData(QObject *sender);
+    void AddCient(QObject * /*sender*/) { addContact(); }
+    void RemoveClient(QObject * /*sender*/) { removeContacts(); }
+    void resetData(QObject * /*sender*/) {}
     void nameChange(QObject *sender) override;
-    void okpressed(QObject *sender);
+    void okpressed(QObject * /*sender*/) { close(); }
 };
 
 } // namespace oblino

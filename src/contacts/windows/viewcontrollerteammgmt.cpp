@@ -21,24 +21,4 @@ ViewControllerTeamMgmt::ViewControllerTeamMgmt(const QString &folder, QWidget *p
     viewDidLoad();
 }
 
-void ViewControllerTeamMgmt::viewDidLoad()
-{
-    openStore();
-}
-
-void ViewControllerTeamMgmt::AddTeamMember(QObject * /*sender*/)
-{
-    addContact();
-}
-
-void ViewControllerTeamMgmt::RemoveTeamMember(QObject * /*sender*/)
-{
-    removeContacts();
-}
-
-void ViewControllerTeamMgmt::OkPressed(QObject * /*sender*/)
-{
-    close();
-}
-
 } // namespace oblino

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <contacts/persistentcontainer.h>
+#include <contacts/contactstore.h>
 #include <contacts/windows/contactwindow.h>
 
 namespace oblino {
@@ -14,13 +14,13 @@ public:
     explicit ViewControllerTeamMgmt(const QString &folder = contactsFolder(), QWidget *parent = nullptr,
                                     std::chrono::milliseconds retryInterval = std::chrono::seconds(10));
 
-    void viewDidLoad();
+    void viewDidLoad() { openStore(); }
 
     // What the controls call
 
-    void AddTeamMember(QObject *sender);
-    void RemoveTeamMember(QObject *sender);
-    void OkPressed(QObject *sender);
+    void AddTeamMember(QObject * /*sender*/) { addContact(); }
+    void RemoveTeamMember(QObject * /*sender*/) { removeContacts(); }
+    void OkPressed(QObject * /*sender*/) { close(); }
 };
 
 } // namespace oblino

@@ -83,8 +83,8 @@ void ViewControllerSending::connectControls()
 
 void ViewControllerSending::viewDidLoad()
 {
-    persistentContainer = std::make_unique<PersistentContainer>(m_contacts);
-    const StoreLoading loading = loadTraced(*persistentContainer);
+    persistentContainer = std::make_unique<ContactStore>(m_contacts);
+    const StoreLoading loading = persistentContainer->loadTraced();
     managedObjectContext = persistentContainer->viewContext();
     const auto message = [&loading](const QString &nobody, const QString &unopened) {
         return loading.error.isEmpty() ? nobody : unopened + QLatin1String("\n\n") + loading.error;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <contacts/persistentcontainer.h>
+#include <contacts/contactstore.h>
 #include <controls/toolwindow.h>
 #include <messaging/sendingrun.h>
 #include <messaging/sendingstate.h>
@@ -82,8 +82,8 @@ private:
     SendingRun &m_run;
     QString m_contacts;
     std::unique_ptr<Ui::ViewControllerSending> m_ui;
-    std::unique_ptr<PersistentContainer> persistentContainer;
-    ManagedObjectContext *managedObjectContext = nullptr; // none without a store
+    std::unique_ptr<ContactStore> persistentContainer;
+    ContactStore *managedObjectContext = nullptr; // none without a store
     ContactList *clientsArray;
     ContactList *teamMembersArray;
 };

@@ -2,7 +2,7 @@
 
 #include <base/notificationcenter.h>
 #include <base/trace.h>
-#include <contacts/persistentcontainer.h>
+#include <contacts/contactstore.h>
 #include <core/tasklistfile.h>
 #include <core/taskmanager.h>
 #include <tools/notesfile.h>
@@ -55,14 +55,14 @@ ViewControllerDestroy::~ViewControllerDestroy() = default;
 
 void ViewControllerDestroy::viewDidLoad()
 {
-    m_storeError = loadTraced(persistentContainer()).error;
+    m_storeError = persistentContainer().loadTraced().error;
     managedObjectContext = persistentContainer().viewContext();
 }
 
-PersistentContainer &ViewControllerDestroy::persistentContainer()
+ContactStore &ViewControllerDestroy::persistentContainer()
 {
     if (!m_container)
-        m_container = std::make_unique<PersistentContainer>(m_data.privateFolder);
+        m_container = std::make_unique<ContactStore>(m_data.privateFolder);
     return *m_container;
 }
 

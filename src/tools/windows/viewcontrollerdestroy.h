@@ -18,9 +18,8 @@ class ViewControllerDestroy;
 }
 
 class Documents;
-class ManagedObjectContext;
 class NotificationCenter;
-class PersistentContainer;
+class ContactStore;
 class TaskListFile;
 class TaskManager;
 class UIUtil;
@@ -72,7 +71,7 @@ private:
     };
 
     void viewDidLoad();
-    [[nodiscard]] PersistentContainer &persistentContainer();
+    [[nodiscard]] ContactStore &persistentContainer();
 
     void holdWhileCloudIsWaitedFor();
     [[nodiscard]] bool confirmed();
@@ -92,8 +91,8 @@ private:
     ErasableData m_data;
     std::unique_ptr<Ui::ViewControllerDestroy> m_ui;
     std::vector<Category> m_categories; // in the order in which they are listed and erased
-    std::unique_ptr<PersistentContainer> m_container;
-    ManagedObjectContext *managedObjectContext = nullptr;
+    std::unique_ptr<ContactStore> m_container;
+    ContactStore *managedObjectContext = nullptr;
     QString m_storeError; // why there is no context
     bool m_isErasing = false;
 

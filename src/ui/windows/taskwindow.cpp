@@ -7,7 +7,7 @@
 #include <ui/windows/taskform.h>
 
 #include <base/trace.h>
-#include <contacts/persistentcontainer.h>
+#include <contacts/contactstore.h>
 #include <core/taskmanager.h>
 
 #include <QDialogButtonBox>
@@ -55,7 +55,7 @@ void TaskWindow::changeColor(QObject * /*sender*/)
 
 void TaskWindow::loadView()
 {
-    persistentContainer = std::make_unique<PersistentContainer>(m_dataFolder);
+    persistentContainer = std::make_unique<ContactStore>(m_dataFolder);
     const StoreLoading loading = persistentContainer->loadPersistentStores();
     if (loading.error.isEmpty()) {
         trace("---Persistent Store---:", loading.location, loading.type);
@@ -74,8 +74,8 @@ void TaskWindow::loadView()
 
 void TaskWindow::showContacts()
 {
-    m_form->setContacts(fetchNames(managedObjectContext, Clients::fetchRequest()),
-                        fetchNames(managedObjectContext, TeamMembers::fetchRequest()));
+    m_form->setContacts(persistentContainer->names(Clients::fetchRequest()),
+                        persistentContainer->names(TeamMembers::fetchRequest()));
 }
 
 void TaskWindow::askForNumber(const FetchRequest &directory, const QString &name)

@@ -14,9 +14,8 @@ class QVBoxLayout;
 
 namespace oblino {
 
-class ManagedObjectContext;
 class NotificationCenter;
-class PersistentContainer;
+class ContactStore;
 class TaskForm;
 class TaskManager;
 class UIUtil;
@@ -103,8 +102,8 @@ private:
     bool m_dueDateWasChosen = false;
     bool m_choseDateLast = false; // rather than the due date
     QString m_dataFolder;
-    std::unique_ptr<PersistentContainer> persistentContainer;
-    ManagedObjectContext *managedObjectContext = nullptr; // the container's main one; none without a store
+    std::unique_ptr<ContactStore> persistentContainer;
+    ContactStore *managedObjectContext = nullptr; // the container's main one; none without a store
 };
 
 } // namespace oblino
