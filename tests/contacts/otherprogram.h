@@ -4,40 +4,24 @@
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QStringList>
-#include <QUuid>
 
 namespace oblino {
 
-/// Another program that has the contacts' store open.
-class OtherProgram
+/// Lets another program, which keeps the contacts' store in that folder open, run a statement.
+/// @return the first value of each row that it gives, or the error
+inline QStringList runElsewhere(const QString &folder, const QString &statement)
 {
-public:
-    explicit OtherProgram(const QString &folder)
-    {
-        m_database.setDatabaseName(folder + QStringLiteral("/Model.sqlite"));
-        m_database.open();
+    QSqlDatabase database = QSqlDatabase::database(folder, false);
+    if (!database.isValid()) {
+        database = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), folder);
+        database.setDatabaseName(folder + QStringLiteral("/Model.sqlite"));
+        database.open();
     }
-    ~OtherProgram()
-    {
-        const QString connection = m_database.connectionName();
-        m_database = {};
-        QSqlDatabase::removeDatabase(connection);
-    }
-    Q_DISABLE_COPY_MOVE(OtherProgram)
-
-    /// The first value of each row that a statement gives, or the error.
-    QStringList run(const QString &statement) const // NOLINT(modernize-use-nodiscard)
-    {
-        QSqlQuery query(statement, m_database);
-        QStringList values;
-        while (query.next())
-            values += query.value(0).toString();
-        return query.lastError().isValid() ? QStringList(query.lastError().text()) : values;
-    }
-
-private:
-    QSqlDatabase m_database =
-        QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), QUuid::createUuid().toString());
-};
+    QSqlQuery query(statement, database);
+    QStringList values;
+    while (query.next())
+        values += query.value(0).toString();
+    return query.lastError().isValid() ? QStringList(query.lastError().text()) : values;
+}
 
 } // namespace oblino

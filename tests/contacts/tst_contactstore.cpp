@@ -35,7 +35,7 @@ struct Disk : Place
 
     [[nodiscard]] QStringList names() const
     {
-        return OtherProgram(place).run(u"SELECT name FROM Clients ORDER BY id"_s);
+        return runElsewhere(place, u"SELECT name FROM Clients ORDER BY id"_s);
     }
 };
 
@@ -52,7 +52,7 @@ struct Opened : ContactStore
     void rename(int row, const QString &name) const { clients.setData(clients.index(row, NameColumn), name); }
 };
 
-using Damage = std::function<void(const Disk &, const OtherProgram &)>;
+using Damage = std::function<void(const Disk &)>;
 
 } // namespace
 
@@ -123,11 +123,10 @@ private Q_SLOTS:
     {
         const Table<QString, Damage> row;
         const auto sql = [](const QString &statement) -> Damage {
-            return [=](auto &, const OtherProgram &other) { QCOMPARE(other.run(statement), QStringList()); };
+            return [=](const Disk &disk) { QCOMPARE(runElsewhere(disk.place, statement), QStringList()); };
         };
-        row("not a database", u"not a database"_s,
-            [](const Disk &disk, auto &) { put(disk.file, "Not at all"); });
-        row("damaged inside", u"damaged"_s, [](const Disk &disk, auto &) {
+        row("not a database", u"not a database"_s, [](const Disk &disk) { put(disk.file, "Not at all"); });
+        row("damaged inside", u"damaged"_s, [](const Disk &disk) {
             put(disk.file, contentOf(disk.file).replace(4096, 4096, QByteArray(4096, '\xff')));
         });
         row("a newer version", u"newer version"_s, sql(u"PRAGMA user_version = 2"_s));
@@ -135,8 +134,8 @@ private Q_SLOTS:
         row("a table without the attribute", u"phoneNo"_s, sql(u"ALTER TABLE Clients DROP COLUMN phoneNo"_s));
         row("locked by another program", u"locked"_s, sql(u"BEGIN EXCLUSIVE"_s));
         row("a folder", u"not a regular file"_s,
-            [](const Disk &disk, auto &) { QVERIFY(QFile::remove(disk.file) && QDir().mkdir(disk.file)); });
-        row("read-only", u"readonly"_s, [](const Disk &disk, auto &) {
+            [](const Disk &disk) { QVERIFY(QFile::remove(disk.file) && QDir().mkdir(disk.file)); });
+        row("read-only", u"readonly"_s, [](const Disk &disk) {
             for (const auto &[path, mode] :
                  {std::pair(disk.file, 0444), {disk.place, 0755}, {disk.folder.path(), 0755}})
                 QCOMPARE(::chmod(qPrintable(path), static_cast<mode_t>(mode)), 0);
@@ -147,9 +146,8 @@ private Q_SLOTS:
     {
         const auto [why, damage] = Table<QString, Damage>::cells();
         const Disk disk({u"a"_s});
-        const OtherProgram other(disk.place);
         const auto root = qScopeGuard([] { ::setfsuid(::geteuid()); });
-        damage(disk, other);
+        damage(disk);
         const QByteArray before = contentOf(disk.file);
         ContactStore store(disk.place);
         const QString error = store.loadPersistentStores().error;

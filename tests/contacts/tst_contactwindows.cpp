@@ -20,7 +20,7 @@ namespace {
 QString stored(const TemporaryHome &home, const QString &table = u"Clients"_s)
 {
     const QString rows = u"SELECT coalesce(name, '') || ':' || coalesce(phoneNo, '') FROM %1 ORDER BY id"_s;
-    return OtherProgram(home.privateFolder()).run(rows.arg(table)).join(u' ');
+    return runElsewhere(home.privateFolder(), rows.arg(table)).join(u' ');
 }
 
 /// Types into what has the focus; \n stands for Return, \t for Tab, \f for End, \x1b for Escape.
@@ -167,8 +167,7 @@ private Q_SLOTS:
         QVERIFY(!window.controller->isUnsaved());
         window.add(u"Bob"_s);
         QVERIFY(window.controller->isUnsaved());
-        const OtherProgram other(home.privateFolder());
-        other.run(u"BEGIN EXCLUSIVE"_s);
+        runElsewhere(home.privateFolder(), u"BEGIN EXCLUSIVE"_s);
         for (int closings = 1; closings <= 2; ++closings) {
             showActive(*window.controller); // which tries to save what was kept
             QTest::keyClick(window.controller, Qt::Key_Escape);
@@ -180,7 +179,7 @@ private Q_SLOTS:
         const QString path = window.controller->rescue();
         QVERIFY2(path.startsWith(home.privateFolder()) && path.contains(u"clients"_s), qPrintable(path));
         QCOMPARE(TemporaryHome::content(path), "Zoë\t1 2\nBob\t\n");
-        other.run(u"ROLLBACK"_s);
+        runElsewhere(home.privateFolder(), u"ROLLBACK"_s);
         QTRY_VERIFY(!window.controller);
         QCOMPARE(stored(home), u"Zoë:1\n2 Bob:"_s);
         QCOMPARE(failures.size(), 3);
@@ -195,15 +194,14 @@ private Q_SLOTS:
         const Window window(home);
         window.controller->setAttribute(Qt::WA_DeleteOnClose);
         window.add(u"Bob"_s);
-        const OtherProgram other(home.privateFolder());
-        other.run(u"BEGIN EXCLUSIVE"_s);
+        runElsewhere(home.privateFolder(), u"BEGIN EXCLUSIVE"_s);
         window.controller->close();
-        other.run(u"DELETE FROM Clients"_s);
+        runElsewhere(home.privateFolder(), u"DELETE FROM Clients"_s);
         window.controller->reload(TeamMembers::fetchRequest());
         QVERIFY(window.controller->isUnsaved());
         window.controller->reload(Clients::fetchRequest());
         QVERIFY(!window.controller->isUnsaved());
-        other.run(u"COMMIT"_s);
+        runElsewhere(home.privateFolder(), u"COMMIT"_s);
         QTRY_VERIFY(!window.controller);
         QCOMPARE(stored(home), QString());
     }

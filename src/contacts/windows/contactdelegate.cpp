@@ -65,11 +65,8 @@ void ContactDelegate::setEditorData(QWidget *editor, const QModelIndex &index) c
 void ContactDelegate::setModelData(QWidget *editor, QAbstractItemModel *model, const QModelIndex &index) const
 {
     const auto *field = qobject_cast<QLineEdit *>(editor);
-    if (!field || field->text() == field->property(textAtFirst).toString())
-        return;
-    model->setData(index, field->text());
-    if (index.column() == NameColumn)
-        Q_EMIT nameChanged();
+    if (field && field->text() != field->property(textAtFirst).toString())
+        model->setData(index, field->text());
 }
 
 bool ContactDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view,

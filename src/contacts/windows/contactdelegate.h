@@ -22,10 +22,6 @@ public:
     bool helpEvent(QHelpEvent *event, QAbstractItemView *view, const QStyleOptionViewItem &option,
                    const QModelIndex &index) override;
 
-Q_SIGNALS:
-    /// The user has changed a contact's name.
-    void nameChanged() const;
-
 protected:
     void initStyleOption(QStyleOptionViewItem *option, const QModelIndex &index) const override;
 };

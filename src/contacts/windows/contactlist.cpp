@@ -28,10 +28,8 @@ void ContactList::remove(const QModelIndexList &rows)
         sourceModel()->removeRow(index.row());
 }
 
-QVariant ContactList::headerData(int section, Qt::Orientation orientation, int role) const
+QVariant ContactList::headerData(int section, Qt::Orientation /*orientation*/, int role) const
 {
-    if (orientation == Qt::Vertical)
-        return QSortFilterProxyModel::headerData(section, orientation, role);
     if (role == Qt::TextAlignmentRole)
         return QVariant::fromValue(Qt::AlignLeft | Qt::AlignVCenter);
     if (role != Qt::DisplayRole)

@@ -20,9 +20,8 @@ constexpr int messageMargin = 24;
 
 ContactTable::ContactTable(QWidget *parent)
     : QTableView(parent)
-    , m_delegate(new ContactDelegate(this))
 {
-    setItemDelegate(m_delegate);
+    setItemDelegate(new ContactDelegate(this));
     setHorizontalHeader(new TableHeader(this));
     setEditTriggers(DoubleClicked | EditKeyPressed | AnyKeyPressed);
     setSelectionMode(ExtendedSelection);

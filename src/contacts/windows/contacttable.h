@@ -4,8 +4,6 @@
 
 namespace oblino {
 
-class ContactDelegate;
-
 /// A table of contacts, edited in place: Tab goes through the cells of a row and on to the next row. While
 /// it is empty it shows a message.
 class ContactTable : public QTableView
@@ -14,8 +12,6 @@ class ContactTable : public QTableView
 
 public:
     explicit ContactTable(QWidget *parent = nullptr);
-
-    [[nodiscard]] const ContactDelegate &delegate() const { return *m_delegate; }
 
     /// What to show while there are no rows.
     void setEmptyMessage(const QString &message);
@@ -37,7 +33,6 @@ private:
     void announceMessage();
     [[nodiscard]] bool isEmpty() const;
 
-    ContactDelegate *m_delegate;
     QString m_emptyMessage;
 };
 

@@ -3,7 +3,6 @@
 #include <base/datakind.h>
 #include <base/trace.h>
 #include <contacts/contactstore.h>
-#include <contacts/windows/contactdelegate.h>
 #include <contacts/windows/contactlist.h>
 #include <files/earlierversions.h>
 #include <ui_contactwindow.h>
@@ -51,8 +50,10 @@ ContactWindow::ContactWindow(Kind kind, const QString &folder, QWidget *parent,
     connect(m_ui->table->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &ContactWindow::enableRemoving);
     enableRemoving();
-    connect(&m_ui->table->delegate(), &ContactDelegate::nameChanged, this,
-            [this] { nameChange(m_ui->table); });
+    connect(m_list, &ContactList::dataChanged, this, [this](const QModelIndex &cell) {
+        if (cell.column() == NameColumn)
+            nameChange(m_ui->table);
+    });
     m_retry.setInterval(retryInterval);
     connect(&m_retry, &QTimer::timeout, this, &ContactWindow::retry);
 }
