@@ -29,18 +29,20 @@ ViewControllerDestroy::ViewControllerDestroy(ErasableData erasable, QWidget *par
     , m_ui(std::make_unique<Ui::ViewControllerDestroy>())
 {
     m_ui->setupUi(this);
-    using Self = ViewControllerDestroy;
     m_categories = {
-        {DataKind::Tasks, m_ui->deleteTasks, &dTask, QStringLiteral("\nTasks"), &Self::eraseTasks},
-        {DataKind::Notes, m_ui->deleteNotes, &dNotes, QStringLiteral("\nNotes"), &Self::eraseNotes},
-        {DataKind::Whiteboard, m_ui->deleteWhiteboard, &dWhiteboard, QStringLiteral("\nWhiteboard"),
-         &Self::eraseWhiteboard},
-        {DataKind::Clients, m_ui->deleteClients, &dClients, QStringLiteral("\nClients"), &Self::eraseClients},
-        {DataKind::TeamMembers, m_ui->deleteTeamMembers, &dTeamMembers, QStringLiteral("\nTeamMembers"),
-         &Self::eraseTeamMembers},
-        {DataKind::Settings, m_ui->deleteSettings, &dSettings, QStringLiteral("\nSettings"),
-         &Self::eraseSettings},
-        {DataKind::Cloud, m_ui->deleteICloud, &dICloud, QStringLiteral("\niCloud"), &Self::eraseCloud},
+        {DataKind::Tasks, m_ui->deleteTasks, QStringLiteral("\nTasks"), [this] { return eraseTasks(); }},
+        {DataKind::Notes, m_ui->deleteNotes, QStringLiteral("\nNotes"), [this] { return eraseNotes(); }},
+        {DataKind::Whiteboard, m_ui->deleteWhiteboard, QStringLiteral("\nWhiteboard"),
+         [this] { return eraseWhiteboard(); }},
+        {DataKind::Clients, m_ui->deleteClients, QStringLiteral("\nClients"),
+         [this] { return eraseContacts<Clients>(QStringLiteral("Error Deleting Clients Records")); }},
+        {DataKind::TeamMembers, m_ui->deleteTeamMembers, QStringLiteral("\nTeamMembers"),
+         [this] {
+             return eraseContacts<TeamMembers>(QStringLiteral("Error Deleting Team Members Records"));
+         }},
+        {DataKind::Settings, m_ui->deleteSettings, QStringLiteral("\nSettings"),
+         [this] { return eraseSettings(); }},
+        {DataKind::Cloud, m_ui->deleteICloud, QStringLiteral("\niCloud"), [this] { return eraseCloud(); }},
     };
     connect(m_ui->deleteAll, &QCheckBox::clicked, this, [this] { pressAll(m_ui->deleteAll); });
     connect(m_ui->eraseButton, &QPushButton::clicked, this, [this] { OKErase(m_ui->eraseButton); });
@@ -83,17 +85,20 @@ void ViewControllerDestroy::pressAll(QObject * /*sender*/)
 
 void ViewControllerDestroy::OKErase(QObject * /*sender*/)
 {
-    bool isAnyChosen = false;
-    for (const Category &category : m_categories) {
-        *category.flag = category.box->isChecked();
-        isAnyChosen = isAnyChosen || *category.flag;
+    QString list;
+    for (Category &category : m_categories) {
+        category.isChosen = category.box->isChecked();
+        list += category.isChosen ? category.listLine : QString();
     }
-    if (!isAnyChosen) {
+    if (list.isEmpty()) {
         close();
         return;
     }
     m_ui->resultLabel->clear();
-    if (confirmed()) {
+    if (m_data.utilities.dialogYesNo(
+            QStringLiteral("The following selected data will be destroyed and will not be able to be "
+                           "recovered. Are you sure you want to delete ?"),
+            list)) {
         trace("Ok Pressed!");
         eraseChosen();
     }
@@ -101,27 +106,14 @@ void ViewControllerDestroy::OKErase(QObject * /*sender*/)
         category.box->setChecked(false);
 }
 
-bool ViewControllerDestroy::confirmed()
-{
-    QString list;
-    for (const Category &category : m_categories) {
-        if (*category.flag)
-            list += category.listLine;
-    }
-    return m_data.utilities.dialogYesNo(
-        QStringLiteral("The following selected data will be destroyed and will not be able to be recovered. "
-                       "Are you sure you want to delete ?"),
-        list);
-}
-
 void ViewControllerDestroy::eraseChosen()
 {
     m_isErasing = true;
     QStringList left;
     for (const Category &category : m_categories) {
-        if (!*category.flag)
+        if (!category.isChosen)
             continue;
-        if ((this->*category.erase)())
+        if (category.erase())
             m_data.erased(category.kind);
         else
             left += category.box->text().remove(QLatin1Char('&'));
@@ -131,26 +123,25 @@ void ViewControllerDestroy::eraseChosen()
                                               : tr("Not erased: %1.").arg(left.join(QLatin1String(", "))));
     if (left.isEmpty())
         m_data.utilities.dialogOK(QStringLiteral("All Selected Records Deleted Successfully!"));
-    if (dTask)
+    if (m_categories.front().isChosen)
         m_data.notifications.post(QStringLiteral("reload"));
 }
 
 bool ViewControllerDestroy::eraseTasks()
 {
     const QString error = m_data.taskList.erase();
-    if (!error.isEmpty()) {
+    if (error.isEmpty())
+        m_data.store.removeAll();
+    else
         trace(error);
-        return report(QStringLiteral("Error Deleting Tasks File:") + m_data.taskList.path(), error);
-    }
-    m_data.store.removeAll();
-    return true;
+    return hasGone(QStringLiteral("Error Deleting Tasks File:") + m_data.taskList.path(), error);
 }
 
 bool ViewControllerDestroy::eraseNotes()
 {
     Documents &documents = m_data.documents;
-    return report(QStringLiteral("Error Deleting Notes File:") + documents.path(NotesFile::name),
-                  documents.erase(NotesFile::name));
+    return hasGone(QStringLiteral("Error Deleting Notes File:") + documents.path(NotesFile::name),
+                   documents.erase(NotesFile::name));
 }
 
 bool ViewControllerDestroy::eraseWhiteboard()
@@ -162,30 +153,20 @@ bool ViewControllerDestroy::eraseWhiteboard()
                 .removeAll();
         error = error.isEmpty() ? left : error;
     }
-    return report(QStringLiteral("Error Deleting Whiteboard File:") + QDir::currentPath() +
-                      WhiteboardFile::name,
-                  error);
+    return hasGone(QStringLiteral("Error Deleting Whiteboard File:") + QDir::currentPath() +
+                       WhiteboardFile::name,
+                   error);
 }
 
 template<typename Contact>
-bool ViewControllerDestroy::eraseContacts(const QString &message)
+bool ViewControllerDestroy::eraseContacts(const QString &errorMessage)
 {
     if (!managedObjectContext)
-        return report(message, m_storeError);
+        return hasGone(errorMessage, m_storeError);
     QString error = managedObjectContext->batchDelete(Contact::fetchRequest());
     if (error.isEmpty())
         error = m_data.documents.versions(Contact::rescueFile).removeAll();
-    return report(message, error);
-}
-
-bool ViewControllerDestroy::eraseClients()
-{
-    return eraseContacts<Clients>(QStringLiteral("Error Deleting Clients Records"));
-}
-
-bool ViewControllerDestroy::eraseTeamMembers()
-{
-    return eraseContacts<TeamMembers>(QStringLiteral("Error Deleting Team Members Records"));
+    return hasGone(errorMessage, error);
 }
 
 bool ViewControllerDestroy::eraseSettings()
@@ -217,11 +198,10 @@ bool ViewControllerDestroy::eraseCloud()
     return erased;
 }
 
-// @return whether there is no error
-bool ViewControllerDestroy::report(const QString &message, const QString &error)
+bool ViewControllerDestroy::hasGone(const QString &errorMessage, const QString &error)
 {
     if (!error.isEmpty())
-        m_data.utilities.dialogOK(message + QLatin1Char('\n') + error);
+        m_data.utilities.dialogOK(errorMessage + QLatin1Char('\n') + error);
     return error.isEmpty();
 }
 

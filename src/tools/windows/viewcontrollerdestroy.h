@@ -60,32 +60,28 @@ protected:
     [[nodiscard]] bool windowShouldClose() override { return !m_isErasing; }
 
 private:
-    /// One kind of data. Its step returns whether all of it went.
     struct Category
     {
         DataKind kind;
         QCheckBox *box;
-        bool *flag;
         QString listLine;
-        bool (ViewControllerDestroy::*erase)();
+        std::function<bool()> erase; // returns whether all of it went
+        bool isChosen = false;       // for the erasure under way
     };
 
     void viewDidLoad();
     [[nodiscard]] ContactStore &persistentContainer();
 
     void holdWhileCloudIsWaitedFor();
-    [[nodiscard]] bool confirmed();
     void eraseChosen();
     [[nodiscard]] bool eraseTasks();
     [[nodiscard]] bool eraseNotes();
     [[nodiscard]] bool eraseWhiteboard();
-    [[nodiscard]] bool eraseClients();
-    [[nodiscard]] bool eraseTeamMembers();
     template<typename Contact>
-    [[nodiscard]] bool eraseContacts(const QString &message);
+    [[nodiscard]] bool eraseContacts(const QString &errorMessage);
     [[nodiscard]] bool eraseSettings();
     [[nodiscard]] bool eraseCloud();
-    bool report(const QString &message, const QString &error);
+    [[nodiscard]] bool hasGone(const QString &errorMessage, const QString &error);
     void showCloudProgress(int percent);
 
     ErasableData m_data;
@@ -95,14 +91,6 @@ private:
     ContactStore *managedObjectContext = nullptr;
     QString m_storeError; // why there is no context
     bool m_isErasing = false;
-
-    bool dTask = false;
-    bool dNotes = false;
-    bool dWhiteboard = false;
-    bool dClients = false;
-    bool dTeamMembers = false;
-    bool dSettings = false;
-    bool dICloud = false;
 };
 
 } // namespace oblino
