@@ -9,8 +9,6 @@
 #include <memory>
 #include <optional>
 
-class QSinglePointEvent;
-
 namespace oblino {
 
 namespace Ui {
@@ -113,17 +111,10 @@ public:
     void clear();
 
 protected:
-    void mousePressEvent(QMouseEvent *event) override;
-    void mouseMoveEvent(QMouseEvent *event) override;
-    void mouseReleaseEvent(QMouseEvent *event) override;
-    void tabletEvent(QTabletEvent *event) override;
+    bool event(QEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
 
 private:
-    void pressed(const QSinglePointEvent &event);
-    void moved(const QSinglePointEvent &event);
-    void released(const QSinglePointEvent &event);
-
     ViewControllerWhiteboard &parentVC;
     QPainterPath myPath;
 };

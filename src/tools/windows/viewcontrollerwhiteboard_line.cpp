@@ -66,52 +66,39 @@ void ViewControllerWhiteboard::Line::draw(QPainter &painter)
                                     Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
 }
 
-void ViewControllerWhiteboard::Line::pressed(const QSinglePointEvent &event)
+// A pen comes as it is, as the places of its mouse events would be whole pixels. Touch comes as mouse events,
+// because the view takes no events of its own for it.
+bool ViewControllerWhiteboard::Line::event(QEvent *event)
 {
-    if (event.button() == Qt::LeftButton)
-        mouseDown(event.position());
-}
-
-void ViewControllerWhiteboard::Line::moved(const QSinglePointEvent &event)
-{
-    if (!event.buttons().testFlag(Qt::LeftButton))
-        mouseMoved(event.position());
-    else if (myPath.elementCount() > 0)
-        mouseDragged(event.position());
-}
-
-void ViewControllerWhiteboard::Line::released(const QSinglePointEvent &event)
-{
-    if (event.button() == Qt::LeftButton && myPath.elementCount() > 0)
-        mouseUp(event.position());
-}
-
-// Touch comes as mouse events too, because the view takes no events of its own for it.
-void ViewControllerWhiteboard::Line::mousePressEvent(QMouseEvent *event)
-{
-    pressed(*event);
-}
-
-void ViewControllerWhiteboard::Line::mouseMoveEvent(QMouseEvent *event)
-{
-    moved(*event);
-}
-
-void ViewControllerWhiteboard::Line::mouseReleaseEvent(QMouseEvent *event)
-{
-    released(*event);
-}
-
-// As mouse events, the places of a pen would be whole pixels.
-void ViewControllerWhiteboard::Line::tabletEvent(QTabletEvent *event)
-{
-    if (event->type() == QEvent::TabletPress)
-        pressed(*event);
-    else if (event->type() == QEvent::TabletRelease)
-        released(*event);
-    else
-        moved(*event);
+    if (!event->isSinglePointEvent())
+        return QWidget::event(event);
+    const auto &pointer = *static_cast<QSinglePointEvent *>(event);
+    const bool isByLeft = pointer.button() == Qt::LeftButton;
+    const bool isDrawing = myPath.elementCount() > 0;
+    switch (event->type()) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::TabletPress:
+        if (isByLeft)
+            mouseDown(pointer.position());
+        break;
+    case QEvent::MouseMove:
+    case QEvent::TabletMove:
+        if (!pointer.buttons().testFlag(Qt::LeftButton))
+            mouseMoved(pointer.position());
+        else if (isDrawing)
+            mouseDragged(pointer.position());
+        break;
+    case QEvent::MouseButtonRelease:
+    case QEvent::TabletRelease:
+        if (isByLeft && isDrawing)
+            mouseUp(pointer.position());
+        break;
+    default:
+        return QWidget::event(event);
+    }
     event->accept();
+    return true;
 }
 
 void ViewControllerWhiteboard::Line::paintEvent(QPaintEvent * /*event*/)
