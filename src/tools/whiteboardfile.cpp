@@ -1,14 +1,17 @@
 #include <tools/whiteboardfile.h>
 
 #include <files/openfile.h>
-#include <tools/foreignlink.h>
 #include <tools/pngtext.h>
 
 #include <QDir>
 #include <QFileInfo>
 
 #include <cstdlib>
+#include <filesystem>
 #include <utility>
+
+#include <sys/stat.h>
+#include <unistd.h>
 
 namespace oblino {
 
@@ -24,6 +27,31 @@ bool isOfBoard(QSize picture, QSize board)
 {
     const double scale = double(picture.width()) / board.width();
     return std::abs(picture.height() - board.height() * scale) <= 1;
+}
+
+bool mayOthersWrite(const struct stat &folder)
+{
+    const bool isOfOther = folder.st_uid != ::geteuid() && folder.st_uid != 0;
+    return isOfOther || (folder.st_mode & (S_IWGRP | S_IWOTH)) != 0;
+}
+
+// Whoever owns a link in a folder that others may write decides which file of ours is read, or replaced.
+bool leadsOverForeignLink(const QString &path)
+{
+    constexpr int mostLinks = 40;
+    std::filesystem::path file(QFile::encodeName(QFileInfo(path).absoluteFilePath()).toStdString());
+    std::error_code error;
+    for (int links = 0; links < mostLinks && !error; ++links) {
+        struct stat link = {};
+        struct stat folder = {};
+        if (::lstat(file.c_str(), &link) != 0 || !S_ISLNK(link.st_mode))
+            return false;
+        if (link.st_uid != ::geteuid() &&
+            (::stat(file.parent_path().c_str(), &folder) != 0 || mayOthersWrite(folder)))
+            return true;
+        file = file.parent_path() / std::filesystem::read_symlink(file, error);
+    }
+    return true;
 }
 
 QString fileName(const QString &path)
