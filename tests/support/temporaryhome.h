@@ -6,6 +6,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <map>
+
 namespace oblino {
 
 /// Puts homes into memory from now on where that can be had, as syncing a busy disk takes long.
@@ -70,6 +72,7 @@ public:
         for (const char *name : {"XDG_STATE_HOME", "TMPDIR"}) {
             const QString folder = home.path(QString::fromLatin1(name));
             QDir().mkdir(folder);
+            m_before[name] = qgetenv(name);
             qputenv(name, QFile::encodeName(folder));
         }
     }
@@ -77,9 +80,12 @@ public:
     OwnFolders &operator=(const OwnFolders &) = delete;
     ~OwnFolders()
     {
-        qunsetenv("XDG_STATE_HOME");
-        qunsetenv("TMPDIR");
+        for (const auto &[name, value] : m_before)
+            value.isEmpty() ? qunsetenv(name) : qputenv(name, value);
     }
+
+private:
+    std::map<const char *, QByteArray> m_before;
 };
 
 /// What lies in the recovery folder of that private folder: versions of a day or all others.

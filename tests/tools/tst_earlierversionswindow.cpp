@@ -1,16 +1,11 @@
-#include <support/scriptedalert.h>
-#include <support/store.h>
+#include "toolhome.h"
+
 #include <support/table.h>
 #include <support/testmain.h>
-#include <support/widgets.h>
 
 #include <base/noticelog.h>
-#include <base/notificationcenter.h>
-#include <core/tasklistfile.h>
 #include <core/tasksearch.h>
 #include <tools/windows/earlierversionswindow.h>
-#include <tools/windows/viewcontrollerdestroy.h>
-#include <ui/uiutil.h>
 
 #include <QSignalSpy>
 
@@ -33,11 +28,7 @@ QByteArray row(const QByteArray &key, const QByteArray &name)
 
 QByteArray png(Qt::GlobalColor color)
 {
-    QImage image(72, 48, QImage::Format_RGB32);
-    image.fill(color);
-    QByteArray bytes;
-    QBuffer buffer(&bytes);
-    return image.save(&buffer, "PNG") ? bytes : QByteArray();
+    return pngOf({72, 48}, color);
 }
 
 const QByteArray before = row("A", "Order timber") + row("B", "Fix the roof") + row("C", "Sweep");
@@ -46,19 +37,14 @@ const QByteArray present = row("A", "Order larch") + row("C", "Sweep") + row("D"
 } // namespace
 
 // A home with a list, notes and a board, and the window.
-struct Window : Store
+struct Window : ToolHome
 {
     explicit Window(bool dark = false)
     {
-        QDir::setCurrent(home.path({}));
         appearance.setInterfaceStyle(dark ? std::optional(u"Dark"_s) : std::nullopt);
-        TemporaryHome::write(home.listPath(), present);
-        TemporaryHome::write(notes, "notes of now");
-        TemporaryHome::write(board, png(Qt::red));
-        (void)list.splitStringFile(list.readFromFile());
+        fill(present, "notes of now", png(Qt::red));
         notifications.observe(u"reload"_s, &notifications, [this] { QVERIFY(list.saveToFile()); });
     }
-    ~Window() { QDir::setCurrent(QDir::rootPath()); }
 
     void keep(const QString &name, const QByteArray &bytes, VersionReason reason) const
     {
@@ -70,7 +56,7 @@ struct Window : Store
         keep(u"ltodolist.txt"_s, bytes, reason);
     }
 
-    EarlierVersionsWindow &open()
+    void open()
     {
         window = std::make_unique<EarlierVersionsWindow>(
             EarlierVersionsData{.store = store,
@@ -83,7 +69,6 @@ struct Window : Store
                                 .saveOpen = [this](DataKind) { return unsaved; },
                                 .restored = [this](DataKind kind) { restored += kind; }});
         showActive(*window);
-        return *window;
     }
     void choose(Qt::Key tab) const { QTest::keyClick(window.get(), tab, Qt::AltModifier); }
     [[nodiscard]] QTableView &versions() const { return find<QTableView>(*window, "versionTable"); }
@@ -93,21 +78,13 @@ struct Window : Store
     [[nodiscard]] QByteArray file() const { return TemporaryHome::content(home.listPath()); }
     [[nodiscard]] QString differences() const { return columnOf(versions(), differenceColumn); }
 
-    OwnFolders ownFolders{home};
-    QString notes = home.documents() + u"/ltodonotes.txt"_s;
-    QString board = home.path(u"ltodolistwhiteboard.png"_s);
-    Documents documents{home.documents(), home.privateFolder()};
-    TaskListFile list{store, documents};
-    NotificationCenter notifications;
-    ScriptedAlert::Script questions;
-    UIUtil utilities{std::make_unique<ScriptedAlert>(questions)};
     NoticeLog notices;
     QString unsaved;
     QList<DataKind> restored;
     std::unique_ptr<EarlierVersionsWindow> window;
 };
 
-using Attempts = Table<const char *, QByteArray, VersionReason, QString>;
+using Attempts = Table<Qt::Key, QString, QByteArray, VersionReason, QString>;
 
 class tst_earlierversionswindow : public QObject
 {
@@ -136,8 +113,6 @@ private Q_SLOTS:
     {
         const Table<bool, bool> data;
         data("light", false, false);
-        data("dark", true, false);
-        data("in a search", false, true);
         data("in a search in the dark", true, true);
     }
     void restoresTheListAndKeepsWhatItReplaces()
@@ -190,26 +165,23 @@ private Q_SLOTS:
 
     void saysWhyItCannotRestore_data()
     {
-        const Attempts data; // file, what was kept, why, what the button says
-        const auto list = "ltodolist.txt";
-        const auto notes = "ltodonotes.txt";
-        data("rows of another kind", list, "junk^", VersionReason::Unread, u"No task in it can be read."_s);
-        data("other bytes", notes, "\xff\xfe", VersionReason::Unread,
-             u"It is not a text that the notes pad can read."_s);
-        data("a damaged record", notes, "journal", VersionReason::Damaged,
-             u"It is not a text that the notes pad can read."_s);
-        data("no picture", "ltodolistwhiteboard.png", "\x89PNG", VersionReason::Unread,
+        const Attempts data; // tab, file, what was kept, why, what the button says
+        const QString noText = u"It is not a text that the notes pad can read."_s;
+        const VersionReason unread = VersionReason::Unread;
+        data("rows of another kind", Qt::Key_T, u"ltodolist.txt"_s, "junk^", unread,
+             u"No task in it can be read."_s);
+        data("other bytes", Qt::Key_N, u"ltodonotes.txt"_s, "\xff\xfe", unread, noText);
+        data("a damaged record", Qt::Key_N, u"ltodonotes.txt"_s, "journal", VersionReason::Damaged, noText);
+        data("no picture", Qt::Key_W, u"ltodolistwhiteboard.png"_s, "\x89PNG", unread,
              u"It is not a picture that the whiteboard can show."_s);
     }
     void saysWhyItCannotRestore()
     {
-        const auto [name, bytes, reason, why] = Attempts::cells();
+        const auto [tab, name, bytes, reason, why] = Attempts::cells();
         Window w;
-        w.keep(QString::fromLatin1(name), bytes, reason);
+        w.keep(name, bytes, reason);
         w.open();
-        w.choose(name == QByteArray("ltodolist.txt")    ? Qt::Key_T
-                 : name == QByteArray("ltodonotes.txt") ? Qt::Key_N
-                                                        : Qt::Key_W);
+        w.choose(tab);
         QCOMPARE(w.versions().model()->rowCount(), 1);
         QVERIFY(!w.button("restoreButton").isEnabled());
         QCOMPARE(w.button("restoreButton").toolTip(), why);
@@ -275,30 +247,18 @@ private Q_SLOTS:
         QVERIFY(!w.button("deleteButton").isEnabled());
     }
 
-    void showsNothingOfWhatWasErased()
+    void holdsNothingOfWhatWasErased()
     {
         Window w;
-        for (const char *name : {"ltodolist.txt", "ltodonotes.txt", "ltodolistwhiteboard.png"}) {
-            for (const VersionReason reason : {VersionReason::Daily, VersionReason::Rescued})
-                w.keep(QString::fromLatin1(name), row("S", "secret"), reason);
-        }
-        QCOMPARE(w.documents.file(u"ltodolist.txt"_s)->quarantine("secret^").error, QString());
-        EarlierVersionsWindow &window = w.open();
-        ViewControllerDestroy eraser(ErasableData{.store = w.store,
-                                                  .taskList = w.list,
-                                                  .documents = w.documents,
-                                                  .notifications = w.notifications,
-                                                  .utilities = w.utilities,
-                                                  .privateFolder = w.home.privateFolder(),
-                                                  .erased = [&](DataKind) { window.refresh(); }});
-        QCOMPARE(w.home.filesWith("secret").size(), 7);
+        w.keep(u"ltodonotes.txt"_s, "secret", VersionReason::Rescued);
+        w.open();
         w.choose(Qt::Key_N);
-        for (const char *box : {"deleteTasks", "deleteNotes", "deleteWhiteboard"})
-            find<QCheckBox>(eraser, box).setChecked(true);
-        eraser.OKErase(nullptr);
-        QCOMPARE(w.home.filesWith("secret"), QStringList());
-        QCOMPARE(find<QPlainTextEdit>(window, "textLook").toPlainText(), QString());
-        QVERIFY(find<QLabel>(window, "emptyTitle").isVisible());
+        const auto &text = find<QPlainTextEdit>(*w.window, "textLook");
+        QCOMPARE(text.toPlainText(), u"secret"_s);
+        QCOMPARE(w.documents.erase(u"ltodonotes.txt"_s), QString());
+        w.window->dataErased(DataKind::Notes);
+        QCOMPARE(text.toPlainText(), QString());
+        QVERIFY(find<QLabel>(*w.window, "emptyTitle").isVisible());
     }
 
     void opensAtOnceWithManyVersionsOfALongList()
@@ -321,12 +281,9 @@ private Q_SLOTS:
         w.open();
         w.choose(Qt::Key_S);
         w.notices.add(u"The second."_s);
-        const QString said = find<QPlainTextEdit>(*w.window, "saidText").toPlainText();
-        QVERIFY2(
-            QRegularExpression(u"^\\d\\d:\\d\\d:\\d\\d  The first\\.\n\\d\\d:\\d\\d:\\d\\d  The second\\.$"_s)
-                .match(said)
-                .hasMatch(),
-            qPrintable(said));
+        const QRegularExpression said(u"^[\\d:]{8}  The first\\.\n[\\d:]{8}  The second\\.$"_s);
+        const QString shown = find<QPlainTextEdit>(*w.window, "saidText").toPlainText();
+        QVERIFY2(said.match(shown).hasMatch(), qPrintable(shown));
         QVERIFY(!w.button("restoreButton").isVisible());
     }
 };

@@ -1,19 +1,14 @@
 #include "../contacts/storecontacts.h"
+#include "toolhome.h"
 
 #include <cloud/taskcloud.h>
-#include <support/scriptedalert.h>
 #include <support/scriptedcontainer.h>
-#include <support/store.h>
 #include <support/table.h>
 #include <support/testmain.h>
-#include <support/widgets.h>
 
-#include <base/notificationcenter.h>
-#include <core/tasklistfile.h>
 #include <files/journal.h>
 #include <records/sqlcloudcontainer.h>
 #include <tools/windows/viewcontrollerdestroy.h>
-#include <ui/uiutil.h>
 
 #include <QSqlDatabase>
 #include <QSqlQuery>
@@ -36,15 +31,11 @@ const QString allGone = u"All Selected Records Deleted Successfully!"_s;
 } // namespace
 
 // A home with something of every kind in it, and the eraser.
-struct Eraser : Store
+struct Eraser : ToolHome
 {
     Eraser()
     {
-        QDir::setCurrent(home.path({}));
-        TemporaryHome::write(home.listPath(), row);
-        (void)list.splitStringFile(list.readFromFile());
-        TemporaryHome::write(notes, "secret notes");
-        TemporaryHome::write(board, "secret board");
+        fill(row, "secret notes", "secret board");
         storeContacts<Clients>(home.privateFolder(), {{u"secret client"_s, {}}});
         storeContacts<TeamMembers>(home.privateFolder(), {{u"secret member"_s, {}}});
         store.setTwilioSecret(u"secret setting"_s);
@@ -66,11 +57,7 @@ struct Eraser : Store
                          .erased = [this](DataKind) { ++erasuresTold; }});
         window->show();
     }
-    ~Eraser()
-    {
-        store.setCloud(nullptr);
-        QDir::setCurrent(QDir::rootPath());
-    }
+    ~Eraser() { store.setCloud(nullptr); }
 
     void erase(const Boxes &boxes) const
     {
@@ -98,21 +85,6 @@ struct Eraser : Store
             texts += question.informativeText;
         return texts.join(u" / "_s).replace(home.path({}), u"HOME"_s);
     }
-    // Puts a copy of a file into the recovery folder.
-    void keep(const QByteArray &bytes, const QString &name) const
-    {
-        RecoveryFolder recovery(home.privateFolder() + u"/recovery"_s, FileCalls::posix());
-        QCOMPARE(recovery.keep(bytes, name, VersionReason::Unread).error, 0);
-    }
-
-    OwnFolders ownFolders{home};
-    QString notes = home.documents() + u"/ltodonotes.txt"_s;
-    QString board = home.path(u"ltodolistwhiteboard.png"_s);
-    Documents documents{home.documents(), home.privateFolder()};
-    TaskListFile list{store, documents};
-    NotificationCenter notifications;
-    ScriptedAlert::Script questions;
-    UIUtil utilities{std::make_unique<ScriptedAlert>(questions)};
     int reloads = 0;
     int erasuresTold = 0;
     TaskCloud copy{store, cloud, notifications};
@@ -136,13 +108,14 @@ private Q_SLOTS:
             QCOMPARE(file.quarantine("secret").error, QString());
             TemporaryHome::write(path, "secret");
             TemporaryHome::write(file.journalPath(), "secret");
+            const QString name = QFileInfo(path).fileName();
             for (const QString &folder :
-                 EarlierVersions::standardFolders(eraser.home.privateFolder(), eraser.home.documents())) {
-                RecoveryFolder recovery(folder, FileCalls::posix());
-                const QString name = QFileInfo(path).fileName();
-                QCOMPARE(recovery.keep("secret", name, VersionReason::Rescued).error, 0);
-            }
-            const QByteArray elsewhere = "/elsewhere/" + QFileInfo(path).fileName().toUtf8();
+                 EarlierVersions::standardFolders(eraser.home.privateFolder(), eraser.home.documents()))
+                QCOMPARE(RecoveryFolder(folder, FileCalls::posix())
+                             .keep("secret", name, VersionReason::Rescued)
+                             .error,
+                         0);
+            const QByteArray elsewhere = "/elsewhere/" + name.toUtf8();
             TemporaryHome::write(file.journalPath() + u".of-another-folder.journal"_s,
                                  Journal{elsewhere, {}, "secret"}.encoded());
         }
@@ -200,7 +173,8 @@ private Q_SLOTS:
                 remove(e.board);
                 QVERIFY(QDir().mkdir(e.board));
             },
-            u"Error Deleting Whiteboard File:HOMEltodolistwhiteboard.png\n“ltodolistwhiteboard.png” could "
+            u"Error Deleting Whiteboard "
+            u"File:HOME/Documentsltodolistwhiteboard.png\n“ltodolistwhiteboard.png” could "
             u"not be removed: it is not a regular file."_s);
         const QString locked = u"\ndatabase is locked"_s;
         const auto lock = [](Eraser &e) {
@@ -229,57 +203,51 @@ private Q_SLOTS:
     {
         Eraser eraser;
         eraser.defaults.setText(u"other"_s, u"kept"_s);
-        eraser.keep(row, u"ltodolist.txt"_s);
-        eraser.keep("secret notes", u"ltodonotes.txt"_s);
+        const auto keep = [&](const QString &name) {
+            QCOMPARE(eraser.documents.versions(name).keep("secret notes, secret task", VersionReason::Unread),
+                     QString());
+        };
+        keep(u"ltodolist.txt"_s);
+        keep(u"ltodonotes.txt"_s);
         QVERIFY(QFile::remove(eraser.notes));
         eraser.erase({"deleteNotes", "deleteClients", "deleteSettings"});
-        QCOMPARE(eraser.left(), (QList<qsizetype>{3, 0, 1, 0, 1, 0}));
+        QCOMPARE(eraser.left(), (QList<qsizetype>{3, 1, 1, 0, 1, 0}));
         QCOMPARE(eraser.store.getDelay(), 1000);
         QVERIFY(!eraser.store.getNotification());
         QCOMPARE(eraser.defaults.text(u"other"_s), u"kept"_s);
+
+        Documents none(std::nullopt, eraser.home.privateFolder());
+        QCOMPARE(none.erase(u"ltodolist.txt"_s), u"There is no documents folder."_s);
+        QCOMPARE(eraser.left(), (QList<qsizetype>{2, 0, 1, 0, 1, 0}));
     }
 
-    void erasesNothingThatIsOnItsWayToTheCloud()
+    void waitsForTheCloud()
     {
         Eraser eraser;
+        const auto whileWaiting = [&eraser](const std::function<void()> &deed) {
+            QTimer::singleShot(100, eraser.window.get(), [&eraser, deed] {
+                deed();
+                eraser.cloud.release();
+            });
+        };
         eraser.cloud.setFate(Request::Query, Fate::Hold);
-        QTimer wait;
-        connect(&wait, &QTimer::timeout, this, [&] {
-            eraser.erase({"deleteTasks"});
-            eraser.cloud.release();
-        });
-        wait.start(100);
+        whileWaiting([&] { eraser.erase({"deleteTasks"}); });
         QVERIFY(eraser.store.syncToCloudFromLocal());
-        QCOMPARE(eraser.questions.asked.size(), 0);
+        QCOMPARE(eraser.questions.asked.size(), 0); // else it would go on arriving there
         eraser.erase({});
         QCOMPARE(eraser.told(), allGone);
-    }
 
-    void theCopiesGoWithoutADocumentsFolder()
-    {
-        Eraser eraser;
-        eraser.keep("secret copy", u"ltodonotes.txt"_s);
-        Documents none(std::nullopt, eraser.home.privateFolder());
-        QCOMPARE(none.erase(u"ltodonotes.txt"_s), u"There is no documents folder."_s);
-        QCOMPARE(eraser.home.filesWith("secret copy"), QStringList());
-    }
-
-    void staysOpenUntilTheCloudHasAnswered()
-    {
-        Eraser eraser;
         eraser.cloud.setFate(Request::Delete, Fate::Hold);
         bool wasHeld = false;
-        QTimer wait;
-        connect(&wait, &QTimer::timeout, this, [&] {
+        whileWaiting([&] {
             eraser.window->close();
             eraser.window->reject();
-            wasHeld = eraser.window->isVisible() && !eraser.window->isEnabled() && eraser.told().isEmpty();
-            eraser.cloud.release();
+            wasHeld = eraser.window->isVisible() && !eraser.window->isEnabled() &&
+                      eraser.questions.asked.size() == 3;
         });
-        wait.start(100);
         eraser.erase({"deleteICloud"});
         QVERIFY(wasHeld);
-        QCOMPARE(eraser.told(), allGone);
+        QCOMPARE(eraser.questions.asked.last().informativeText, allGone);
         QVERIFY(eraser.window->isEnabled() && eraser.window->isVisible());
     }
 };

@@ -1,6 +1,5 @@
 #include "boardfixture.h"
 
-#include <support/table.h>
 #include <support/testmain.h>
 #include <support/traces.h>
 
@@ -24,13 +23,9 @@ private Q_SLOTS:
         QCOMPARE(board.shown(), board.saved());
         QCOMPARE(board.window->minimumSize(), board.size + QSize(0, 60));
         QCOMPARE(board.window->maximumSize(), board.size + QSize(0, 60));
-    }
 
-    void endsAndBendsAreRound()
-    {
-        const Board board;
-        Global::lineWidth = 40;
-        board.stroke(corner); // before the start, and outside of the bend
+        Global::lineWidth = 40; // its ends and bends are round
+        board.stroke(corner);
         QCOMPARE(board.at({{100, 82}, {84, 84}, {88, 312}, {84, 316}}),
                  (Colors{Qt::black, Qt::white, Qt::black, Qt::white}));
     }
@@ -38,17 +33,21 @@ private Q_SLOTS:
     void aStraightLineGoesFromPressToRelease()
     {
         Board board;
-        const QString free = u"DRAW, AppLineCurveIcon, %1"_s.arg(Qt::ArrowCursor);
-        const QString straight = u"STRAIGHT LINE, AppLineIcon, %1"_s.arg(Qt::CrossCursor);
+        const auto mode = [&board] {
+            const auto &button = find<QPushButton>(*board.window, "lineButton");
+            return button.toolTip() + u' ' + button.icon().name() + u' ' +
+                   QString::number(board.area().cursor().shape());
+        };
+        const QString straight = u"STRAIGHT LINE AppLineIcon %1"_s.arg(Qt::CrossCursor);
         board.click("lineButton");
-        QCOMPARE(board.mode(), straight);
+        QCOMPARE(mode(), straight);
         const QByteArray traces = tracesOf([&] { board.stroke(corner); });
         QVERIFY2(traces.contains("LineStart: 100 100\n") && traces.contains("LineEnd: 300 300\n"), traces);
         QCOMPARE(board.at({{200, 200}, {100, 200}}), (Colors{Qt::black, Qt::white}));
         board.reopen(); // the mode lasts
-        QCOMPARE(board.mode(), straight);
+        QCOMPARE(mode(), straight);
         board.click("lineButton");
-        QCOMPARE(board.mode(), free);
+        QCOMPARE(mode(), u"DRAW AppLineCurveIcon %1"_s.arg(Qt::ArrowCursor));
     }
 
     void theEraserIsWhiteAndWideUntilAColourIsPicked()
@@ -57,7 +56,7 @@ private Q_SLOTS:
         Global::lineWidth = 100;
         board.stroke(corner);
         board.click("eraserButton");
-        QCOMPARE(board.window->findChild<ColorButton *>()->color(), Color());
+        QCOMPARE(find<ColorButton>(*board.window, "color").color(), Color());
         const double before = board.darkness(200);
         board.stroke({{150, 300}, {250, 300}});
         QVERIFY(qAbs(before - board.darkness(200) - 10 * board.scale()) < 0.1);
@@ -106,63 +105,9 @@ private Q_SLOTS:
         board.click("revertButton");
         QCOMPARE(board.shown(), drawn);
         board.click("deleteButton");
-        board.reopen();
+        QVERIFY(board.window->isUnsaved());
+        delete board.window; // without being hidden first
         QCOMPARE(board.saved(), empty);
-    }
-
-    void aFileThatIsNotOfThisBoardIsKeptAside_data()
-    {
-        const Table<QByteArray, bool> row; // bytes, whether it is shown
-        const QByteArray good = pngOf({720, 480}, Qt::green);
-        row("cut", good.first(good.size() / 2), false);
-        row("not a picture", "Dear diary", false);
-        row("a picture of another kind", "P3 1 1 255 0 255 0", false);
-        row("huge", pngOf({9000, 6000}, Qt::black, QImage::Format_Mono), false);
-        row("a picture of other proportions", pngOf({720, 700}, Qt::green), true);
-    }
-    void aFileThatIsNotOfThisBoardIsKeptAside()
-    {
-        const auto [bytes, isShown] = Table<QByteArray, bool>::cells();
-        const Board board(bytes);
-        QCOMPARE(board.shown().pixelColor(board.shown().rect().center()),
-                 QColor(isShown ? Qt::green : Qt::white));
-        QCOMPARE(TemporaryHome::content(board.path), bytes);
-        board.stroke(corner);
-        board.stroke(corner);
-        QCOMPARE(board.at({{100, 200}}), Colors{Qt::black});
-        QCOMPARE(board.home.kept(), QByteArrayList{bytes});
-
-        const QByteArray other = pngOf({720, 480}, Qt::green); // by another program meanwhile
-        TemporaryHome::write(board.path, other);
-        board.stroke(corner);
-        QVERIFY(board.home.kept().size() == 2 && board.home.kept().contains(other));
-    }
-
-    void aPictureOfAnotherScaleFillsTheBoardAndKeepsItsPixels()
-    {
-        const QByteArray other = pngOf({1080, 720}, Qt::green);
-        Board board(other);
-        board.reopen();
-        const QImage shown = board.shown();
-        QCOMPARE(shown.pixelColor(0, 0), QColor(Qt::green));
-        QCOMPARE(shown.pixelColor(shown.width() - 1, shown.height() - 1), QColor(Qt::green));
-        QCOMPARE(TemporaryHome::content(board.path), other); // nothing was drawn
-    }
-
-    void aPictureThatCannotBeWrittenStaysOnTheBoard()
-    {
-        const Board board;
-        QVERIFY(QDir().mkdir(board.path));
-        const QByteArray traces = tracesOf([&] { board.stroke(corner); });
-        QVERIFY2(traces.contains("\ncaught: "), traces);
-        board.stroke(dash);
-        board.window->close();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-        QVERIFY(board.window);
-        QVERIFY(QDir().rmdir(board.path));
-        board.window->show();
-        board.window->close();
-        QCOMPARE(board.at({{100, 200}, {450, 100}}), (Colors{Qt::black, Qt::black}));
     }
 
     void sharesTheSavedPictureBetweenTwoTexts()
@@ -181,7 +126,7 @@ private Q_SLOTS:
         QVERIFY(board.picker.isAbove);
     }
 
-    void drawsWithAPen()
+    void drawsWithPenAndFinger()
     {
         const Board board;
         const auto send = [&board](QEvent::Type type, QPointF place, Qt::MouseButton button,
@@ -196,16 +141,12 @@ private Q_SLOTS:
         send(QEvent::TabletRelease, {200, 100.5}, Qt::LeftButton, Qt::NoButton);
         // It is black from 98 to 103.
         QCOMPARE(board.at({{150, 98}, {150, 97}, {75, 75}}), (Colors{Qt::black, Qt::white, Qt::white}));
-    }
 
-    void drawsWithAFinger()
-    {
-        const Board board;
         const std::unique_ptr<QPointingDevice> finger(QTest::createTouchDevice());
-        QTest::touchEvent(board.window, finger.get()).press(0, {100, 100});
-        QTest::touchEvent(board.window, finger.get()).move(0, {200, 100});
-        QTest::touchEvent(board.window, finger.get()).release(0, {200, 100});
-        QTRY_COMPARE(board.at({{150, 100}}), Colors{Qt::black});
+        QTest::touchEvent(board.window, finger.get()).press(0, {100, 200});
+        QTest::touchEvent(board.window, finger.get()).move(0, {200, 200});
+        QTest::touchEvent(board.window, finger.get()).release(0, {200, 200});
+        QTRY_COMPARE(board.at({{150, 200}}), Colors{Qt::black});
     }
 };
 

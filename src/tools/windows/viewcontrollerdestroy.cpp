@@ -30,19 +30,22 @@ ViewControllerDestroy::ViewControllerDestroy(ErasableData erasable, QWidget *par
 {
     m_ui->setupUi(this);
     m_categories = {
-        {DataKind::Tasks, m_ui->deleteTasks, QStringLiteral("\nTasks"), [this] { return eraseTasks(); }},
-        {DataKind::Notes, m_ui->deleteNotes, QStringLiteral("\nNotes"), [this] { return eraseNotes(); }},
+        {DataKind::Tasks, m_ui->deleteTasks, QStringLiteral("\nTasks"), [this] { return eraseTasks(); },
+         &dTask},
+        {DataKind::Notes, m_ui->deleteNotes, QStringLiteral("\nNotes"), [this] { return eraseNotes(); },
+         &dNotes},
         {DataKind::Whiteboard, m_ui->deleteWhiteboard, QStringLiteral("\nWhiteboard"),
-         [this] { return eraseWhiteboard(); }},
+         [this] { return eraseWhiteboard(); }, &dWhiteboard},
         {DataKind::Clients, m_ui->deleteClients, QStringLiteral("\nClients"),
-         [this] { return eraseContacts<Clients>(QStringLiteral("Error Deleting Clients Records")); }},
+         [this] { return eraseContacts<Clients>(QStringLiteral("Error Deleting Clients Records")); },
+         &dClients},
         {DataKind::TeamMembers, m_ui->deleteTeamMembers, QStringLiteral("\nTeamMembers"),
-         [this] {
-             return eraseContacts<TeamMembers>(QStringLiteral("Error Deleting Team Members Records"));
-         }},
+         [this] { return eraseContacts<TeamMembers>(QStringLiteral("Error Deleting Team Members Records")); },
+         &dTeamMembers},
         {DataKind::Settings, m_ui->deleteSettings, QStringLiteral("\nSettings"),
-         [this] { return eraseSettings(); }},
-        {DataKind::Cloud, m_ui->deleteICloud, QStringLiteral("\niCloud"), [this] { return eraseCloud(); }},
+         [this] { return eraseSettings(); }, &dSettings},
+        {DataKind::Cloud, m_ui->deleteICloud, QStringLiteral("\niCloud"), [this] { return eraseCloud(); },
+         &dICloud},
     };
     connect(m_ui->deleteAll, &QCheckBox::clicked, this, [this] { pressAll(m_ui->deleteAll); });
     connect(m_ui->eraseButton, &QPushButton::clicked, this, [this] { OKErase(m_ui->eraseButton); });
@@ -87,8 +90,8 @@ void ViewControllerDestroy::OKErase(QObject * /*sender*/)
 {
     QString list;
     for (Category &category : m_categories) {
-        category.isChosen = category.box->isChecked();
-        list += category.isChosen ? category.listLine : QString();
+        *category.isChosen = category.box->isChecked();
+        list += *category.isChosen ? category.listLine : QString();
     }
     if (list.isEmpty()) {
         close();
@@ -111,7 +114,7 @@ void ViewControllerDestroy::eraseChosen()
     m_isErasing = true;
     QStringList left;
     for (const Category &category : m_categories) {
-        if (!category.isChosen)
+        if (!*category.isChosen)
             continue;
         if (category.erase())
             m_data.erased(category.kind);
@@ -123,7 +126,7 @@ void ViewControllerDestroy::eraseChosen()
                                               : tr("Not erased: %1.").arg(left.join(QLatin1String(", "))));
     if (left.isEmpty())
         m_data.utilities.dialogOK(QStringLiteral("All Selected Records Deleted Successfully!"));
-    if (m_categories.front().isChosen)
+    if (dTask)
         m_data.notifications.post(QStringLiteral("reload"));
 }
 

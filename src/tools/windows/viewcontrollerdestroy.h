@@ -66,7 +66,7 @@ private:
         QCheckBox *box;
         QString listLine;
         std::function<bool()> erase; // returns whether all of it went
-        bool isChosen = false;       // for the erasure under way
+        bool *isChosen;              // for the erasure under way
     };
 
     void viewDidLoad();
@@ -91,6 +91,14 @@ private:
     ContactStore *managedObjectContext = nullptr;
     QString m_storeError; // why there is no context
     bool m_isErasing = false;
+
+    bool dTask = false;
+    bool dNotes = false;
+    bool dWhiteboard = false;
+    bool dClients = false;
+    bool dTeamMembers = false;
+    bool dSettings = false;
+    bool dICloud = false;
 };
 
 } // namespace oblino
