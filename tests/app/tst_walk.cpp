@@ -19,8 +19,7 @@
 #include <QTcpServer>
 #include <QTcpSocket>
 
-#include <functional>
-#include <vector>
+#include <memory>
 
 using namespace oblino;
 using namespace Qt::Literals::StringLiterals;
@@ -93,20 +92,6 @@ struct Walk : StartedApplication
         QTest::keyClick(window, key, modifiers);
     }
 
-    void addTask(const QString &name, const QString &client) const
-    {
-        press(Qt::Key_N);
-        const QPointer form = opened<ViewControllerAdd>();
-        QVERIFY(form);
-        type(form, u"txtTaskName"_s, name);
-        type(form, u"client"_s, client);
-        QTest::keyClick(form->findChild<QWidget *>(u"txtTaskName"_s), Qt::Key_Return);
-        QTRY_VERIFY(!form);
-    }
-    void selectTask(const QString &name) const
-    {
-        clickCell(find<QTableView>(*window, "tblView"), static_cast<int>(shown().indexOf(name)), 3);
-    }
     [[nodiscard]] QStringList shown() const
     {
         const QAbstractItemModel *model = window->findChild<QTableView *>(u"tblView"_s)->model();
@@ -127,7 +112,6 @@ private Q_SLOTS:
     void initTestCase()
     {
         moveTo(m_home);
-        qputenv("QT_MEDIA_BACKEND", "ffmpeg"); // as main() chooses
         QSslConfiguration::setDefaultConfiguration(m_authority.trust());
         QNetworkProxy::setApplicationProxy({QNetworkProxy::HttpProxy, u"127.0.0.1"_s, m_detour.serverPort()});
         m_server.setReply({Reply::answer("<TwilioResponse><Status>queued</Status></TwilioResponse>")});
@@ -137,21 +121,11 @@ private Q_SLOTS:
     {
         const Walk walk;
         QVERIFY(walk.shown().isEmpty());
-        const std::vector<std::function<void()>> steps = {
-            [&] { enterClient(walk); },
-            [&] { walk.addTask(u"Paint fence"_s, u"Ann Berg"_s); },
-            [&] { walk.addTask(u"Order timber"_s, u"Leo Lind"_s); },
-            [&] { walk.addTask(u"Repair gate"_s, u"Ann Berg"_s); },
-            [&] { search(walk); },
-            [&] { orderByHand(walk); },
-            [&] { sendSchedule(walk); },
-            [&] { sendToTheCloudAndBack(walk); },
-            [&] { draw(walk); },
-            [&] { eraseAll(walk); },
-        };
-        for (const auto &step : steps) {
+        for (const auto step :
+             {&tst_walk::enterClient, &tst_walk::enterTasks, &tst_walk::sendSchedule,
+              &tst_walk::sendToTheCloudAndBack, &tst_walk::draw, &tst_walk::restore, &tst_walk::eraseAll}) {
             if (!QTest::currentTestFailed())
-                step();
+                (this->*step)(walk);
         }
     }
 
@@ -248,66 +222,54 @@ private Q_SLOTS:
 
     void goesOnWithTheDay()
     {
-        // Midnight is a few seconds away.
-        const int untilMidnight =
-            86'396 - QDateTime::currentDateTimeUtc().time().msecsSinceStartOfDay() / 1'000;
-        const int east = (untilMidnight + 129'600) % 86'400 - 43'200;
-        const QString offset = QTime(0, 0).addSecs(std::abs(east)).toString(u"hh:mm:ss"_s);
-        const TimeZone zone((east < 0 ? "DAY+" : "DAY-") + offset.toUtf8());
-        const auto rowFor = [](const char *name, QDate due) {
-            return "1/1/24|"_ba + name + "||1.0|1.0|1.0|1.0|" + due.toString(u"M/d/yy"_s).toUtf8() +
-                   "|0|0|Open|Low|" + name + "|false|8|0|9|0||^";
-        };
-        const QDate day = QDate::currentDate();
-        TemporaryHome::write(m_home.listPath(), rowFor("old", day) + rowFor("new", day.addDays(1)));
+        QByteArray list;
+        for (const char *zone : {"WST12", "EST-14"}) { // between which it is never the same day
+            const TimeZone there(zone);
+            list += "1/1/24|"_ba + zone + "||1.0|1.0|1.0|1.0|" +
+                    QDate::currentDate().toString(u"M/d/yy"_s).toUtf8() + "|0|0|Open|Low|" + zone +
+                    "|false|8|0|9|0||^";
+        }
+        auto zone = std::make_unique<TimeZone>("WST12");
+        TemporaryHome::write(m_home.listPath(), list);
         const Walk walk;
         walk.press(Qt::Key_0);
-        QCOMPARE(walk.shown(), QStringList(u"old"_s));
-        QTRY_COMPARE_WITH_TIMEOUT(walk.shown(), QStringList(u"new"_s), 20'000);
+        QCOMPARE(walk.shown(), QStringList(u"WST12"_s));
+        zone.reset();
+        const TimeZone east("EST-14");
+        Q_EMIT qApp->applicationStateChanged(Qt::ApplicationActive); // as a computer that wakes up
+        QCOMPARE(walk.shown(), QStringList(u"EST-14"_s));
         walk.window->close();
     }
 
 private:
-    static void drag(const ViewControllerWhiteboard &board)
-    {
-        QWidget &area = find<QWidget>(board, "line");
-        QTest::mousePress(&area, Qt::LeftButton, {}, {100, 100});
-        QTest::mouseMove(&area, {300, 100});
-        QTest::mouseRelease(&area, Qt::LeftButton, {}, {300, 100});
-    }
-
-    static void enterClient(const Walk &walk)
+    void enterClient(const Walk &walk)
     {
         auto *clients = walk.chosen<ViewControllerClientMgmt>(Qt::Key_C);
         QVERIFY(clients);
         click(*clients, "addButton");
-        QTRY_VERIFY(qobject_cast<QLineEdit *>(clients->focusWidget()));
-        QTest::keyClicks(clients->focusWidget(), u"Ann Berg"_s);
-        QTest::keyClick(clients->focusWidget(), Qt::Key_Tab);
-        QTest::keyClicks(clients->focusWidget(), u"+15550101"_s);
+        QTest::keyClicks(QApplication::focusWidget(), u"Ann Berg"_s);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        QTRY_COMPARE(QApplication::focusWidget()->objectName(), u"phoneField"_s);
+        QTest::keyClicks(QApplication::focusWidget(), u"+15550101"_s);
         click(*clients, "okButton");
     }
 
-    static void search(const Walk &walk)
+    void enterTasks(const Walk &walk)
     {
-        walk.press(Qt::Key_F);
-        QTest::keyClicks(walk.window->focusWidget(), u"BERG"_s);
-        QCOMPARE(walk.shown(), (QStringList{u"Paint fence"_s, u"Repair gate"_s}));
-        QTest::keyClick(walk.window->focusWidget(), Qt::Key_Escape);
-        QCOMPARE(walk.shown().size(), 3);
+        for (const auto &[name, client] : {std::pair(u"Paint fence"_s, u"Ann Berg"_s),
+                                           {u"Order timber"_s, u"Leo Lind"_s},
+                                           {u"Repair gate"_s, u"Ann Berg"_s}}) {
+            walk.press(Qt::Key_N);
+            const QPointer form = walk.opened<ViewControllerAdd>();
+            QVERIFY(form);
+            Walk::type(form, u"client"_s, client);
+            Walk::type(form, u"txtTaskName"_s, name);
+            QTest::keyClick(form->focusWidget(), Qt::Key_Return);
+            QTRY_VERIFY(!form);
+        }
     }
 
-    void orderByHand(const Walk &walk) const
-    {
-        walk.press(Qt::Key_7);
-        walk.selectTask(u"Repair gate"_s);
-        walk.press(Qt::Key_Up);
-        const QByteArray file = TemporaryHome::content(m_home.listPath());
-        QVERIFY2(file.indexOf("Repair gate") < file.indexOf("Order timber"), file);
-        QVERIFY2(file.indexOf("Paint fence") < file.indexOf("Repair gate"), file);
-    }
-
-    void sendSchedule(const Walk &walk) const
+    void sendSchedule(const Walk &walk)
     {
         auto *settings = walk.chosen<ViewControllerSettings>(Qt::Key_M);
         QVERIFY(settings);
@@ -332,11 +294,11 @@ private:
         sending->close();
     }
 
-    void sendToTheCloudAndBack(const Walk &walk) const
+    void sendToTheCloudAndBack(const Walk &walk)
     {
         QStringList asked = answering({u"OK"_s}, [&] { walk.choose(Qt::Key_C, Qt::Key_S); });
         QCOMPARE(asked.last(), u"Sync to iCloud succesfully!"_s);
-        walk.selectTask(u"Paint fence"_s);
+        clickCell(find<QTableView>(*walk.window, "tblView"), 0, 3);
         walk.press(Qt::Key_K);
         QCOMPARE(TemporaryHome::content(m_home.listPath()).count("|Closed|"), 1);
         asked = answering({u"Yes"_s, u"OK"_s}, [&] { walk.choose(Qt::Key_C, Qt::Key_M); });
@@ -344,32 +306,67 @@ private:
         QCOMPARE(TemporaryHome::content(m_home.listPath()).count("|Closed|"), 0);
     }
 
-    void draw(const Walk &walk) const
+    void draw(const Walk &walk)
     {
         auto *board = walk.chosen<ViewControllerWhiteboard>(Qt::Key_W);
         QVERIFY(board);
-        drag(*board);
-        QCOMPARE(QImage(m_home.path(u"ltodolistwhiteboard.png"_s)).pixelColor(200, 100), QColor(Qt::black));
+        QWidget &area = find<QWidget>(*board, "line");
+        QTest::mousePress(&area, Qt::LeftButton, {}, {100, 100});
+        QTest::mouseMove(&area, {300, 100});
+        QTest::mouseRelease(&area, Qt::LeftButton, {}, {300, 100});
+        QCOMPARE(QImage(m_board).pixelColor(200, 100), QColor(Qt::black));
         board->close();
-        auto *notes = walk.chosen<ViewControllerNotes>(Qt::Key_N);
-        QVERIFY(notes);
-        Walk::type(notes, u"textEdit"_s, u"Ann Berg likes green."_s);
-        notes->close();
-        QCOMPARE(TemporaryHome::content(m_home.documents() + u"/ltodonotes.txt"_s), "Ann Berg likes green.");
     }
 
-    void eraseAll(const Walk &walk) const
+    void restore(const Walk &walk)
+    {
+        QCOMPARE(Documents::standard().versions(u"ltodonotes.txt"_s).keep("of before", VersionReason::Daily),
+                 QString());
+        const QPointer pad = walk.chosen<ViewControllerNotes>(Qt::Key_N);
+        QVERIFY(pad);
+        Walk::type(pad, u"textEdit"_s, u"just typed"_s);
+        auto *versions = walk.chosen<EarlierVersionsWindow>(Qt::Key_V);
+        QVERIFY(versions);
+        auto &tabs = find<QTabBar>(*versions, "tabs");
+        QTest::mouseClick(&tabs, Qt::LeftButton, {}, tabs.tabRect(1).center());
+        clickCell(find<QTableView>(*versions, "versionTable"), 0, 1);
+        click(*versions, "restoreButton");
+        QCOMPARE(find<QPlainTextEdit>(*pad, "textEdit").toPlainText(), u"of before"_s);
+        Walk::type(pad, u"textEdit"_s, u"Ann Berg likes green."_s);
+        for (QWidget *window : {static_cast<QWidget *>(pad), static_cast<QWidget *>(versions)})
+            window->close();
+        QCOMPARE(TemporaryHome::content(m_notes), "Ann Berg likes green.");
+        QCOMPARE(m_home.filesWith("just typed").size(), 1);
+    }
+
+    // What the windows hold must not come back when they are closed afterwards.
+    void eraseAll(const Walk &walk)
     {
         QCOMPARE(filesWithTraces().size(), 5); // list, notes, contacts, cloud copy, settings
+        auto *settings = walk.chosen<ViewControllerSettings>(Qt::Key_M);
+        auto *team = walk.chosen<ViewControllerTeamMgmt>(Qt::Key_T);
+        auto *notes = walk.chosen<ViewControllerNotes>(Qt::Key_N);
+        QVERIFY(settings && team && notes);
+        click(*team, "addButton");
+        QTest::keyClicks(QApplication::focusWidget(), u"Tom Berg"_s);
+        Walk::type(notes, u"textEdit"_s, u"Ann Berg likes blue."_s);
+        QVERIFY(QFile::remove(m_notes) && QDir().mkdir(m_notes)); // so that the window keeps them
+        notes->close();
+        QVERIFY(QDir().rmdir(m_notes));
+        TemporaryHome::write(m_notes, "of another program");
+
         auto *eraser = walk.chosen<ViewControllerDestroy>(Qt::Key_D);
         QVERIFY(eraser);
         click(*eraser, "deleteAll");
         const QStringList asked = answering({u"Yes"_s, u"OK"_s}, [eraser] { click(*eraser, "eraseButton"); });
         QCOMPARE(asked.last(), u"All Selected Records Deleted Successfully!"_s);
         QVERIFY(walk.shown().isEmpty());
+        QCOMPARE(find<QLineEdit>(*settings, "passPhrase").text(), QString());
+        for (QWidget *window : {static_cast<QWidget *>(settings), static_cast<QWidget *>(team),
+                                static_cast<QWidget *>(walk.window)})
+            window->close();
         QCOMPARE(filesWithTraces(), QSet<QString>());
-        QVERIFY(!QFile::exists(m_home.path(u"ltodolistwhiteboard.png"_s)));
-        QVERIFY(!QFile::exists(m_home.documents() + u"/ltodonotes.txt"_s));
+        QVERIFY(!QFile::exists(m_board) && !QFile::exists(m_notes));
         QCOMPARE(TemporaryHome::content(m_home.listPath()), QByteArray());
     }
 
@@ -385,6 +382,8 @@ private:
     }
 
     TemporaryHome m_home;
+    const QString m_notes = m_home.documents() + u"/ltodonotes.txt"_s;
+    const QString m_board = m_home.path(u"ltodolistwhiteboard.png"_s);
     Certificate m_authority = Certificate::authority();
     HttpsServer m_server{m_authority.issue("DNS:api.twilio.com")};
     Detour m_detour{m_server.port()};

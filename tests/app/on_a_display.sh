@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
-# start_add_quit.sh <program>: on a virtual display and with real keys, starts the program in an empty home, adds a
-# task, quits, starts again and sees the task there.
+# on_a_display.sh <program>: on a virtual display and with real keys, starts the program in an empty home, adds a
+# task, quits, starts again and sees the task there. Then a task that could not be saved is saved when the display
+# goes away under the program.
 set -euo pipefail
 program=$1
 here=$(dirname "$(readlink -f "$0")")
@@ -18,7 +19,6 @@ focus() {
     within_20_s find_window "$started" "$1"
     xdotool windowfocus --sync "$window"
 }
-no_window() { ! find_window "$started" "$1"; }
 start() {
     "$program" >"$traces" 2>&1 &
     started=$!
@@ -28,17 +28,33 @@ quit() {
     xdotool key ctrl+q
     wait "$started" # fails unless the program ended well
 }
+add_task() {
+    xdotool key ctrl+n
+    focus 'New Task'
+    xdotool type --delay 20 "Paint fence"
+    xdotool key Return
+}
+no_form() { ! find_window "$started" 'New Task'; }
 
 start
-xdotool key ctrl+n
-focus 'New Task'
-xdotool type --delay 20 "Paint fence"
-xdotool key Return
-within_20_s no_window 'New Task'
+add_task
+within_20_s no_form
 within_20_s grep -qs 'Paint fence' "$list"
 focus Oblino
 quit
 start
 within_20_s grep -q 'Number of Rows: 1' "$traces"
 quit
+grep -c 'Paint fence' "$list" | grep -qx 1
+
+rm "$list"
+mkdir "$list" # nobody can write the list while a folder is in its place
+start
+errors=$(grep -c '^Error' "$traces" || true)
+add_task
+more_errors() { [ "$(grep -c '^Error' "$traces")" -gt "$errors" ]; }
+within_20_s more_errors
+rmdir "$list"
+kill -KILL "$display"
+wait "$started" || true # it ends as one that lost its display
 grep -c 'Paint fence' "$list" | grep -qx 1
