@@ -1,6 +1,8 @@
 #include <files/earlierversions.h>
 
+#include <files/fileerror.h>
 #include <files/openfile.h>
+#include <files/recoveryfolder.h>
 
 #include <QDir>
 #include <QFile>
@@ -12,6 +14,7 @@
 #include <utility>
 
 #include <fcntl.h>
+#include <unistd.h>
 
 namespace oblino {
 
@@ -24,6 +27,19 @@ QString stateFolder()
     const QString base = qEnvironmentVariable("XDG_STATE_HOME");
     // A relative path there is to be ignored.
     return (QDir::isAbsolutePath(base) ? base : QDir::homePath() + u"/.local/state"_s) + u"/oblino"_s;
+}
+
+// Whether the file can be taken for one of this user's: a regular one and no link, and the user's own where
+// others may write to its folder.
+bool isOwnFile(const QString &path)
+{
+    const QByteArray file = QFile::encodeName(path);
+    struct stat status = {};
+    struct stat folder = {};
+    if (::lstat(file.constData(), &status) != 0 || ::stat(parentFolder(file).constData(), &folder) != 0)
+        return false;
+    const bool othersMayWrite = (folder.st_mode & (S_IWGRP | S_IWOTH)) != 0;
+    return S_ISREG(status.st_mode) && (status.st_uid == ::geteuid() || !othersMayWrite);
 }
 
 } // namespace
@@ -48,15 +64,22 @@ QStringList EarlierVersions::standardFolders(const QString &privateFolder, const
 
 QList<EarlierVersion> EarlierVersions::list() const
 {
-    QList<EarlierVersion> versions;
+    QList<std::pair<EarlierVersion, int>> found;
     for (const QString &folder : m_folders) {
         const bool takesAll = folder == m_folders.first();
-        for (const RecoveryFolder::Version &found : RecoveryFolder(folder, m_calls).versions(m_name)) {
-            if (takesAll || found.name.reason == VersionReason::Rescued)
-                versions << EarlierVersion{found.path, found.name.time, found.name.reason};
+        for (const QFileInfo &file : QDir(folder).entryInfoList(QDir::Files | QDir::Hidden)) {
+            const std::optional<VersionName> name = VersionName::parse(file.fileName(), m_name);
+            const bool isWanted = name && (takesAll || name->reason == VersionReason::Rescued);
+            if (isWanted && isOwnFile(file.filePath()))
+                found.append({{file.filePath(), name->time, name->reason}, name->number});
         }
     }
-    std::ranges::stable_sort(versions, std::ranges::greater(), &EarlierVersion::time);
+    std::ranges::stable_sort(found, std::ranges::greater(), [](const auto &version) {
+        return std::pair(version.first.time, version.second);
+    });
+    QList<EarlierVersion> versions;
+    for (const auto &[version, number] : std::as_const(found))
+        versions += version;
     return versions;
 }
 
@@ -69,50 +92,37 @@ QList<EarlierVersion> EarlierVersions::rescued() const
 
 FileReading EarlierVersions::read(const EarlierVersion &version) const
 {
-    FileReading reading;
-    OpenFile file(m_calls);
-    int error = isOwnFile(version.path) || !QFileInfo::exists(version.path) ? 0 : EPERM;
-    if (error == 0)
-        error = file.openRegular(QFile::encodeName(version.path), O_RDONLY | O_NOFOLLOW);
-    if (error == 0)
-        error = file.readAll(reading.bytes);
-    reading.status = file.status();
-    if (error == 0) {
-        reading.outcome = FileReading::Outcome::Read;
-        return reading;
-    }
-    reading.bytes.clear();
-    reading.outcome = error == ENOENT ? FileReading::Outcome::Missing : FileReading::Outcome::Failed;
-    reading.error = u"“%1” could not be read: %2."_s.arg(version.path, errorMessage(error));
-    return reading;
+    if (QFileInfo::exists(version.path) && !isOwnFile(version.path))
+        return failedReading(version.path, {EPERM, {}});
+    return readFile(m_calls, QFile::encodeName(version.path), version.path, O_NOFOLLOW);
 }
 
 QString EarlierVersions::keep(const QByteArray &bytes, VersionReason reason)
 {
-    RecoveryFolder folder(m_folders.value(0), m_calls);
-    const RecoveryFolder::Kept kept = folder.keep(bytes, m_name, reason);
-    return kept.error == 0 ? QString() : notWritable(folder.path(), kept.error);
+    const auto failure =
+        failureOf([&] { RecoveryFolder(m_folders.value(0), m_calls).keep(bytes, m_name, reason); });
+    return failure ? failure->notWritable() : QString();
 }
 
 QString EarlierVersions::rescue(const QByteArray &bytes)
 {
+    QString path;
     for (const QString &folder : m_folders) {
-        const RecoveryFolder::Kept kept =
-            RecoveryFolder(folder, m_calls).keep(bytes, m_name, VersionReason::Rescued);
-        if (kept.error == 0)
-            return kept.path;
+        RecoveryFolder recovery(folder, m_calls);
+        if (!failureOf([&] { path = recovery.keep(bytes, m_name, VersionReason::Rescued); }))
+            break;
     }
-    return {};
+    return path;
 }
 
 QString EarlierVersions::remove(const EarlierVersion &version)
 {
     const QByteArray path = QFile::encodeName(version.path);
-    int error = m_calls.unlink(path) == 0 || errno == ENOENT ? 0 : errno;
-    if (error == 0)
-        error = syncDirectory(m_calls, parentFolder(path));
-    return error == 0 ? QString()
-                      : u"“%1” could not be removed: %2."_s.arg(version.path, errorMessage(error));
+    const auto failure = failureOf([&] {
+        removeFile(m_calls, path);
+        syncDirectory(m_calls, parentFolder(path));
+    });
+    return failure ? u"“%1” could not be removed: %2."_s.arg(version.path, failure->message()) : QString();
 }
 
 QString EarlierVersions::removeAll()

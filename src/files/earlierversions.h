@@ -1,8 +1,8 @@
 #pragma once
 
 #include <files/filecalls.h>
-#include <files/recoveryfolder.h>
-#include <files/safefile.h>
+#include <files/filereading.h>
+#include <files/versionname.h>
 
 #include <QByteArray>
 #include <QDate>

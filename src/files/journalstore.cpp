@@ -1,18 +1,20 @@
 #include <files/journalstore.h>
 
+#include <files/fileerror.h>
 #include <files/openfile.h>
 
 #include <QDir>
 #include <QFile>
 
 #include <cerrno>
+#include <utility>
 
 #include <fcntl.h>
 
 namespace oblino {
 
-JournalStore::JournalStore(const QString &folder, FileCalls &calls)
-    : m_folder(QFile::encodeName(folder))
+JournalStore::JournalStore(QString folder, FileCalls &calls)
+    : m_folder(std::move(folder))
     , m_calls(calls)
 {
 }
@@ -20,7 +22,7 @@ JournalStore::JournalStore(const QString &folder, FileCalls &calls)
 QByteArray JournalStore::fileFor(const QByteArray &path) const
 {
     constexpr qsizetype digits = 32;
-    return m_folder + '/' + sha256(path).toHex().first(digits) + ".journal";
+    return QFile::encodeName(m_folder) + '/' + sha256(path).toHex().first(digits) + ".journal";
 }
 
 QByteArray JournalStore::unfinishedFor(const QByteArray &path) const
@@ -28,39 +30,40 @@ QByteArray JournalStore::unfinishedFor(const QByteArray &path) const
     return fileFor(path) + ".tmp";
 }
 
-int JournalStore::load(const QByteArray &path, std::optional<Journal> &journal)
+std::optional<Journal> JournalStore::load(const QByteArray &path) const
 {
     QByteArray bytes;
-    OpenFile file(m_calls);
-    int error = file.openRegular(fileFor(path), O_RDONLY);
-    if (error == 0)
-        error = file.readAll(bytes);
-    if (error == 0)
-        journal = Journal::decoded(bytes);
-    return error == ENOTDIR ? ENOENT : error; // in what is no folder there is no journal
+    const auto failure =
+        failureOf([&] { bytes = OpenFile::regular(m_calls, fileFor(path), O_RDONLY).readAll(); });
+    if (failure && (failure->code == ENOENT || failure->code == ENOTDIR))
+        return std::nullopt;
+    if (failure)
+        throw FileError{failure->code, m_folder};
+    std::optional<Journal> journal = Journal::decoded(bytes);
+    if (!journal)
+        throw FileError{FileError::damaged, m_folder};
+    return journal;
 }
 
-int JournalStore::store(const Journal &journal, bool &isInPlace)
+void JournalStore::store(const Journal &journal)
 {
     const QByteArray unfinished = unfinishedFor(journal.path);
-    OpenFile file(m_calls);
-    int error = file.openPrivate(unfinished, O_TRUNC);
-    if (error == 0)
-        error = file.writeAll(journal.encoded());
-    if (error == 0)
-        error = file.sync();
-    if (error == 0)
-        error = renameFile(m_calls, unfinished, fileFor(journal.path));
-    isInPlace = error == 0;
-    if (isInPlace)
-        return syncNames();
-    m_calls.unlink(unfinished);
-    return error;
+    inFolder(m_folder, [&] {
+        try {
+            OpenFile file = OpenFile::inPrivateFolder(m_calls, unfinished, O_TRUNC);
+            file.writeAll(journal.encoded());
+            file.sync();
+            renameFile(m_calls, unfinished, fileFor(journal.path));
+        } catch (const FileError &) {
+            m_calls.unlink(unfinished);
+            throw;
+        }
+    });
 }
 
-int JournalStore::syncNames()
+void JournalStore::syncNames()
 {
-    return syncDirectory(m_calls, m_folder);
+    inFolder(m_folder, [&] { syncDirectory(m_calls, QFile::encodeName(m_folder)); });
 }
 
 void JournalStore::remove(const QByteArray &path)
@@ -68,27 +71,25 @@ void JournalStore::remove(const QByteArray &path)
     m_calls.unlink(fileFor(path));
 }
 
-int JournalStore::erase(const QByteArray &path)
+void JournalStore::erase(const QByteArray &path)
 {
-    for (const QByteArray &file : filesOf(path)) {
-        if (m_calls.unlink(file) != 0 && errno != ENOENT)
-            return errno;
-    }
-    const int error = syncNames();
-    return error == ENOENT ? 0 : error; // without the folder there never was a journal
+    for (const QByteArray &file : filesOf(path))
+        removeFile(m_calls, file);
+    const auto failure = failureOf([&] { syncNames(); });
+    if (failure && failure->code != ENOENT) // without the folder there never was a journal
+        throw *failure;
 }
 
-QByteArrayList JournalStore::filesOf(const QByteArray &path)
+QByteArrayList JournalStore::filesOf(const QByteArray &path) const
 {
     QByteArrayList files = {fileFor(path), unfinishedFor(path)};
     const QByteArray ending = path.mid(path.lastIndexOf('/'));
-    const QDir folder(QFile::decodeName(m_folder));
+    const QDir folder(m_folder);
     for (const QString &name : folder.entryList({QStringLiteral("*.journal*")}, QDir::Files)) {
         const QByteArray file = QFile::encodeName(folder.filePath(name));
         QByteArray bytes;
-        OpenFile other(m_calls);
-        const bool isRead = other.openRegular(file, O_RDONLY) == 0 && other.readAll(bytes) == 0;
-        if (isRead && Journal::pathIn(bytes).endsWith(ending))
+        const auto failure = failureOf([&] { bytes = OpenFile::regular(m_calls, file, O_RDONLY).readAll(); });
+        if (!failure && Journal::pathIn(bytes).endsWith(ending))
             files += file;
     }
     return files;

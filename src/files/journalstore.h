@@ -11,41 +11,40 @@
 
 namespace oblino {
 
-/// The journals of the user's files, each a file of its own in the private folder. Functions that can fail
-/// answer 0 or the error (see OpenFile).
+/// The journals of the user's files, each a file of its own in the private folder. What fails throws
+/// FileError, with that folder.
 class JournalStore
 {
 public:
-    JournalStore(const QString &folder, FileCalls &calls);
+    JournalStore(QString folder, FileCalls &calls);
 
     /// The journal's file for the user's file `path`.
     [[nodiscard]] QByteArray fileFor(const QByteArray &path) const;
 
-    /// Reads the journal for `path`; `journal` becomes none where it is damaged.
-    [[nodiscard]] int load(const QByteArray &path, std::optional<Journal> &journal);
+    /// Reads the journal for `path`; none where there is none.
+    [[nodiscard]] std::optional<Journal> load(const QByteArray &path) const;
 
-    /// Puts `journal` in the place of an earlier one, in one step. When that step was taken and seeing it
-    /// safely on disk fails, `isInPlace` is true all the same.
-    [[nodiscard]] int store(const Journal &journal, bool &isInPlace);
+    /// Puts `journal` in the place of an earlier one, in one step, which is on disk after syncNames().
+    void store(const Journal &journal);
 
-    /// Sees the journals' names safely on disk, which a store() that was cut short may have left undone.
-    [[nodiscard]] int syncNames();
+    /// Flushes the journals' names.
+    void syncNames();
 
     /// Removes the journal for `path`. That is not waited for: a power cut may bring the journal back.
     void remove(const QByteArray &path);
 
     /// Removes every trace of what was to be written to `path`, or to a file of that name in another folder,
-    /// and sees that safely on disk.
-    [[nodiscard]] int erase(const QByteArray &path);
+    /// and waits until that is on disk.
+    void erase(const QByteArray &path);
 
     /// Removes what a store() that was cut short left behind.
     void removeUnfinished(const QByteArray &path);
 
 private:
-    [[nodiscard]] QByteArrayList filesOf(const QByteArray &path);
+    [[nodiscard]] QByteArrayList filesOf(const QByteArray &path) const;
     [[nodiscard]] QByteArray unfinishedFor(const QByteArray &path) const;
 
-    QByteArray m_folder;
+    QString m_folder;
     FileCalls &m_calls;
 };
 

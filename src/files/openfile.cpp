@@ -1,5 +1,7 @@
 #include <files/openfile.h>
 
+#include <files/fileerror.h>
+
 #include <QFile>
 #include <QFileInfo>
 
@@ -7,12 +9,11 @@
 #include <cerrno>
 #include <filesystem>
 #include <system_error>
+#include <utility>
 
 #include <fcntl.h>
 
 namespace oblino {
-
-using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
@@ -29,28 +30,12 @@ auto uninterrupted(Call call)
 }
 
 template<typename Call>
-int outcome(Call call)
+auto checked(Call call)
 {
-    return uninterrupted(call) == -1 ? errno : 0;
-}
-
-int makeFolder(FileCalls &calls, const QByteArray &path)
-{
-    int error = outcome([&] { return calls.mkdir(path, 0700); });
-    if (error == ENOENT && parentFolder(path) != path) {
-        error = makeFolder(calls, parentFolder(path));
-        if (error == 0)
-            error = outcome([&] { return calls.mkdir(path, 0700); });
-    }
-    if (error == EEXIST)
-        return 0;
-    if (error == 0) {
-        error = syncDirectory(calls, parentFolder(path));
-        // Once it is there, nobody would see to its name again.
-        if (error != 0)
-            calls.rmdir(path);
-    }
-    return error;
+    const auto answer = uninterrupted(call);
+    if (answer == -1)
+        throw FileError{errno, {}};
+    return answer;
 }
 
 bool isSameTime(const timespec &a, const timespec &b)
@@ -60,134 +45,138 @@ bool isSameTime(const timespec &a, const timespec &b)
 
 } // namespace
 
+OpenFile::OpenFile(FileCalls &calls, const QByteArray &path, int flags, mode_t mode)
+    : m_calls(calls)
+    , m_fd(checked([&] { return calls.open(path, flags | O_CLOEXEC | O_NOCTTY, mode); }))
+{
+}
+
+OpenFile::OpenFile(OpenFile &&other) noexcept
+    : m_calls(other.m_calls)
+    , m_fd(std::exchange(other.m_fd, -1))
+    , m_status(other.m_status)
+{
+}
+
 OpenFile::~OpenFile()
 {
     if (m_fd != -1)
         m_calls.close(m_fd);
 }
 
-int OpenFile::open(const QByteArray &path, int flags, mode_t mode)
-{
-    if (m_fd != -1)
-        m_calls.close(m_fd);
-    m_fd = uninterrupted([&] { return m_calls.open(path, flags | O_CLOEXEC | O_NOCTTY, mode); });
-    return m_fd == -1 ? errno : 0;
-}
-
-int OpenFile::openRegular(const QByteArray &path, int flags, mode_t mode)
+OpenFile OpenFile::regular(FileCalls &calls, const QByteArray &path, int flags)
 {
     // Without O_NONBLOCK a named pipe would wait for its other end.
-    int error = open(path, flags | O_NONBLOCK, mode);
-    if (error == 0)
-        error = refreshStatus();
-    if (error == 0 && !S_ISREG(m_status.st_mode))
-        error = S_ISDIR(m_status.st_mode) ? EISDIR : notRegular;
-    return error;
-}
-
-int OpenFile::openPrivate(const QByteArray &path, int flags)
-{
-    int error = openRegular(path, O_RDWR | O_CREAT | flags);
-    if (error == ENOENT) {
-        error = makeFolder(m_calls, parentFolder(path));
-        if (error == 0)
-            error = openRegular(path, O_RDWR | O_CREAT | flags);
+    OpenFile file(calls, path, flags | O_NONBLOCK);
+    try {
+        file.refreshStatus();
+    } catch (const FileError &) {
+        if ((flags & O_EXCL) != 0)
+            calls.unlink(path); // made, but of no use
+        throw;
     }
-    return error;
+    if (!S_ISREG(file.m_status.st_mode))
+        throw FileError{S_ISDIR(file.m_status.st_mode) ? EISDIR : FileError::notRegular, {}};
+    return file;
 }
 
-int OpenFile::refreshStatus()
+OpenFile OpenFile::inPrivateFolder(FileCalls &calls, const QByteArray &path, int flags)
 {
-    return outcome([&] { return m_calls.fstat(m_fd, &m_status); });
+    const auto open = [&] { return regular(calls, path, O_RDWR | O_CREAT | flags); };
+    try {
+        return open();
+    } catch (const FileError &error) {
+        if (error.code != ENOENT)
+            throw;
+    }
+    makeDirectories(calls, parentFolder(path));
+    return open();
 }
 
-int OpenFile::readAll(QByteArray &bytes)
+void OpenFile::refreshStatus()
 {
-    qsizetype filled = 0;
+    checked([&] { return m_calls.fstat(m_fd, &m_status); });
+}
+
+QByteArray OpenFile::readAll() const
+{
     if (m_status.st_size > largestFile)
-        return EFBIG;
+        throw FileError{EFBIG, {}};
     // The one byte more lets the end of the file show without growing the buffer.
-    bytes.resize(m_status.st_size + 1);
-    for (;;) {
-        const ssize_t count = uninterrupted([&] {
+    QByteArray bytes(m_status.st_size + 1, Qt::Uninitialized);
+    qsizetype filled = 0;
+    const auto read = [&] {
+        return checked([&] {
             return m_calls.pread(m_fd, bytes.data() + filled, static_cast<size_t>(bytes.size() - filled),
                                  filled);
         });
-        if (count == -1)
-            return errno;
-        if (count == 0)
-            break;
+    };
+    while (const ssize_t count = read()) {
         filled += count;
         if (filled > largestFile)
-            return EFBIG;
+            throw FileError{EFBIG, {}};
         if (filled == bytes.size())
             bytes.resize(2 * filled);
     }
     bytes.truncate(filled);
-    return 0;
+    return bytes;
 }
 
-int OpenFile::expect(const QByteArray &bytes)
+bool OpenFile::holds(const QByteArray &bytes) const
 {
     constexpr qsizetype chunk = qsizetype{1} << 20;
-    QByteArray read(std::min(chunk, bytes.size() + 1), Qt::Uninitialized);
-    for (qsizetype done = 0;;) {
-        const ssize_t count = uninterrupted(
-            [&] { return m_calls.pread(m_fd, read.data(), static_cast<size_t>(read.size()), done); });
-        if (count == -1)
-            return errno;
-        if (count == 0)
-            return done == bytes.size() ? 0 : changed;
-        if (!QByteArrayView(bytes).sliced(done).startsWith(QByteArrayView(read).first(count)))
-            return changed;
+    QByteArray part(std::min(chunk, bytes.size() + 1), Qt::Uninitialized);
+    qsizetype done = 0;
+    const auto read = [&] {
+        return checked(
+            [&] { return m_calls.pread(m_fd, part.data(), static_cast<size_t>(part.size()), done); });
+    };
+    while (const ssize_t count = read()) {
+        if (!QByteArrayView(bytes).sliced(done).startsWith(QByteArrayView(part).first(count)))
+            return false;
         m_calls.tellProgress();
         done += count;
     }
+    return done == bytes.size();
 }
 
-int OpenFile::writeAll(const QByteArray &bytes)
+void OpenFile::writeAll(const QByteArray &bytes)
 {
     constexpr qsizetype mostAtOnce = qsizetype{1} << 22;
     constexpr qsizetype mostUnsynced = qsizetype{1} << 24;
-    qsizetype done = 0;
     qsizetype synced = 0;
-    while (done < bytes.size()) {
-        const qsizetype size = std::min(mostAtOnce, bytes.size() - done);
-        const ssize_t count = uninterrupted(
-            [&] { return m_calls.pwrite(m_fd, bytes.constData() + done, static_cast<size_t>(size), done); });
-        if (count == -1)
-            return errno;
+    for (qsizetype done = 0; done < bytes.size();) {
+        const auto size = static_cast<size_t>(std::min(mostAtOnce, bytes.size() - done));
+        const ssize_t count =
+            checked([&] { return m_calls.pwrite(m_fd, bytes.constData() + done, size, done); });
         if (count == 0)
-            return ENOSPC;
+            throw FileError{ENOSPC, {}};
         m_calls.tellProgress();
         done += count;
-        if (done - synced < mostUnsynced)
-            continue;
-        if (const int error = sync(); error != 0)
-            return error;
-        synced = done;
+        if (done - synced >= mostUnsynced) {
+            sync();
+            synced = done;
+        }
     }
-    return 0;
 }
 
-int OpenFile::resize(off_t size)
+void OpenFile::resize(off_t size)
 {
-    return outcome([&] { return m_calls.ftruncate(m_fd, size); });
+    checked([&] { return m_calls.ftruncate(m_fd, size); });
 }
 
-int OpenFile::sync()
+void OpenFile::sync()
 {
-    const int error = outcome([&] { return m_calls.fsync(m_fd); });
+    checked([&] { return m_calls.fsync(m_fd); });
     m_calls.tellProgress();
-    return error;
 }
 
-int OpenFile::reserve(off_t size)
+void OpenFile::reserve(off_t size)
 {
-    if (size == 0)
-        return 0;
-    const int error = outcome([&] { return m_calls.reserve(m_fd, size); });
-    return error == EOPNOTSUPP || error == ENOSYS || error == EINVAL ? 0 : error;
+    if (size == 0 || uninterrupted([&] { return m_calls.reserve(m_fd, size); }) == 0)
+        return;
+    if (errno != EOPNOTSUPP && errno != ENOSYS && errno != EINVAL)
+        throw FileError{errno, {}};
 }
 
 bool isSameFile(const struct stat &a, const struct stat &b)
@@ -226,59 +215,57 @@ QByteArray parentFolder(const QByteArray &path)
     return slash > 0 ? path.first(slash) : QByteArray("/");
 }
 
-int statusOfFile(FileCalls &calls, const QByteArray &path, struct stat &status)
+std::optional<struct stat> statusOfFile(FileCalls &calls, const QByteArray &path)
 {
-    return outcome([&] { return calls.stat(path, &status); });
+    struct stat status = {};
+    if (uninterrupted([&] { return calls.stat(path, &status); }) == 0)
+        return status;
+    if (errno != ENOENT)
+        throw FileError{errno, {}};
+    return std::nullopt;
 }
 
-int renameFile(FileCalls &calls, const QByteArray &from, const QByteArray &to)
+void renameFile(FileCalls &calls, const QByteArray &from, const QByteArray &to)
 {
-    return outcome([&] { return calls.rename(from, to); });
+    checked([&] { return calls.rename(from, to); });
 }
 
-int syncDirectory(FileCalls &calls, const QByteArray &path)
+void removeFile(FileCalls &calls, const QByteArray &path)
 {
-    OpenFile folder(calls);
-    int error = folder.open(path, O_RDONLY | O_DIRECTORY);
-    // A folder that may be written but not read cannot be synced by anybody like us.
-    if (error == EACCES)
-        return 0;
-    if (error == 0)
-        error = folder.sync();
-    // So say file systems that know no syncing of folders.
-    return error == EINVAL ? 0 : error;
+    if (calls.unlink(path) != 0 && errno != ENOENT)
+        throw FileError{errno, {}};
 }
 
-// A file that is there is not opened: closing it would let go of the locks that database connections of this
-// process hold on it.
-QString makePrivateFile(const QString &path)
+void makeDirectories(FileCalls &calls, const QByteArray &path)
 {
-    const QFileInfo file(path);
-    if (file.exists())
-        return file.isFile() ? QString() : errorMessage(OpenFile::notRegular);
-    OpenFile made(FileCalls::posix());
-    const int error = made.openPrivate(QFile::encodeName(path), O_EXCL);
-    // Another program may have made it meanwhile.
-    return error == 0 || (error == EEXIST && QFileInfo(path).isFile()) ? QString() : errorMessage(error);
-}
-
-QString errorMessage(int error)
-{
-    switch (error) {
-    case OpenFile::notRegular:
-        return u"it is not a regular file"_s;
-    case ENOSPC:
-        return u"disk full"_s;
-    case OpenFile::changed:
-        return u"another program keeps changing it"_s;
-    default:
-        return qt_error_string(error);
+    const QByteArray parent = parentFolder(path);
+    const auto make = [&] { return uninterrupted([&] { return calls.mkdir(path, 0700); }) == 0; };
+    bool isMade = make();
+    if (!isMade && errno == ENOENT && parent != path) {
+        makeDirectories(calls, parent);
+        isMade = make();
+    }
+    if (!isMade && errno == EEXIST)
+        return;
+    if (!isMade)
+        throw FileError{errno, {}};
+    try {
+        syncDirectory(calls, parent);
+    } catch (const FileError &) {
+        calls.rmdir(path); // once it is there, nobody would flush its name again
+        throw;
     }
 }
 
-QString notWritable(const QString &place, int error)
+void syncDirectory(FileCalls &calls, const QByteArray &path)
 {
-    return u"“%1” could not be written: %2."_s.arg(place, errorMessage(error));
+    try {
+        OpenFile(calls, path, O_RDONLY | O_DIRECTORY).sync();
+    } catch (const FileError &error) {
+        // What may be written but not read cannot be flushed by us, and some file systems know no such thing.
+        if (error.code != EACCES && error.code != EINVAL)
+            throw;
+    }
 }
 
 } // namespace oblino

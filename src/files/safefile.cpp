@@ -49,29 +49,25 @@ EarlierVersions SafeFile::versions() const
 
 Quarantined SafeFile::quarantine(const QByteArray &bytes)
 {
-    const RecoveryFolder::Kept kept = m_recovery.keep(bytes, fileName(), VersionReason::SetAside);
-    if (kept.error != 0)
-        return {{}, notWritable(m_recovery.path(), kept.error)};
-    return {kept.path, {}};
+    try {
+        return {m_recovery.keep(bytes, fileName(), VersionReason::Quarantined), {}, {}};
+    } catch (const FileError &error) {
+        return {{}, error.notWritable(), error.message()};
+    }
+}
+
+Quarantine SafeFile::quarantineFile()
+{
+    try {
+        return {m_recovery.move(resolveSymlinks(m_path), fileName(), VersionReason::Unread), {}, {}};
+    } catch (const FileError &error) {
+        return {{}, error.notWritable(), error.message()};
+    }
 }
 
 FileReading SafeFile::look()
 {
-    FileReading reading;
-    OpenFile file(m_calls);
-    int error = file.openRegular(resolveSymlinks(m_path), O_RDONLY);
-    if (error == 0)
-        error = file.readAll(reading.bytes);
-    reading.status = file.status();
-    if (error == 0) {
-        reading.outcome = FileReading::Outcome::Read;
-        return reading;
-    }
-    reading.bytes.clear();
-    reading.outcome = error == ENOENT ? FileReading::Outcome::Missing : FileReading::Outcome::Failed;
-    if (error != ENOENT)
-        reading.error = u"“%1” could not be read: %2."_s.arg(fileName(), errorMessage(error));
-    return reading;
+    return readFile(m_calls, resolveSymlinks(m_path), fileName());
 }
 
 void SafeFile::take(const FileReading &reading)
@@ -100,36 +96,41 @@ FileReading SafeFile::read()
 
 bool SafeFile::isAsSeen()
 {
-    OpenFile file(m_calls);
-    return hasSeen() && !m_pending && file.openRegular(resolveSymlinks(m_path), O_RDONLY) == 0 &&
-           isUntouched(m_seen.status, file.status());
+    if (!hasSeen() || m_pending)
+        return false;
+    try {
+        const OpenFile file = OpenFile::regular(m_calls, resolveSymlinks(m_path), O_RDONLY);
+        return isUntouched(m_seen.status, file.status());
+    } catch (const FileError &) {
+        return false;
+    }
 }
 
 QString SafeFile::erase()
 {
     const QByteArray path = resolveSymlinks(m_path);
-    const int error = removeFile(path);
+    const auto failure = failureOf([&] { removeItself(path); });
     const QString words = u"“%1” could not be removed: %2."_s;
-    if (error != 0 && error != ENOENT)
-        return words.arg(fileName(), errorMessage(error));
+    const QString error = failure ? words.arg(fileName(), failure->message()) : QString();
+    if (failure && failure->code != ENOENT)
+        return error;
     m_seen = {};
     m_pending.reset();
-    if (const int left = m_journals.erase(path); left != 0)
-        return words.arg(journalPath(), errorMessage(left));
+    if (const auto left = failureOf([&] { m_journals.erase(path); }))
+        return words.arg(journalPath(), left->message());
     m_strayJournal = false;
-    if (QString left = versions().removeAll(); !left.isEmpty())
-        return left;
-    return error == 0 ? QString() : words.arg(fileName(), errorMessage(error));
+    const QString left = versions().removeAll();
+    return left.isEmpty() ? error : left;
 }
 
-int SafeFile::removeFile(const QByteArray &path)
+void SafeFile::removeItself(const QByteArray &path)
 {
     const QFileInfo info(QFile::decodeName(path));
     if (info.exists() && !info.isFile())
-        return OpenFile::notRegular;
+        throw FileError{FileError::notRegular, {}};
     if (m_calls.unlink(path) != 0)
-        return errno;
-    return syncDirectory(m_calls, parentFolder(path));
+        throw FileError{errno, {}};
+    syncDirectory(m_calls, parentFolder(path));
 }
 
 } // namespace oblino

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <files/filecalls.h>
+#include <files/fileerror.h>
+#include <files/filereading.h>
 #include <files/journalstore.h>
 #include <files/recoveryfolder.h>
 
@@ -16,17 +18,6 @@ namespace oblino {
 class EarlierVersions;
 class OpenFile;
 
-/// What came of reading a whole file.
-struct FileReading
-{
-    enum class Outcome { Read, Missing, Failed };
-
-    Outcome outcome = Outcome::Failed;
-    QByteArray bytes;        ///< the file's content when it was read, else empty
-    QString error;           ///< why it failed, in words for the user, else empty
-    struct stat status = {}; ///< of the file when reading it began
-};
-
 /// What came of writing a whole file.
 struct FileWriting
 {
@@ -36,11 +27,12 @@ struct FileWriting
     QStringList notices; ///< what the user should know besides, written or not, in whole sentences
 };
 
-/// What came of setting bytes aside.
-struct Quarantined
+/// What came of keeping as a version what cannot be read.
+struct Quarantine
 {
-    QString path;  ///< the file that holds them
-    QString error; ///< why there is none, in words for the user, empty when it was done
+    QString path;   ///< of that version
+    QString error;  ///< why there is none, in words for the user, empty when it was done
+    QString reason; ///< the end of that sentence
 };
 
 /// One file of the user's, rewritten whole and in place, so that its inode, links, owner and mode stay. A
@@ -102,17 +94,16 @@ public:
     /// Whether the file still is, by its status, what was last read or written without a failure. Cheap.
     [[nodiscard]] bool isAsSeen();
 
-    /// Keeps `bytes` as a version of the file, made of what it holds and cannot be read, safely on disk.
-    [[nodiscard]] Quarantined quarantine(const QByteArray &bytes);
+    /// Keeps `bytes`, which the file holds and nobody can read, as a version of it, and flushes that to disk.
+    [[nodiscard]] Quarantine quarantine(const QByteArray &bytes);
+    /// Makes a version of the whole file, which is gone then, without reading it.
+    [[nodiscard]] Quarantine quarantineFile();
 
     [[nodiscard]] QString path() const { return m_path; }
     [[nodiscard]] QString journalPath() const;
     [[nodiscard]] QString recoveryFolder() const;
 
 private:
-    /// How often a save is done again when another program changes the file meanwhile.
-    static constexpr int mostRounds = 5;
-
     /// What is known of the file.
     struct Seen
     {
@@ -121,44 +112,35 @@ private:
         std::optional<QByteArray> content; ///< none after a write that failed midway
     };
 
-    /// What stopped a save.
-    struct Failure
-    {
-        int error = 0;  ///< see OpenFile
-        QString folder; ///< of the program's own, where it could not be written; else it was the file
-
-        explicit operator bool() const { return error != 0; }
-    };
-
     [[nodiscard]] QString fileName() const;
     [[nodiscard]] EarlierVersions versions() const;
-    [[nodiscard]] int removeFile(const QByteArray &path);
+    void removeItself(const QByteArray &path);
 
-    [[nodiscard]] Failure save(const QByteArray &bytes, QStringList &notices);
-    [[nodiscard]] Failure prepare(OpenFile &file, const Journal &next, QStringList &notices);
-    [[nodiscard]] int openForSaving(OpenFile &file, const QByteArray &path);
-    void keepVersionOfToday(const std::optional<QByteArray> &before, const QByteArray &after,
-                            QStringList &notices);
-    [[nodiscard]] Failure keepOtherVersion(OpenFile &file, QStringList &notices);
-    [[nodiscard]] Failure keepStrayJournal(const Journal &next, QStringList &notices);
-    [[nodiscard]] Failure noteDown(const Journal &journal, QStringList &notices);
-    [[nodiscard]] int overwrite(OpenFile &file, const Journal &journal);
-    [[nodiscard]] int expect(const QByteArray &content, OpenFile &file);
+    void save(const QByteArray &bytes);
+    [[nodiscard]] OpenFile prepare(const Journal &next);
+    [[nodiscard]] OpenFile openForSaving(const QByteArray &path);
+    void keepVersionOfToday(const std::optional<QByteArray> &before, const QByteArray &after);
+    void keepOtherVersion(const OpenFile &file);
+    void keepStrayJournal(const Journal &next);
+    void noteDown(const Journal &journal);
+    void overwrite(OpenFile &file, const Journal &journal);
+    void expect(const QByteArray &content, const OpenFile &file);
 
-    void finish(const Journal &journal, QStringList &notices);
-    [[nodiscard]] Failure complete(const Journal &journal, QStringList &notices);
-    [[nodiscard]] Failure keepTextOf(const Journal &journal, QStringList &notices);
-    void setJournalAside(const QByteArray &path, QStringList &notices);
+    void finish(const Journal &journal);
+    void complete(const Journal &journal);
+    void keepTextOf(const Journal &journal);
+    void quarantineJournal(const QByteArray &path);
 
     QString m_path;
     QString m_privateFolder;
     FileCalls &m_calls;
     JournalStore m_journals;
     RecoveryFolder m_recovery;
+    QStringList m_notices; // of the operation that goes on
     Seen m_seen;
     std::optional<Journal> m_pending; ///< of an unfinished save, as it lies on disk
     QDate m_dayWithVersion;           ///< for which the file's content before its first change is kept
-    bool m_nameIsSafe = false;        ///< the file's name was seen safely on disk
+    bool m_nameIsSafe = false;        ///< the file's name was flushed
     bool m_strayJournal = true;       ///< a journal may be there whose text nobody has read
 };
 

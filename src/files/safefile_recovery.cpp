@@ -2,7 +2,7 @@
 
 #include <files/openfile.h>
 
-#include <cerrno>
+#include <utility>
 
 #include <fcntl.h>
 
@@ -12,100 +12,86 @@ using namespace Qt::Literals::StringLiterals;
 
 QStringList SafeFile::recover()
 {
-    QStringList notices;
     const QByteArray path = resolveSymlinks(m_path);
     m_journals.removeUnfinished(path);
-    std::optional<Journal> journal;
-    const int error = m_journals.load(path, journal);
-    if (error == ENOENT) {
-        m_strayJournal = false;
-    } else if (error != 0) {
-        notices << u"An interrupted save of “%1” could not be looked at: %2."_s.arg(fileName(),
-                                                                                    errorMessage(error));
-    } else if (!journal) {
-        setJournalAside(path, notices);
-    } else if (journal->path == path) {
-        finish(*journal, notices);
+    try {
+        const std::optional<Journal> journal = m_journals.load(path);
+        if (!journal)
+            m_strayJournal = false;
+        else if (journal->path == path)
+            finish(*journal);
+    } catch (const FileError &error) {
+        if (error.code == FileError::damaged)
+            quarantineJournal(path);
+        else
+            m_notices << u"An interrupted save of “%1” could not be looked at: %2."_s.arg(fileName(),
+                                                                                          error.message());
     }
-    return notices;
+    return std::exchange(m_notices, {});
 }
 
-void SafeFile::setJournalAside(const QByteArray &path, QStringList &notices)
+void SafeFile::quarantineJournal(const QByteArray &path)
 {
-    const RecoveryFolder::Kept kept =
-        m_recovery.move(m_journals.fileFor(path), fileName() + u".journal"_s, VersionReason::Damaged);
-    if (kept.error == 0) {
+    try {
+        const QString kept =
+            m_recovery.move(m_journals.fileFor(path), recordName(fileName()), VersionReason::Damaged);
         m_strayJournal = false;
-        notices << u"The record of an interrupted save of “%1” is damaged. It was moved to %2."_s.arg(
-            fileName(), kept.path);
-    } else {
-        notices << u"The damaged record of an interrupted save of “%1” could not be moved away. %2"_s.arg(
-            fileName(), notWritable(m_recovery.path(), kept.error));
+        m_notices << u"The record of an interrupted save of “%1” is damaged. It was moved to %2."_s.arg(
+            fileName(), kept);
+    } catch (const FileError &error) {
+        m_notices << u"The damaged record of an interrupted save of “%1” could not be moved away. %2"_s.arg(
+            fileName(), error.notWritable());
     }
 }
 
-void SafeFile::finish(const Journal &journal, QStringList &notices)
+void SafeFile::finish(const Journal &journal)
 {
-    Failure failure{OpenFile::changed, {}};
-    for (int round = 0; failure.error == OpenFile::changed && round < mostRounds; ++round)
-        failure = complete(journal, notices);
+    const auto failure = failureOfRounds([&] { complete(journal); });
     if (!failure) {
         m_strayJournal = false;
         return;
     }
     m_pending = journal;
-    const QString again = u" It will be tried again at the next start."_s;
-    const QString reason =
-        failure.folder.isEmpty()
-            ? u": %1."_s.arg(errorMessage(failure.error))
-            : u", as “%1” could not be written: %2."_s.arg(failure.folder, errorMessage(failure.error));
-    notices << u"An interrupted save of “%1” could not be completed"_s.arg(fileName()) + reason + again;
+    const QString reason = failure->folder.isEmpty() ? u": %1."_s.arg(failure->message())
+                                                     : u", as %1"_s.arg(failure->notWritable());
+    m_notices << u"An interrupted save of “%1” could not be completed"_s.arg(fileName()) + reason +
+                     u" It will be tried again at the next start."_s;
 }
 
-SafeFile::Failure SafeFile::complete(const Journal &journal, QStringList &notices)
+void SafeFile::complete(const Journal &journal)
 {
     m_seen = {};
-    OpenFile file(m_calls);
-    const int opening = openForSaving(file, journal.path);
-    if (opening != 0 && file.openRegular(journal.path, O_RDONLY) != 0)
-        return {opening, {}};
-    QByteArray found;
-    if (const int error = file.readAll(found); error != 0)
-        return {error, {}};
+    std::optional<OpenFile> file;
+    const auto obstacle = failureOf([&] { file.emplace(openForSaving(journal.path)); });
+    if (obstacle && failureOf([&] { file.emplace(OpenFile::regular(m_calls, journal.path, O_RDONLY)); }))
+        throw *obstacle;
+    const QByteArray found = file->readAll();
     const Journal::State state = journal.stateOf(found);
     if (state == Journal::State::Other)
-        return keepTextOf(journal, notices);
-    if (opening != 0) {
-        if (state == Journal::State::New)
-            m_journals.remove(journal.path);
-        return {state == Journal::State::New ? 0 : opening, {}};
-    }
-    m_seen = {true, file.status(), found};
+        return keepTextOf(journal);
+    if (obstacle && state != Journal::State::New)
+        throw *obstacle;
+    if (obstacle)
+        return m_journals.remove(journal.path);
+    m_seen = {true, file->status(), found};
     if (state == Journal::State::CutShort && !found.isEmpty()) {
-        const RecoveryFolder::Kept kept = m_recovery.keep(found, fileName(), VersionReason::OtherProgram);
-        if (kept.error != 0)
-            return {kept.error, m_recovery.path()};
-        notices << u"A save of “%1” was interrupted and has been completed. The file had been cut short "
-                   u"meanwhile; what was left of it was copied to %2."_s.arg(fileName(), kept.path);
+        m_notices << u"A save of “%1” was interrupted and has been completed. The file had been cut short "
+                     u"meanwhile; what was left of it was copied to %2."_s.arg(
+                         fileName(), m_recovery.keep(found, fileName(), VersionReason::OtherProgram));
     }
-    if (const int error = file.reserve(journal.text.size()); error != 0)
-        return {error, {}};
-    if (const int error = m_journals.syncNames(); error != 0)
-        return {error, m_privateFolder};
+    file->reserve(journal.text.size());
+    m_journals.syncNames();
     // Even a file that seems to hold the new text is written again: when syncing it failed, it does so in
     // memory only, and syncing once more would not help.
-    return {overwrite(file, journal), {}};
+    overwrite(*file, journal);
 }
 
-SafeFile::Failure SafeFile::keepTextOf(const Journal &journal, QStringList &notices)
+void SafeFile::keepTextOf(const Journal &journal)
 {
-    const RecoveryFolder::Kept kept = m_recovery.keep(journal.text, fileName(), VersionReason::Interrupted);
-    if (kept.error != 0)
-        return {kept.error, m_recovery.path()};
+    const QString kept = m_recovery.keep(journal.text, fileName(), VersionReason::Interrupted);
     m_journals.remove(journal.path);
-    notices << u"“%1” has been changed by another program since a save of it was interrupted, and stays as "
-               u"it is. The text of that save was copied to %2."_s.arg(fileName(), kept.path);
-    return {};
+    m_notices << u"“%1” has been changed by another program since a save of it was interrupted, and stays as "
+                 u"it is. The text of that save was copied to %2."_s.arg(fileName(), kept);
 }
 
 } // namespace oblino

@@ -8,6 +8,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <utility>
 
 #include <fcntl.h>
 
@@ -18,64 +19,68 @@ using namespace Qt::Literals::StringLiterals;
 FileWriting SafeFile::write(const QByteArray &bytes)
 {
     FileWriting writing;
-    Failure failure{OpenFile::changed, {}};
-    for (int round = 0; failure.error == OpenFile::changed && round < mostRounds; ++round)
-        failure = save(bytes, writing.notices);
+    const auto failure = failureOfRounds([&] { save(bytes); });
     writing.written = !failure;
+    writing.notices = std::exchange(m_notices, {});
     if (!failure)
         return writing;
-    const QString why = errorMessage(failure.error);
-    if (failure.folder.isEmpty()) {
-        writing.reason = why;
-        writing.error = u"“%1” could not be saved: %2."_s.arg(fileName(), why);
+    if (failure->folder.isEmpty()) {
+        writing.reason = failure->message();
+        writing.error = u"“%1” could not be saved: %2."_s.arg(fileName(), writing.reason);
     } else {
-        writing.reason = u"%1 in “%2”"_s.arg(why, failure.folder);
-        writing.error = u"“%1” could not be saved, as “%2” could not be written: %3."_s.arg(
-            fileName(), failure.folder, why);
+        writing.reason = u"%1 in “%2”"_s.arg(failure->message(), failure->folder);
+        writing.error = u"“%1” could not be saved, as %2"_s.arg(fileName(), failure->notWritable());
     }
     return writing;
 }
 
-SafeFile::Failure SafeFile::save(const QByteArray &bytes, QStringList &notices)
+void SafeFile::save(const QByteArray &bytes)
 {
     Journal journal{resolveSymlinks(m_path), std::nullopt, bytes};
-    OpenFile file(m_calls);
-    const Failure preparing = prepare(file, journal, notices);
+    std::optional<OpenFile> file;
+    const auto obstacle = failureOf([&] { file.emplace(prepare(journal)); });
     journal.old = m_seen.content;
     // Where the file cannot be had, the text is at least safe in the journal.
-    const Failure noting = noteDown(journal, notices);
-    if (preparing || noting)
-        return preparing ? preparing : noting;
-    return {overwrite(file, journal), {}};
+    const auto unnoted = failureOf([&] { noteDown(journal); });
+    if (obstacle || unnoted)
+        throw obstacle ? *obstacle : *unnoted;
+    overwrite(*file, journal);
 }
 
-SafeFile::Failure SafeFile::prepare(OpenFile &file, const Journal &next, QStringList &notices)
+OpenFile SafeFile::prepare(const Journal &next)
 {
     const std::optional<QByteArray> before = m_seen.content;
-    if (const int error = openForSaving(file, next.path); error != 0)
-        return {error, {}};
-    keepVersionOfToday(before, next.text, notices);
-    if (Failure failure = keepOtherVersion(file, notices))
-        return failure;
-    return {file.reserve(next.text.size()), {}};
+    OpenFile file = openForSaving(next.path);
+    keepVersionOfToday(before, next.text);
+    keepOtherVersion(file);
+    file.reserve(next.text.size());
+    return file;
 }
 
-int SafeFile::openForSaving(OpenFile &file, const QByteArray &path)
+OpenFile SafeFile::openForSaving(const QByteArray &path)
 {
-    const int error = file.openRegular(path, O_RDWR);
-    if (error != ENOENT)
-        return error;
-    const int creating = file.open(path, O_RDWR | O_CREAT | O_EXCL, 0644);
-    // Another program may have been quicker; its file is treated like any other then.
-    if (creating != 0)
-        return creating == EEXIST ? file.openRegular(path, O_RDWR) : creating;
-    m_nameIsSafe = false;
-    m_seen = {true, {}, QByteArray()};
-    return file.refreshStatus();
+    const auto open = [&] { return OpenFile::regular(m_calls, path, O_RDWR); };
+    try {
+        return open();
+    } catch (const FileError &error) {
+        if (error.code != ENOENT)
+            throw;
+    }
+    try {
+        OpenFile created(m_calls, path, O_RDWR | O_CREAT | O_EXCL, 0644);
+        m_nameIsSafe = false;
+        m_seen = {true, {}, QByteArray()};
+        created.refreshStatus();
+        return created;
+    } catch (const FileError &error) {
+        // Another program may have been quicker; its file is treated like any other then.
+        if (error.code != EEXIST)
+            throw;
+    }
+    return open();
 }
 
-void SafeFile::keepVersionOfToday(const std::optional<QByteArray> &before, const QByteArray &after,
-                                  QStringList &notices)
+void SafeFile::keepVersionOfToday(const std::optional<QByteArray> &before, const QByteArray &after)
 {
     const QDate day = today();
     if (m_dayWithVersion == day || before == after)
@@ -86,7 +91,7 @@ void SafeFile::keepVersionOfToday(const std::optional<QByteArray> &before, const
     });
     if (before && !before->isEmpty() && !isThere) {
         if (const QString error = all.keep(*before, VersionReason::Daily); !error.isEmpty()) {
-            notices << u"No version of “%1” was kept for today. %2"_s.arg(fileName(), error);
+            m_notices << u"No version of “%1” was kept for today. %2"_s.arg(fileName(), error);
             return;
         }
     }
@@ -94,101 +99,77 @@ void SafeFile::keepVersionOfToday(const std::optional<QByteArray> &before, const
     all.prune(day);
 }
 
-SafeFile::Failure SafeFile::keepOtherVersion(OpenFile &file, QStringList &notices)
+void SafeFile::keepOtherVersion(const OpenFile &file)
 {
-    QByteArray bytes;
-    if (const int error = file.readAll(bytes); error != 0)
-        return {error, {}};
     using enum Journal::State;
+    const QByteArray bytes = file.readAll();
     const Journal::State state = m_pending ? m_pending->stateOf(bytes) : Other;
     const bool isOurs =
         m_seen.content ? bytes == *m_seen.content : state == Old || state == New || state == Torn;
     if (!isOurs) {
-        const RecoveryFolder::Kept kept = m_recovery.keep(
-            bytes, fileName(), m_seen.known ? VersionReason::OtherProgram : VersionReason::Unread);
-        if (kept.error != 0)
-            return {kept.error, m_recovery.path()};
         const QString words = m_seen.known
                                   ? u"“%1” was changed by another program. That version was copied to %2."_s
                                   : u"“%1” held something that had not been read. It was copied to %2."_s;
-        notices << words.arg(fileName(), kept.path);
+        const auto reason = m_seen.known ? VersionReason::OtherProgram : VersionReason::Unread;
+        m_notices << words.arg(fileName(), m_recovery.keep(bytes, fileName(), reason));
     }
     m_nameIsSafe = m_nameIsSafe && isSameFile(m_seen.status, file.status());
     m_seen = {true, file.status(), bytes};
-    return {};
 }
 
-SafeFile::Failure SafeFile::noteDown(const Journal &journal, QStringList &notices)
+void SafeFile::noteDown(const Journal &journal)
 {
-    if (Failure failure = keepStrayJournal(journal, notices))
-        return failure;
-    bool isInPlace = false;
-    const int error = m_journals.store(journal, isInPlace);
-    if (isInPlace)
-        m_pending = journal;
-    return {error, error != 0 ? m_privateFolder : QString()};
+    keepStrayJournal(journal);
+    m_journals.store(journal);
+    m_pending = journal;
+    m_journals.syncNames();
 }
 
-SafeFile::Failure SafeFile::keepStrayJournal(const Journal &next, QStringList &notices)
+void SafeFile::keepStrayJournal(const Journal &next)
 {
     if (!m_strayJournal)
-        return {};
+        return;
     std::optional<Journal> journal;
-    const int error = m_journals.load(next.path, journal);
+    const auto unreadable = failureOf([&] { journal = m_journals.load(next.path); });
     const bool isText = journal && journal->path == next.path;
-    if (error == ENOENT || (isText && journal->text == next.text)) {
-        m_strayJournal = false;
-        return {};
+    if (unreadable || (journal && !(isText && journal->text == next.text))) {
+        const QString kept = isText ? m_recovery.keep(journal->text, fileName(), VersionReason::Interrupted)
+                                    : m_recovery.move(m_journals.fileFor(next.path), recordName(fileName()),
+                                                      VersionReason::Damaged);
+        m_notices << u"An earlier save of “%1” was never completed. Its text was copied to %2."_s.arg(
+            fileName(), kept);
     }
-    const RecoveryFolder::Kept kept =
-        isText ? m_recovery.keep(journal->text, fileName(), VersionReason::Interrupted)
-               : m_recovery.move(m_journals.fileFor(next.path), fileName() + u".journal"_s,
-                                 VersionReason::Damaged);
-    if (kept.error != 0)
-        return {kept.error, m_recovery.path()};
     m_strayJournal = false;
-    notices << u"An earlier save of “%1” was never completed. Its text was copied to %2."_s.arg(fileName(),
-                                                                                                kept.path);
-    return {};
 }
 
-int SafeFile::overwrite(OpenFile &file, const Journal &journal)
+void SafeFile::overwrite(OpenFile &file, const Journal &journal)
 {
-    if (const int error = expect(*m_seen.content, file); error != 0)
-        return error;
-    int error = file.writeAll(journal.text);
+    expect(*m_seen.content, file);
+    m_seen.content.reset(); // unknown until all of this has worked
+    file.writeAll(journal.text);
     // What another program lengthens meanwhile is not to be cut before it has been looked at.
-    if (error == 0 && file.status().st_size >= journal.text.size())
-        error = file.resize(journal.text.size());
-    if (error == 0)
-        error = file.sync();
-    if (error == 0 && !m_nameIsSafe)
-        error = syncDirectory(m_calls, parentFolder(journal.path));
-    m_nameIsSafe = m_nameIsSafe || error == 0;
+    if (file.status().st_size >= journal.text.size())
+        file.resize(journal.text.size());
+    file.sync();
+    if (!m_nameIsSafe)
+        syncDirectory(m_calls, parentFolder(journal.path));
+    m_nameIsSafe = true;
     // A status that cannot be had only makes the next save compare contents.
-    const bool hasStatus = file.refreshStatus() == 0;
-    if (error == 0)
-        error = expect(journal.text, file);
-    m_seen = {true, hasStatus ? file.status() : m_seen.status,
-              error == 0 ? std::optional(journal.text) : std::nullopt};
-    if (error != 0)
-        return error;
+    static_cast<void>(failureOf([&] { file.refreshStatus(); }));
+    expect(journal.text, file);
+    m_seen = {true, file.status(), journal.text};
     // Not synced: a journal that a power cut brings back holds what the file holds.
     m_journals.remove(journal.path);
     m_pending.reset();
-    return 0;
 }
 
 /// Looks whether the open file holds `content`, and the path still leads to it.
-int SafeFile::expect(const QByteArray &content, OpenFile &file)
+void SafeFile::expect(const QByteArray &content, const OpenFile &file)
 {
-    struct stat status = {};
-    int error = file.expect(content);
-    if (error == 0)
-        error = statusOfFile(m_calls, QFile::encodeName(m_path), status);
-    if (error == ENOENT || (error == 0 && !isSameFile(status, file.status())))
-        error = OpenFile::changed;
-    return error;
+    const bool isHeld = file.holds(content);
+    const auto status = isHeld ? statusOfFile(m_calls, QFile::encodeName(m_path)) : std::nullopt;
+    if (!status || !isSameFile(*status, file.status()))
+        throw FileError{FileError::changed, {}};
 }
 
 } // namespace oblino

@@ -2,19 +2,17 @@
 
 #include <files/earlierversions.h>
 #include <files/openfile.h>
+#include <files/privatefiles.h>
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QLockFile>
-#include <QRegularExpression>
 #include <QUtf8StringView>
 
 #include <algorithm>
-#include <cerrno>
 #include <utility>
 
-#include <fcntl.h>
 #include <unistd.h>
 
 namespace oblino {
@@ -42,23 +40,19 @@ bool isWhole(const QByteArray &bytes)
            (bytes.endsWith('\n') && !bytes.contains('\0') && QUtf8StringView(bytes).isValidUtf8());
 }
 
-bool isOfOneSave(const timespec &lock, const timespec &file)
+// A copy that the user made may have a name of the same form ("oblino.ini.backup"), but is not as old as the
+// lock of a save that was killed.
+bool isLeftover(const QString &path, const struct stat &lock)
 {
     constexpr time_t longestSave = 5; // seconds
-    return std::pair(file.tv_sec, file.tv_nsec) >= std::pair(lock.tv_sec, lock.tv_nsec) &&
-           file.tv_sec <= lock.tv_sec + longestSave;
-}
-
-// A copy that the user made may have a name of the same form ("oblino.ini.backup"). A file of a killed save
-// is as old as the lock of that save; without the lock, only a name that nobody types tells it.
-bool isLeftover(const QString &path, const struct stat *lock)
-{
     struct stat status = {};
     if (::lstat(QFile::encodeName(path).constData(), &status) != 0 || !S_ISREG(status.st_mode) ||
         status.st_uid != ::geteuid())
         return false;
-    static const QRegularExpression random(u"\\.[A-Za-z]*[a-z][A-Z][A-Za-z]*$"_s);
-    return (lock && isOfOneSave(lock->st_mtim, status.st_mtim)) || random.match(path).hasMatch();
+    const auto timeOf = [](const struct stat &file) {
+        return std::pair(file.st_mtim.tv_sec, file.st_mtim.tv_nsec);
+    };
+    return timeOf(status) >= timeOf(lock) && status.st_mtim.tv_sec <= lock.st_mtim.tv_sec + longestSave;
 }
 
 } // namespace
@@ -71,33 +65,24 @@ SettingsFile::SettingsFile(QString path)
 // QSettings would make the file readable for everyone and then keeps the mode it finds.
 void SettingsFile::makePrivate() const
 {
-    QDir().mkpath(QFileInfo(m_path).absolutePath());
-    const int file =
-        ::open(QFile::encodeName(m_path).constData(), O_WRONLY | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0600);
-    if (file >= 0) {
-        ::fchmod(file, 0600);
-        ::close(file);
-    }
+    if (makePrivateFile(m_path).isEmpty())
+        QFile::setPermissions(m_path, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
 }
 
 void SettingsFile::removeLeftovers() const
 {
     const QString lockPath = m_path + u".lock"_s;
     struct stat status = {};
-    const bool hasLock = ::lstat(QFile::encodeName(lockPath).constData(), &status) == 0;
-    const QFileInfo file(realPath(m_path));
-    const QRegularExpression form(QRegularExpression::anchoredPattern(
-        QRegularExpression::escape(file.fileName()) + u"\\.[A-Za-z]{6}"_s));
-    QStringList leftovers = file.dir().entryList(QDir::Files | QDir::Hidden).filter(form);
-    if (leftovers.isEmpty() && !hasLock)
+    if (::lstat(QFile::encodeName(lockPath).constData(), &status) != 0)
         return;
     QLockFile lock(lockPath); // takes over that of a program that has ended
     if (!lock.tryLock())
         return;
-    for (const QString &name : std::as_const(leftovers)) {
-        const QString path = file.dir().filePath(name);
-        if (isLeftover(path, hasLock ? &status : nullptr))
-            ::unlink(QFile::encodeName(path).constData());
+    const QFileInfo file(realPath(m_path));
+    for (const QFileInfo &other :
+         file.dir().entryInfoList({file.fileName() + u".??????"_s}, QDir::Files | QDir::Hidden)) {
+        if (isLeftover(other.filePath(), status))
+            ::unlink(QFile::encodeName(other.filePath()).constData());
     }
 }
 
@@ -110,13 +95,10 @@ bool SettingsFile::hasChanged()
 
 SettingsFile::Kept SettingsFile::keep(bool isParsed) const
 {
-    OpenFile file(FileCalls::posix());
-    QByteArray bytes;
-    int error = file.openRegular(QFile::encodeName(m_path), O_RDONLY);
-    if (error == 0)
-        error = file.readAll(bytes);
-    if (error != 0 && error != ENOENT)
-        return {false, u"The settings could not be read: “%1”: %2."_s.arg(m_path, errorMessage(error))};
+    const FileReading reading = readFile(FileCalls::posix(), QFile::encodeName(m_path), m_path);
+    if (reading.outcome == FileReading::Outcome::Failed)
+        return {false, u"The settings file "_s + reading.error};
+    const QByteArray &bytes = reading.bytes;
     if (bytes.isEmpty() || (isParsed && isWhole(bytes)))
         return {true, {}};
 

@@ -40,17 +40,10 @@ VersionReason reasonFor(const QString &word)
     return found != words.end() ? found->first : VersionReason::OtherProgram;
 }
 
-// A name may have 255 bytes, and a character may take three of them.
-QString shortened(const QString &name)
-{
-    constexpr int longest = 60;
-    return name.right(longest);
-}
-
 // Invalid where there is no such day. A time that this zone does not have counts as the start of its day.
 QDateTime timeIn(const QString &text)
 {
-    const QDate day = QDate::fromString(text.first(10), Qt::ISODate);
+    const QDate day = QDate::fromString(text.left(10), Qt::ISODate);
     const QDateTime time(day, QTime::fromString(text.mid(11), u"HH.mm.ss"_s));
     return time.isValid() || !day.isValid() ? time : day.startOfDay();
 }
@@ -61,25 +54,30 @@ QString VersionName::fileName(const QString &name) const
 {
     const QString counter = number > 1 ? u" (%1)"_s.arg(number) : QString();
     return time.toString(u"yyyy-MM-dd HH.mm.ss"_s) + counter + u" ["_s + wordFor(reason) + u"] "_s +
-           shortened(name);
+           shortenedName(name);
 }
 
 std::optional<VersionName> VersionName::parse(const QString &fileName, const QString &name)
 {
     static const QRegularExpression start(
-        u"^(?:(\\d{4}-\\d\\d-\\d\\d \\d\\d\\.\\d\\d\\.\\d\\d)(?: \\((\\d+)\\))?(?: \\[([a-z]+)\\])?|set-aside) "_s);
+        u"^(\\d{4}-\\d\\d-\\d\\d \\d\\d\\.\\d\\d\\.\\d\\d)(?: \\((\\d+)\\))? \\[([a-z]+)\\] "_s);
     const QRegularExpressionMatch match = start.match(fileName);
-    if (!match.hasMatch())
-        return std::nullopt;
     const QString rest = fileName.sliced(match.capturedLength());
-    const bool isRecord = rest == shortened(name + u".journal"_s) || rest == shortened(name) + u".journal"_s;
-    if (!isRecord && rest != shortened(name))
+    const QDateTime time = timeIn(match.captured(1));
+    if (!time.isValid() || (rest != shortenedName(name) && rest != shortenedName(recordName(name))))
         return std::nullopt;
-    if (!match.hasCaptured(1))
-        return VersionName{{}, 1, VersionReason::SetAside};
-    const VersionReason unnamed = isRecord ? VersionReason::Damaged : VersionReason::OtherProgram;
-    return VersionName{timeIn(match.captured(1)), std::max(1, match.captured(2).toInt()),
-                       match.hasCaptured(3) ? reasonFor(match.captured(3)) : unnamed};
+    return VersionName{time, std::max(1, match.captured(2).toInt()), reasonFor(match.captured(3))};
+}
+
+QString shortenedName(const QString &name)
+{
+    constexpr int longest = 60;
+    return name.right(longest);
+}
+
+QString recordName(const QString &name)
+{
+    return name + u".journal"_s;
 }
 
 } // namespace oblino

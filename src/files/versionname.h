@@ -25,15 +25,22 @@ enum class VersionReason {
 /// "yyyy-MM-dd HH.mm.ss[ (number)] [reason] NAME", where NAME is that of the user's file.
 struct VersionName
 {
-    QDateTime time;                               ///< local, to the second; invalid where the name tells none
-    int number = 1;                               ///< among those of one second
-    VersionReason reason = VersionReason::Unread; ///< OtherProgram where the name tells none
+    QDateTime time; ///< local, to the second
+    int number = 1; ///< among those of one second
+    VersionReason reason = VersionReason::Unread;
 
     [[nodiscard]] QString fileName(const QString &name) const;
 
-    /// What the name `fileName` tells, or nothing where it is not that of a version of the file `name`. Files
-    /// of earlier releases count too: those without a reason, and "set-aside NAME".
+    /// What the name `fileName` tells, or nothing where it is not that of a version of the file `name`, or of
+    /// the record of a save of it.
     [[nodiscard]] static std::optional<VersionName> parse(const QString &fileName, const QString &name);
 };
+
+/// The end of a user's file name that a name made of it has room for: one may have 255 bytes, and a character
+/// may take three of them.
+[[nodiscard]] QString shortenedName(const QString &name);
+
+/// The name under which the record of a save of the file `name` is kept.
+[[nodiscard]] QString recordName(const QString &name);
 
 } // namespace oblino

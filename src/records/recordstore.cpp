@@ -1,6 +1,6 @@
 #include <records/recordstore.h>
 
-#include <files/openfile.h>
+#include <files/privatefiles.h>
 #include <records/postgreslibrary.h>
 #include <records/postgresprobe.h>
 

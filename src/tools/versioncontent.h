@@ -3,7 +3,8 @@
 #include <base/datakind.h>
 #include <core/listdifference.h>
 #include <core/task.h>
-#include <files/recoveryfolder.h>
+#include <files/versionname.h>
+#include <tools/datakind.h>
 
 #include <QByteArray>
 #include <QImage>

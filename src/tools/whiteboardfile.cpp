@@ -1,6 +1,6 @@
 #include <tools/whiteboardfile.h>
 
-#include <files/openfile.h>
+#include <tools/foreignlink.h>
 #include <tools/pngtext.h>
 
 #include <QDir>
@@ -139,11 +139,9 @@ QString WhiteboardFile::moveHuge(const QString &path, QStringList &notices)
     const QFileInfo info(path);
     if (!info.isFile() || info.size() <= largestFile)
         return {};
-    RecoveryFolder recovery(m_file->recoveryFolder(), m_calls);
-    const RecoveryFolder::Kept kept =
-        recovery.move(QFile::encodeName(info.canonicalFilePath()), info.fileName(), VersionReason::Unread);
-    if (kept.error != 0)
-        return QStringLiteral("what it held could not be kept (%1)").arg(errorMessage(kept.error));
+    const Quarantine kept = m_file->quarantineFile();
+    if (!kept.error.isEmpty())
+        return QStringLiteral("what it held could not be kept (%1)").arg(kept.reason);
     notices << QStringLiteral("“%1” held something that had not been read. It was moved to %2.")
                    .arg(info.fileName(), kept.path);
     return {};

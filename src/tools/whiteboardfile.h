@@ -1,6 +1,5 @@
 #pragma once
 
-#include <files/earlierversions.h>
 #include <files/safefile.h>
 
 #include <QImage>

@@ -59,14 +59,11 @@ private Q_SLOTS:
         row("kept", u"2024-03-07 09.05.01 [daily] plan.txt"_s, Reason::Daily, at("2024-03-07T09:05:01"), 1);
         row("the second of a second", u"2024-03-07 09.05.01 (2) [rescued] plan.txt"_s, Reason::Rescued,
             at("2024-03-07T09:05:01"), 2);
-        row("of an earlier release", u"2024-03-07 09.05.01 (12) plan.txt"_s, Reason::OtherProgram,
-            at("2024-03-07T09:05:01"), 12);
-        row("a journal of an earlier release", u"2024-03-07 09.05.01 plan.txt.journal"_s, Reason::Damaged,
+        row("the record of a save", u"2024-03-07 09.05.01 [damaged] plan.txt.journal"_s, Reason::Damaged,
             at("2024-03-07T09:05:01"), 1);
-        row("rows of an earlier release", u"set-aside plan.txt"_s, Reason::SetAside, {}, 1);
         row("of a later release", u"2024-03-07 09.05.01 [other] plan.txt"_s, Reason::OtherProgram,
             at("2024-03-07T09:05:01"), 1);
-        row("no such day", u"2024-13-07 09.05.01 [daily] plan.txt"_s, Reason::Daily, {}, 1);
+        row("no such day", u"2024-13-07 09.05.01 [daily] plan.txt"_s, {}, {}, 1);
         row("of another file", u"2024-03-07 09.05.01 [daily] my plan.txt"_s, {}, {}, 1);
         row("of a longer name", u"2024-03-07 09.05.01 [daily] plan.txt~"_s, {}, {}, 1);
         row("the file itself", u"plan.txt"_s, {}, {}, 1);

@@ -85,6 +85,21 @@ struct Eraser : ToolHome
             texts += question.informativeText;
         return texts.join(u" / "_s).replace(home.path({}), u"HOME"_s);
     }
+    // Puts a copy of a file into the recovery folder.
+    void keep(const QByteArray &bytes, const QString &name) const
+    {
+        EarlierVersions versions(name, {home.privateFolder() + u"/recovery"_s});
+        QCOMPARE(versions.keep(bytes, VersionReason::Unread), QString());
+    }
+
+    OwnFolders ownFolders{home};
+    QString notes = home.documents() + u"/ltodonotes.txt"_s;
+    QString board = home.path(u"ltodolistwhiteboard.png"_s);
+    Documents documents{home.documents(), home.privateFolder()};
+    TaskListFile list{store, documents};
+    NotificationCenter notifications;
+    ScriptedAlert::Script questions;
+    UIUtil utilities{std::make_unique<ScriptedAlert>(questions)};
     int reloads = 0;
     int erasuresTold = 0;
     TaskCloud copy{store, cloud, notifications};
@@ -110,12 +125,11 @@ private Q_SLOTS:
             TemporaryHome::write(file.journalPath(), "secret");
             const QString name = QFileInfo(path).fileName();
             for (const QString &folder :
-                 EarlierVersions::standardFolders(eraser.home.privateFolder(), eraser.home.documents()))
-                QCOMPARE(RecoveryFolder(folder, FileCalls::posix())
-                             .keep("secret", name, VersionReason::Rescued)
-                             .error,
-                         0);
-            const QByteArray elsewhere = "/elsewhere/" + name.toUtf8();
+                 EarlierVersions::standardFolders(eraser.home.privateFolder(), eraser.home.documents())) {
+                EarlierVersions versions(QFileInfo(path).fileName(), {folder});
+                QCOMPARE(versions.keep("secret", VersionReason::Rescued), QString());
+            }
+            const QByteArray elsewhere = "/elsewhere/" + QFileInfo(path).fileName().toUtf8();
             TemporaryHome::write(file.journalPath() + u".of-another-folder.journal"_s,
                                  Journal{elsewhere, {}, "secret"}.encoded());
         }
