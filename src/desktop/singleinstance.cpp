@@ -1,6 +1,8 @@
 #include <desktop/singleinstance.h>
 
-#include <QCryptographicHash>
+#include <files/privatefiles.h>
+#include <files/sha256.h>
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -102,8 +104,7 @@ SingleInstance::Claim SingleInstance::claim()
 bool SingleInstance::lock()
 {
     const QByteArray folder = QFile::encodeName(m_privateFolder);
-    if (!QDir(m_privateFolder).exists() && QDir().mkpath(m_privateFolder))
-        ::chmod(folder.constData(), 0700);
+    static_cast<void>(makePrivateFolder(m_privateFolder)); // without it, no lock can be had
     if (m_lockFile < 0)
         m_lockFile =
             ::open((folder + "/oblino.lock").constData(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600);
@@ -128,7 +129,7 @@ bool SingleInstance::listenAt(const QString &path)
 QStringList SingleInstance::socketPaths() const
 {
     // The runtime folder is that of every home.
-    const QByteArray hash = QCryptographicHash::hash(m_privateFolder.toUtf8(), QCryptographicHash::Sha256);
+    const QByteArray hash = sha256(m_privateFolder.toUtf8());
     const QString name = QStringLiteral("/oblino-") + QString::fromLatin1(hash.toHex().first(16));
     const QString runtimeFolder = qEnvironmentVariable("XDG_RUNTIME_DIR");
     QStringList paths;

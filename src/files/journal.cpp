@@ -1,69 +1,18 @@
 #include <files/journal.h>
 
+#include <files/sha256.h>
 #include <files/tornfile.h>
 
-#include <QtEndian>
+#include <QDataStream>
 
 #include <algorithm>
-
-#include <openssl/evp.h>
 
 namespace oblino {
 
 namespace {
 
-constexpr QByteArrayView magic("oblino journal\n");
-constexpr quint32 version = 2; // the first one held a hash in place of the old text
-constexpr qsizetype hashSize = 32;
-
-template<typename Number>
-void appendNumber(QByteArray &bytes, Number number)
-{
-    const Number stored = qToBigEndian(number);
-    bytes.append(reinterpret_cast<const char *>(&stored), sizeof stored);
-}
-
-/// Hands out the front of some bytes piece by piece; once they do not suffice, nothing but empty pieces.
-class Pieces
-{
-public:
-    explicit Pieces(QByteArrayView bytes)
-        : m_rest(bytes)
-    {
-    }
-
-    QByteArrayView take(quint64 size)
-    {
-        m_complete = m_complete && size <= static_cast<quint64>(m_rest.size());
-        if (!m_complete)
-            return {};
-        const QByteArrayView piece = m_rest.first(static_cast<qsizetype>(size));
-        m_rest = m_rest.sliced(piece.size());
-        return piece;
-    }
-
-    template<typename Number>
-    Number takeNumber()
-    {
-        const QByteArrayView piece = take(sizeof(Number));
-        return m_complete ? qFromBigEndian<Number>(piece.data()) : Number{};
-    }
-
-    [[nodiscard]] bool atEnd() const { return m_complete && m_rest.isEmpty(); }
-
-private:
-    QByteArrayView m_rest;
-    bool m_complete = true;
-};
-
-// Where every journal begins. @return nothing where this is none
-QByteArrayView takePath(Pieces &pieces, quint32 &foundVersion)
-{
-    if (pieces.take(static_cast<quint64>(magic.size())) != magic)
-        return {};
-    foundVersion = pieces.takeNumber<quint32>();
-    return pieces.take(pieces.takeNumber<quint32>());
-}
+constexpr quint32 magic = 0x4f424c4a; // "OBLJ"
+constexpr quint16 version = 3;
 
 /// The old text as what is left of it without the start and the end that the new text shares.
 struct Difference
@@ -85,17 +34,6 @@ Difference differenceOf(QByteArrayView old, QByteArrayView text)
 
 } // namespace
 
-// Qt's own SHA-256 takes some ten times as long, which is felt when a large list is saved.
-QByteArray sha256(QByteArrayView bytes)
-{
-    QByteArray hash(hashSize, Qt::Uninitialized);
-    const bool done =
-        EVP_Digest(bytes.data(), static_cast<size_t>(bytes.size()),
-                   reinterpret_cast<unsigned char *>(hash.data()), nullptr, EVP_sha256(), nullptr);
-    Q_ASSERT(done);
-    return done ? hash : QByteArray();
-}
-
 Journal::State Journal::stateOf(QByteArrayView found) const
 {
     if (found == text)
@@ -113,51 +51,34 @@ QByteArray Journal::encoded() const
 {
     const Difference difference = old ? differenceOf(*old, text) : Difference();
     QByteArray bytes;
-    bytes.reserve(magic.size() + path.size() + difference.middle.size() + text.size() + hashSize + 48);
-    bytes.append(magic);
-    appendNumber(bytes, version);
-    appendNumber(bytes, static_cast<quint32>(path.size()));
-    bytes.append(path);
-    appendNumber(bytes, quint32{old ? 1U : 0U});
-    for (const qsizetype size : {difference.start, difference.end, difference.middle.size()})
-        appendNumber(bytes, static_cast<quint64>(size));
-    bytes.append(difference.middle);
-    appendNumber(bytes, static_cast<quint64>(text.size()));
-    bytes.append(text);
-    bytes.append(sha256(bytes));
-    return bytes;
+    QDataStream stream(&bytes, QIODevice::WriteOnly);
+    stream.setVersion(QDataStream::Qt_6_4);
+    stream << magic << version << path << old.has_value() << qint64(difference.start)
+           << qint64(difference.end) << difference.middle.toByteArray() << text;
+    return bytes + sha256(bytes);
 }
 
 std::optional<Journal> Journal::decoded(const QByteArray &bytes)
 {
-    Pieces pieces(bytes);
-    quint32 foundVersion = 0;
-    const QByteArrayView path = takePath(pieces, foundVersion);
-    const bool oldIsKnown = pieces.takeNumber<quint32>() != 0;
-    const auto start = pieces.takeNumber<quint64>();
-    const auto end = pieces.takeNumber<quint64>();
-    const QByteArrayView middle = pieces.take(pieces.takeNumber<quint64>());
-    const QByteArrayView text = pieces.take(pieces.takeNumber<quint64>());
-    const QByteArrayView checksum = pieces.take(hashSize);
-    if (foundVersion != version || path.isEmpty() || !pieces.atEnd())
+    const QByteArray content = bytes.chopped(std::min(sha256Size, bytes.size()));
+    if (!bytes.endsWith(sha256(content)))
         return std::nullopt;
-    const QByteArrayView covered(bytes.constData(), bytes.size() - hashSize);
-    const auto size = static_cast<quint64>(text.size());
-    if (sha256(covered) != checksum || start > size || end > size - start)
+    QDataStream stream(content);
+    stream.setVersion(QDataStream::Qt_6_4);
+    quint32 foundMagic = 0;
+    quint16 foundVersion = 0;
+    stream >> foundMagic >> foundVersion;
+    if (foundMagic != magic || foundVersion != version)
         return std::nullopt;
-    Journal journal{path.toByteArray(), std::nullopt, text.toByteArray()};
-    if (oldIsKnown) {
-        journal.old = journal.text.first(static_cast<qsizetype>(start)) + middle.toByteArray() +
-                      journal.text.last(static_cast<qsizetype>(end));
-    }
+    Journal journal;
+    bool oldIsKnown = false;
+    qint64 start = 0;
+    qint64 end = 0;
+    QByteArray middle;
+    stream >> journal.path >> oldIsKnown >> start >> end >> middle >> journal.text;
+    if (oldIsKnown)
+        journal.old = journal.text.first(start) + middle + journal.text.last(end);
     return journal;
-}
-
-QByteArray Journal::pathIn(const QByteArray &bytes)
-{
-    Pieces pieces(bytes);
-    quint32 foundVersion = 0;
-    return takePath(pieces, foundVersion).toByteArray();
 }
 
 } // namespace oblino

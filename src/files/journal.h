@@ -7,8 +7,6 @@
 
 namespace oblino {
 
-[[nodiscard]] QByteArray sha256(QByteArrayView bytes);
-
 /// What is about to be written to a user's file, noted down completely before the file is touched.
 struct Journal
 {
@@ -33,10 +31,6 @@ struct Journal
 
     /// The journal in `bytes`, or none where they are cut short, damaged or something else.
     [[nodiscard]] static std::optional<Journal> decoded(const QByteArray &bytes);
-
-    /// The path in the bytes of a journal, damaged or not, of this release or an earlier one; empty where
-    /// they do not reach that far.
-    [[nodiscard]] static QByteArray pathIn(const QByteArray &bytes);
 
     bool operator==(const Journal &) const = default;
 };

@@ -2,9 +2,13 @@
 
 #include <files/fileerror.h>
 #include <files/openfile.h>
+#include <files/sha256.h>
+#include <files/versionname.h>
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
+#include <QRegularExpression>
 
 #include <cerrno>
 #include <utility>
@@ -12,6 +16,20 @@
 #include <fcntl.h>
 
 namespace oblino {
+
+using namespace Qt::Literals::StringLiterals;
+
+namespace {
+
+constexpr qsizetype digits = 32; // of the hash of a path
+
+/// The name of the user's file, as that of its journal begins.
+QString userName(const QByteArray &path)
+{
+    return shortenedName(QFileInfo(QFile::decodeName(path)).fileName());
+}
+
+} // namespace
 
 JournalStore::JournalStore(QString folder, FileCalls &calls)
     : m_folder(std::move(folder))
@@ -21,8 +39,8 @@ JournalStore::JournalStore(QString folder, FileCalls &calls)
 
 QByteArray JournalStore::fileFor(const QByteArray &path) const
 {
-    constexpr qsizetype digits = 32;
-    return QFile::encodeName(m_folder) + '/' + sha256(path).toHex().first(digits) + ".journal";
+    const QString hash = QString::fromLatin1(sha256(path).toHex().first(digits));
+    return QFile::encodeName(m_folder + u'/' + userName(path) + u'.' + hash + u".journal"_s);
 }
 
 QByteArray JournalStore::unfinishedFor(const QByteArray &path) const
@@ -73,26 +91,14 @@ void JournalStore::remove(const QByteArray &path)
 
 void JournalStore::erase(const QByteArray &path)
 {
-    for (const QByteArray &file : filesOf(path))
-        removeFile(m_calls, file);
+    const QRegularExpression journal(QRegularExpression::anchoredPattern(
+        QRegularExpression::escape(userName(path)) + u"\\.[0-9a-f]{%1}\\.journal(\\.tmp)?"_s.arg(digits)));
+    const QDir folder(m_folder);
+    for (const QString &name : folder.entryList(QDir::Files | QDir::Hidden).filter(journal))
+        removeFile(m_calls, QFile::encodeName(folder.filePath(name)));
     const auto failure = failureOf([&] { syncNames(); });
     if (failure && failure->code != ENOENT) // without the folder there never was a journal
         throw *failure;
-}
-
-QByteArrayList JournalStore::filesOf(const QByteArray &path) const
-{
-    QByteArrayList files = {fileFor(path), unfinishedFor(path)};
-    const QByteArray ending = path.mid(path.lastIndexOf('/'));
-    const QDir folder(m_folder);
-    for (const QString &name : folder.entryList({QStringLiteral("*.journal*")}, QDir::Files)) {
-        const QByteArray file = QFile::encodeName(folder.filePath(name));
-        QByteArray bytes;
-        const auto failure = failureOf([&] { bytes = OpenFile::regular(m_calls, file, O_RDONLY).readAll(); });
-        if (!failure && Journal::pathIn(bytes).endsWith(ending))
-            files += file;
-    }
-    return files;
 }
 
 void JournalStore::removeUnfinished(const QByteArray &path)

@@ -4,7 +4,6 @@
 #include <files/journal.h>
 
 #include <QByteArray>
-#include <QByteArrayList>
 #include <QString>
 
 #include <optional>
@@ -18,7 +17,7 @@ class JournalStore
 public:
     JournalStore(QString folder, FileCalls &calls);
 
-    /// The journal's file for the user's file `path`.
+    /// The journal's file for the user's file `path`: its name, a hash of the whole path, "journal".
     [[nodiscard]] QByteArray fileFor(const QByteArray &path) const;
 
     /// Reads the journal for `path`; none where there is none.
@@ -41,7 +40,6 @@ public:
     void removeUnfinished(const QByteArray &path);
 
 private:
-    [[nodiscard]] QByteArrayList filesOf(const QByteArray &path) const;
     [[nodiscard]] QByteArray unfinishedFor(const QByteArray &path) const;
 
     QString m_folder;

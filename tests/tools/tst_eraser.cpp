@@ -6,7 +6,8 @@
 #include <support/table.h>
 #include <support/testmain.h>
 
-#include <files/journal.h>
+#include <base/notificationcenter.h>
+#include <core/tasklistfile.h>
 #include <records/sqlcloudcontainer.h>
 #include <tools/windows/viewcontrollerdestroy.h>
 
@@ -129,9 +130,9 @@ private Q_SLOTS:
                 EarlierVersions versions(QFileInfo(path).fileName(), {folder});
                 QCOMPARE(versions.keep("secret", VersionReason::Rescued), QString());
             }
-            const QByteArray elsewhere = "/elsewhere/" + QFileInfo(path).fileName().toUtf8();
-            TemporaryHome::write(file.journalPath() + u".of-another-folder.journal"_s,
-                                 Journal{elsewhere, {}, "secret"}.encoded());
+            const SafeFile elsewhere(u"/elsewhere/"_s + QFileInfo(path).fileName(),
+                                     eraser.home.privateFolder());
+            TemporaryHome::write(elsewhere.journalPath(), "secret");
         }
         TemporaryHome::write(eraser.home.listPath(), row + "secret^"); // with a row that cannot be read
         (void)eraser.list.splitStringFile(eraser.list.readFromFile());
