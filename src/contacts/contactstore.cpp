@@ -2,7 +2,7 @@
 
 #include <base/trace.h>
 #include <contacts/sqlquery.h>
-#include <files/openfile.h>
+#include <files/privatefiles.h>
 
 #include <QStandardPaths>
 #include <QUuid>

@@ -171,7 +171,7 @@ bool TaskListFile::keepRows(SafeFile &file)
     const QList<QByteArray> rows = m_unreadableRows + m_longRows;
     if (rows.isEmpty())
         return true;
-    const Quarantined kept = file.quarantine(rows.join(separatorRowsFile) + separatorRowsFile);
+    const Quarantine kept = file.quarantine(rows.join(separatorRowsFile) + separatorRowsFile);
     if (!kept.error.isEmpty())
         return failed(kept.error, kept.error);
     if (const qsizetype unreadable = m_unreadableRows.size(); unreadable > 0) {

@@ -47,7 +47,7 @@ EarlierVersions SafeFile::versions() const
     return EarlierVersions(fileName(), folders, m_calls);
 }
 
-Quarantined SafeFile::quarantine(const QByteArray &bytes)
+Quarantine SafeFile::quarantine(const QByteArray &bytes)
 {
     try {
         return {m_recovery.keep(bytes, fileName(), VersionReason::Quarantined), {}, {}};

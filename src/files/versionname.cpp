@@ -19,7 +19,7 @@ constexpr std::array<std::pair<VersionReason, const char *>, 10> words = {{
     {VersionReason::Unread, "unread"},
     {VersionReason::Interrupted, "interrupted"},
     {VersionReason::Damaged, "damaged"},
-    {VersionReason::SetAside, "aside"},
+    {VersionReason::Quarantined, "aside"},
     {VersionReason::Conflict, "conflict"},
     {VersionReason::Replaced, "replaced"},
     {VersionReason::Restored, "restored"},

@@ -14,7 +14,7 @@ enum class VersionReason {
     Unread,       ///< the file held something that had not been read
     Interrupted,  ///< the text of a save that was not completed
     Damaged,      ///< the record of such a save, which cannot be read
-    SetAside,     ///< rows that cannot be read, or hold more than a task
+    Quarantined,  ///< rows that cannot be read, or hold more than a task
     Conflict,     ///< tasks that were changed here and elsewhere: those from elsewhere
     Replaced,     ///< the list here before one that another program wrote took its place
     Restored,     ///< what there was before an earlier version was restored

@@ -46,7 +46,7 @@ QString reasonText(VersionReason reason)
         return QStringLiteral("A save that was not completed");
     case VersionReason::Damaged:
         return QStringLiteral("Damaged record of a save");
-    case VersionReason::SetAside:
+    case VersionReason::Quarantined:
         return QStringLiteral("Rows that could not be read");
     case VersionReason::Conflict:
         return QStringLiteral("Changed here and elsewhere: from elsewhere");
@@ -62,7 +62,7 @@ QString reasonText(VersionReason reason)
 
 bool isWhole(VersionReason reason)
 {
-    return reason != VersionReason::SetAside && reason != VersionReason::Conflict &&
+    return reason != VersionReason::Quarantined && reason != VersionReason::Conflict &&
            reason != VersionReason::Damaged;
 }
 

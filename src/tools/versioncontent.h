@@ -4,7 +4,6 @@
 #include <core/listdifference.h>
 #include <core/task.h>
 #include <files/versionname.h>
-#include <tools/datakind.h>
 
 #include <QByteArray>
 #include <QImage>

@@ -1,6 +1,6 @@
 #include <tools/whiteboardfile.h>
 
-#include <tools/foreignlink.h>
+#include <files/earlierversions.h>
 #include <tools/pngtext.h>
 
 #include <QDir>

@@ -306,6 +306,14 @@ private:
         QCOMPARE(TemporaryHome::content(m_home.listPath()).count("|Closed|"), 0);
     }
 
+    static void drag(const ViewControllerWhiteboard &board)
+    {
+        QWidget &area = find<QWidget>(board, "line");
+        QTest::mousePress(&area, Qt::LeftButton, {}, {100, 100});
+        QTest::mouseMove(&area, {300, 100});
+        QTest::mouseRelease(&area, Qt::LeftButton, {}, {300, 100});
+    }
+
     void draw(const Walk &walk)
     {
         auto *board = walk.chosen<ViewControllerWhiteboard>(Qt::Key_W);

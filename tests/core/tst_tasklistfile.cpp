@@ -52,7 +52,7 @@ struct Run
     {
         QByteArray bytes;
         for (const EarlierVersion &version : documents.versions(u"ltodolist.txt"_s).list()) {
-            if (version.reason == VersionReason::SetAside)
+            if (version.reason == VersionReason::Quarantined)
                 bytes.prepend(TemporaryHome::content(version.path));
         }
         return bytes;

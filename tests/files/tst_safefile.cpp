@@ -177,16 +177,16 @@ void tst_safefile::settingAside()
     const Place place;
     FaultyFileCalls calls;
     SafeFile file(place.path, place.privateFolder, calls);
-    const Quarantined first = file.quarantine("first");
+    const Quarantine first = file.quarantine("first");
     QVERIFY(first.error.isEmpty() && contentOf(first.path) == "first");
     QVERIFY2(calls.names.empty() && calls.bytes.empty(), "a power cut loses nothing");
     for (int call = 1; call <= 4; ++call) {
         calls.arm(call, ENOSPC);
-        const Quarantined lost = file.quarantine("lost");
+        const Quarantine lost = file.quarantine("lost");
         QVERIFY(lost.path.isEmpty() && lost.error.contains(file.recoveryFolder()));
     }
     calls.arm(0, 0);
-    const Quarantined second = file.quarantine("second\n");
+    const Quarantine second = file.quarantine("second\n");
     QCOMPARE(statusOf(second.path).st_mode, S_IFREG | 0600U);
     QCOMPARE(place.kept().size(), 2);
     QVERIFY(contentOf(first.path) == "first" && contentOf(second.path) == "second\n");

@@ -325,7 +325,7 @@ private Q_SLOTS:
         main.clickRow(u"apple"_s);
         main.click("cloneButton");
         const QList<EarlierVersion> kept = main.documents.versions(u"ltodolist.txt"_s).list();
-        QVERIFY(!kept.isEmpty() && kept.first().reason == VersionReason::SetAside);
+        QVERIFY(!kept.isEmpty() && kept.first().reason == VersionReason::Quarantined);
         QVERIFY(main.notice().contains(kept.first().path));
         QCOMPARE(TemporaryHome::content(kept.first().path), "broken|row^");
     }
