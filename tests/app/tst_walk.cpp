@@ -129,75 +129,6 @@ private Q_SLOTS:
         }
     }
 
-    void erasingReachesWhatWindowsHold()
-    {
-        const Walk walk;
-        auto *settings = walk.chosen<ViewControllerSettings>(Qt::Key_M);
-        QVERIFY(settings);
-        Walk::type(settings, u"passPhrase"_s, u"hushhush"_s);
-        auto *team = walk.chosen<ViewControllerTeamMgmt>(Qt::Key_T);
-        QVERIFY(team);
-        click(*team, "addButton"); // and not saved yet
-        QTRY_VERIFY(qobject_cast<QLineEdit *>(team->focusWidget()));
-        QTest::keyClicks(team->focusWidget(), u"Tom"_s);
-        const QString inTheWay[] = {m_home.documents() + u"/ltodonotes.txt"_s,
-                                    m_home.path(u"ltodolistwhiteboard.png"_s)};
-        for (const QString &path : inTheWay)
-            QVERIFY(QDir().mkdir(path));
-        auto *notes = walk.chosen<ViewControllerNotes>(Qt::Key_N);
-        QVERIFY(notes);
-        Walk::type(notes, u"textEdit"_s, u"Ann Berg"_s);
-        auto *board = walk.chosen<ViewControllerWhiteboard>(Qt::Key_W);
-        QVERIFY(board);
-        drag(*board);
-        for (QWidget *window : {static_cast<QWidget *>(notes), static_cast<QWidget *>(board)})
-            window->close(); // and kept, as nothing could be saved
-        for (const QString &path : inTheWay) {
-            QVERIFY(QDir().rmdir(path));
-            TemporaryHome::write(path, "of another program");
-        }
-        auto *eraser = walk.chosen<ViewControllerDestroy>(Qt::Key_D);
-        QVERIFY(eraser);
-        for (const char *box : {"deleteNotes", "deleteWhiteboard", "deleteClients", "deleteSettings"})
-            click(*eraser, box);
-        answering({u"Yes"_s, u"OK"_s}, [eraser] { click(*eraser, "eraseButton"); });
-        QCOMPARE(find<QLineEdit>(*settings, "passPhrase").text(), QString());
-        settings->close();
-        team->close();
-        walk.window->close();
-        QCOMPARE(m_home.filesWith("Tom").size(), 1);
-        QCOMPARE(m_home.filesWith("Berg"), QStringList());
-        for (const QString &path : inTheWay)
-            QVERIFY2(!QFile::exists(path), qPrintable(path));
-    }
-
-    void openWindowsFollowWhatIsRestored()
-    {
-        const QString notes = m_home.documents() + u"/ltodonotes.txt"_s;
-        const Walk walk;
-        QCOMPARE(Documents::standard().versions(u"ltodonotes.txt"_s).keep("of before", VersionReason::Daily),
-                 QString());
-        const QPointer pad = walk.chosen<ViewControllerNotes>(Qt::Key_N);
-        QVERIFY(pad);
-        Walk::type(pad, u"textEdit"_s, u"just typed"_s);
-        auto *versions = walk.chosen<EarlierVersionsWindow>(Qt::Key_V);
-        QVERIFY(versions);
-        auto &tabs = find<QTabBar>(*versions, "tabs");
-        QTest::mouseClick(&tabs, Qt::LeftButton, {}, tabs.tabRect(1).center());
-        const auto &table = find<QTableView>(*versions, "versionTable");
-        for (int row = 0; row < table.model()->rowCount(); ++row) {
-            if (table.model()->index(row, 1).data().toString().startsWith(u"Before the first"))
-                clickCell(table, row, 1);
-        }
-        click(*versions, "restoreButton");
-        QCOMPARE(find<QPlainTextEdit>(*pad, "textEdit").toPlainText(), u"of before"_s);
-        pad->close();
-        QCOMPARE(TemporaryHome::content(notes), "of before");
-        QCOMPARE(m_home.filesWith("just typed").size(), 1);
-        versions->close();
-        walk.window->close();
-    }
-
     void theGuideOpensFromEveryWindow()
     {
         TemporaryHome::write(m_home.listPath(), "1/1/24|old||1.0|1.0|1.0|1.0|1/1/24|0|0|Open|Low|old|"
@@ -304,14 +235,6 @@ private:
         asked = answering({u"Yes"_s, u"OK"_s}, [&] { walk.choose(Qt::Key_C, Qt::Key_M); });
         QCOMPARE(asked.last(), u"Sync from iCloud succesfully!"_s);
         QCOMPARE(TemporaryHome::content(m_home.listPath()).count("|Closed|"), 0);
-    }
-
-    static void drag(const ViewControllerWhiteboard &board)
-    {
-        QWidget &area = find<QWidget>(board, "line");
-        QTest::mousePress(&area, Qt::LeftButton, {}, {100, 100});
-        QTest::mouseMove(&area, {300, 100});
-        QTest::mouseRelease(&area, Qt::LeftButton, {}, {300, 100});
     }
 
     void draw(const Walk &walk)

@@ -15,7 +15,7 @@ MODEL = FILES | {"core"}
 BELOW = {
     "base": set(),
     "files": {"base"},
-    "desktop": {"base"},
+    "desktop": FILES,
     "controls": {"base"},
     "records": FILES,
     "contacts": FILES,

@@ -133,7 +133,7 @@ private Q_SLOTS:
         row("another program's", u"something else"_s, sql(u"PRAGMA user_version = 0"_s));
         row("a table without the attribute", u"phoneNo"_s, sql(u"ALTER TABLE Clients DROP COLUMN phoneNo"_s));
         row("locked by another program", u"locked"_s, sql(u"BEGIN EXCLUSIVE"_s));
-        row("a folder", u"not a regular file"_s,
+        row("a folder", u"Is a directory"_s,
             [](const Disk &disk) { QVERIFY(QFile::remove(disk.file) && QDir().mkdir(disk.file)); });
         row("read-only", u"readonly"_s, [](const Disk &disk) {
             for (const auto &[path, mode] :

@@ -6,8 +6,6 @@
 #include <support/table.h>
 #include <support/testmain.h>
 
-#include <base/notificationcenter.h>
-#include <core/tasklistfile.h>
 #include <records/sqlcloudcontainer.h>
 #include <tools/windows/viewcontrollerdestroy.h>
 
@@ -86,21 +84,6 @@ struct Eraser : ToolHome
             texts += question.informativeText;
         return texts.join(u" / "_s).replace(home.path({}), u"HOME"_s);
     }
-    // Puts a copy of a file into the recovery folder.
-    void keep(const QByteArray &bytes, const QString &name) const
-    {
-        EarlierVersions versions(name, {home.privateFolder() + u"/recovery"_s});
-        QCOMPARE(versions.keep(bytes, VersionReason::Unread), QString());
-    }
-
-    OwnFolders ownFolders{home};
-    QString notes = home.documents() + u"/ltodonotes.txt"_s;
-    QString board = home.path(u"ltodolistwhiteboard.png"_s);
-    Documents documents{home.documents(), home.privateFolder()};
-    TaskListFile list{store, documents};
-    NotificationCenter notifications;
-    ScriptedAlert::Script questions;
-    UIUtil utilities{std::make_unique<ScriptedAlert>(questions)};
     int reloads = 0;
     int erasuresTold = 0;
     TaskCloud copy{store, cloud, notifications};
