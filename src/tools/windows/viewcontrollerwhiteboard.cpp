@@ -73,7 +73,8 @@ void ViewControllerWhiteboard::viewDidLoad()
 
 void ViewControllerWhiteboard::viewDidAppear()
 {
-    m_path = QDir::currentPath();
+    fileManager = QDir::current();
+    m_path = fileManager->absolutePath();
     loadImage();
 }
 

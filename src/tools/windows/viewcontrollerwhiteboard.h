@@ -4,6 +4,7 @@
 #include <tools/whiteboardfile.h>
 #include <tools/windows/filewindow.h>
 
+#include <QDir>
 #include <QPainterPath>
 
 #include <memory>
@@ -91,7 +92,8 @@ private:
     bool m_isChanged = false; // since it was last written or read
     QPainterPath m_captured;  // how far the stroke under way is in the picture that was last written
     Line *m_line = nullptr;
-    std::optional<QString> m_path; // the folder of the file
+    std::optional<QDir> fileManager; // the folder of the program, once the window was shown
+    std::optional<QString> m_path;   // of that folder, where the file lies
 };
 
 /// The drawing view: shows the stroke that is being drawn.
