@@ -4,6 +4,7 @@
 #include <files/tornfile.h>
 
 #include <QDataStream>
+#include <QIODevice>
 
 #include <algorithm>
 

@@ -52,7 +52,7 @@ QString RecoveryFolder::move(const QByteArray &file, const QString &name, Versio
 {
     return inFolder(m_path, [&] {
         // rename() replaces what is in its way, so the new name is taken first.
-        const QString path = create(name, reason).path;
+        QString path = create(name, reason).path;
         const QByteArray to = QFile::encodeName(path);
         try {
             renameFile(m_calls, file, to);

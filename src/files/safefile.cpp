@@ -111,7 +111,7 @@ QString SafeFile::erase()
     const QByteArray path = resolveSymlinks(m_path);
     const auto failure = failureOf([&] { removeItself(path); });
     const QString words = u"“%1” could not be removed: %2."_s;
-    const QString error = failure ? words.arg(fileName(), failure->message()) : QString();
+    QString error = failure ? words.arg(fileName(), failure->message()) : QString();
     if (failure && failure->code != ENOENT)
         return error;
     m_seen = {};
