@@ -45,7 +45,7 @@ ViewControllerNotes::ViewControllerNotes(TaskManager &store, Documents &document
 ViewControllerNotes::~ViewControllerNotes()
 {
     // The last chance of a text that could not be saved when the window went away.
-    if (ViewControllerNotes::isUnsaved())
+    if (isUnsaved())
         saveToFile();
 }
 

@@ -20,7 +20,7 @@ class TaskManager;
 /// The notes pad: one text, loaded when the window is made, saved while it is shown, every 30 seconds and
 /// soon after the last key, and once more when it goes away. What another program makes of the file is shown,
 /// unless the text here is not saved.
-class ViewControllerNotes : public FileWindow
+class ViewControllerNotes final : public FileWindow
 {
     Q_OBJECT
 

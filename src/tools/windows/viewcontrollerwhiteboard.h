@@ -21,7 +21,7 @@ class UIUtil;
 
 /// The whiteboard: freehand sketches in a window of fixed size. The picture lies in one PNG file of the
 /// working folder, into which every stroke goes as it ends.
-class ViewControllerWhiteboard : public FileWindow
+class ViewControllerWhiteboard final : public FileWindow
 {
     Q_OBJECT
 
