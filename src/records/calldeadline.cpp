@@ -5,78 +5,37 @@
 
 namespace oblino {
 
-CallDeadline::CallDeadline(std::chrono::milliseconds limit)
-    : m_limit(limit)
-    , m_thread([this] { watch(); })
+using namespace std::chrono_literals;
+
+CallDeadline::CallDeadline(int socket, std::chrono::milliseconds limit, const std::atomic<bool> &cancelled)
+    : m_socket(socket)
 {
+    if (socket >= 0)
+        m_thread = std::jthread(
+            [this, limit, &cancelled](const std::stop_token &stop) { watch(stop, limit, cancelled); });
 }
 
 CallDeadline::~CallDeadline()
 {
-    {
-        const std::lock_guard lock(m_mutex);
-        m_stops = true;
-    }
-    m_changed.notify_all();
-    m_thread.join();
-    closeSocket();
-}
-
-void CallDeadline::begin(int socket)
-{
-    const std::lock_guard lock(m_mutex);
-    m_socket = socket;
-    m_wasCut = false;
-    m_end = Clock::now() + m_limit;
-    if (m_cutsAll)
-        cut();
-    m_changed.notify_all();
-}
-
-bool CallDeadline::end()
-{
-    const std::lock_guard lock(m_mutex);
-    closeSocket();
-    m_changed.notify_all();
-    return m_wasCut;
-}
-
-void CallDeadline::cutAll()
-{
-    const std::lock_guard lock(m_mutex);
-    m_cutsAll = true;
-    cut();
-}
-
-void CallDeadline::watch()
-{
-    std::unique_lock lock(m_mutex);
-    while (!m_stops) {
-        if (!m_end) {
-            m_changed.wait(lock);
-        } else if (m_changed.wait_until(lock, *m_end) == std::cv_status::timeout && m_end &&
-                   Clock::now() >= *m_end) {
-            cut();
-            m_end.reset();
-        }
-    }
-}
-
-// Its socket is a duplicate: the connection itself may already have closed its own and the number be in use
-// for something else.
-void CallDeadline::cut()
-{
-    m_wasCut = true;
-    if (m_socket >= 0)
-        ::shutdown(m_socket, SHUT_RDWR);
-}
-
-void CallDeadline::closeSocket()
-{
+    m_thread = {}; // stopped and joined
     if (m_socket >= 0)
         ::close(m_socket);
-    m_socket = -1;
-    m_end.reset();
+}
+
+// The descriptor is a duplicate: the connection may already have closed its own, and the number be in use for
+// something else.
+void CallDeadline::watch(const std::stop_token &stop, std::chrono::milliseconds limit,
+                         const std::atomic<bool> &cancelled)
+{
+    const auto end = std::chrono::steady_clock::now() + limit;
+    std::unique_lock lock(m_mutex);
+    while (!cancelled && std::chrono::steady_clock::now() < end) {
+        m_stopped.wait_for(lock, stop, 50ms, [] { return false; });
+        if (stop.stop_requested())
+            return;
+    }
+    m_wasCut = true;
+    ::shutdown(m_socket, SHUT_RDWR);
 }
 
 } // namespace oblino

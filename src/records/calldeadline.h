@@ -1,47 +1,37 @@
 #pragma once
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <mutex>
-#include <optional>
+#include <stop_token>
 #include <thread>
 
 namespace oblino {
 
-/// Keeps the calls on a connection from waiting for ever: it cuts the connection, and the call that waits
-/// fails. May be used from any thread.
+/// Keeps the calls on a connection from waiting for ever while it lives: it shuts the connection down when
+/// they have taken as long as the limit, or when they are cancelled, and the call that waits fails. None of
+/// libpq's own time-outs does that: the system of a server that hangs goes on to acknowledge what it gets.
 class CallDeadline
 {
 public:
-    explicit CallDeadline(std::chrono::milliseconds limit);
+    /// @param socket  a descriptor of the connection, which becomes the deadline's own; -1 for none
+    CallDeadline(int socket, std::chrono::milliseconds limit, const std::atomic<bool> &cancelled);
     CallDeadline(const CallDeadline &) = delete;
     CallDeadline &operator=(const CallDeadline &) = delete;
     ~CallDeadline();
 
-    /// A call begins that may take as long as the limit.
-    /// @param socket  a descriptor of the connection, which becomes the deadline's own; -1 for none
-    void begin(int socket);
-    /// It is over. @return whether it was cut
-    bool end();
-    /// Cuts the connection of the call that is going on, and of those that come.
-    void cutAll();
+    [[nodiscard]] bool wasCut() const { return m_wasCut; }
 
 private:
-    using Clock = std::chrono::steady_clock;
+    void watch(const std::stop_token &stop, std::chrono::milliseconds limit,
+               const std::atomic<bool> &cancelled);
 
-    void watch();
-    void cut();
-    void closeSocket();
-
-    std::chrono::milliseconds m_limit;
+    int m_socket;
+    std::atomic<bool> m_wasCut = false;
     std::mutex m_mutex;
-    std::condition_variable m_changed;
-    int m_socket = -1;
-    std::optional<Clock::time_point> m_end;
-    bool m_wasCut = false;
-    bool m_cutsAll = false;
-    bool m_stops = false;
-    std::thread m_thread;
+    std::condition_variable_any m_stopped;
+    std::jthread m_thread;
 };
 
 } // namespace oblino

@@ -5,6 +5,12 @@
 
 namespace oblino {
 
+QString StoreLocation::description() const
+{
+    return account.isRemote() ? QStringLiteral("%1@%2/%3").arg(account.user, account.host, account.database)
+                              : file;
+}
+
 QLatin1String wordOf(TlsMode mode)
 {
     switch (mode) {

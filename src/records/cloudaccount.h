@@ -25,6 +25,18 @@ struct CloudAccount
     friend bool operator==(const CloudAccount &, const CloudAccount &) = default;
 };
 
+/// Where cloud records lie: on the server of an account, or in a file of this machine.
+struct StoreLocation
+{
+    QString file; ///< for an account without a host; its folder is made (0700) when it is missing
+    CloudAccount account = {};
+    QString password = {};
+
+    /// For people: the file, or user, host and database.
+    [[nodiscard]] QString description() const;
+    friend bool operator==(const StoreLocation &, const StoreLocation &) = default;
+};
+
 /// The mode by the word that libpq and the account's file have for it.
 [[nodiscard]] QLatin1String wordOf(TlsMode mode);
 /// The mode of a word; VerifyFull for a word that is none, so that what is misspelt weakens nothing.

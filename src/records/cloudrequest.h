@@ -3,64 +3,108 @@
 #include <records/cloudcontainer.h>
 
 #include <QList>
-#include <QString>
 
+#include <memory>
 #include <optional>
-#include <variant>
+#include <span>
+#include <utility>
 
 namespace oblino {
 
-// What can be asked of a container, and what has come of it so far.
+class RecordStore;
 
-struct SaveRequest
+/// A record type in one database of a container.
+using RecordTable = std::pair<DatabaseScope, const RecordType *>;
+
+/// What was asked of a container, and what has come of it so far.
+class CloudRequest
 {
-    DatabaseScope scope;
-    CloudRecord record;
-    CloudDatabase::RecordHandler handler;
+public:
+    using Pointer = std::unique_ptr<CloudRequest>;
+    using Run = std::span<const Pointer>;
+
+    explicit CloudRequest(const RecordTable &table)
+        : m_table(table)
+    {
+    }
+    CloudRequest(const CloudRequest &) = delete;
+    CloudRequest &operator=(const CloudRequest &) = delete;
+    virtual ~CloudRequest() = default;
+
+    [[nodiscard]] const RecordTable &table() const { return m_table; }
+    [[nodiscard]] virtual bool isWriting() const { return false; }
+    /// Makes what it needs in the store. Not within a transaction. Throws CloudError.
+    virtual void prepare(RecordStore &store) const;
+    /// Whether one statement can process this one along with the requests before it.
+    [[nodiscard]] virtual bool joins(Run) const { return false; }
+    /// Processes the requests that joined this one, the first of them. Throws CloudError.
+    virtual void process(RecordStore &store, Run run) = 0;
+    /// Calls its handler.
+    virtual void answer() const = 0;
+
+    std::optional<CloudError> error;
+    int generation = 0; ///< of the container's location for which it was made
+
+private:
+    RecordTable m_table;
 };
 
-struct QueryRequest
+class SaveRequest : public CloudRequest
 {
-    DatabaseScope scope;
-    RecordQuery query;
-    CloudDatabase::QueryHandler handler;
-    QList<CloudRecord> found = {};
+public:
+    SaveRequest(DatabaseScope scope, const CloudRecord &record, CloudDatabase::RecordHandler handler);
+    [[nodiscard]] bool isWriting() const override { return true; }
+    [[nodiscard]] bool joins(Run run) const override;
+    void process(RecordStore &store, Run run) override;
+    void answer() const override;
+
+private:
+    CloudRecord m_record;
+    CloudDatabase::RecordHandler m_handler;
 };
 
-struct DeletionRequest
+class QueryRequest : public CloudRequest
 {
-    DatabaseScope scope;
-    RecordID record;
-    CloudDatabase::DeletionHandler handler;
+public:
+    QueryRequest(DatabaseScope scope, const RecordQuery &query, CloudDatabase::QueryHandler handler);
+    [[nodiscard]] bool joins(Run run) const override;
+    void process(RecordStore &store, Run run) override;
+    void answer() const override;
+
+private:
+    [[nodiscard]] QString searchKey() const;
+
+    RecordPredicate m_predicate;
+    CloudDatabase::QueryHandler m_handler;
+    QList<CloudRecord> m_found;
 };
 
-struct ZoneRequest
+class DeletionRequest : public CloudRequest
 {
-    DatabaseScope scope;
-    RecordZone zone;
-    CloudDatabase::ZoneHandler handler;
+public:
+    DeletionRequest(DatabaseScope scope, const RecordID &record, CloudDatabase::DeletionHandler handler);
+    [[nodiscard]] bool isWriting() const override { return true; }
+    [[nodiscard]] bool joins(Run run) const override;
+    void process(RecordStore &store, Run run) override;
+    void answer() const override;
+
+private:
+    QString m_recordName;
+    CloudDatabase::DeletionHandler m_handler;
 };
 
-struct StatusRequest
+class StatusRequest : public CloudRequest
 {
-    CloudContainer::StatusHandler handler;
-};
+public:
+    /// @param types  what the account must be able to keep in its private database
+    StatusRequest(const QList<const RecordType *> &types, CloudContainer::StatusHandler handler);
+    void prepare(RecordStore &store) const override;
+    void process(RecordStore &, Run) override {} // prepare() has told
+    void answer() const override;
 
-struct DiscoveryRequest
-{
-    QString phoneNumber;
-    CloudContainer::IdentityHandler handler;
-    std::optional<UserIdentity> identity = {};
+private:
+    QList<const RecordType *> m_types;
+    CloudContainer::StatusHandler m_handler;
 };
-
-struct CloudRequest
-{
-    std::variant<SaveRequest, QueryRequest, DeletionRequest, ZoneRequest, StatusRequest, DiscoveryRequest>
-        what;
-    std::optional<CloudError> error = {};
-};
-
-/// Calls the request's handler.
-void answer(const CloudRequest &request);
 
 } // namespace oblino

@@ -27,7 +27,7 @@ CloudSession::CloudSession(CloudAccounts accounts, QString recordFile, PasswordS
     , m_passwords(passwords)
     , m_types(types)
     , m_account(m_accounts.load())
-    , m_container(place(m_account, {}), types)
+    , m_container(location(m_account, {}), types)
 {
     m_container.setOnLoginRefused([this](const StoreLocation &used) {
         Dispatch::main(this, [this, used] { dropRefusedPassword(used); });
@@ -36,7 +36,7 @@ CloudSession::CloudSession(CloudAccounts accounts, QString recordFile, PasswordS
         readPassword();
 }
 
-StoreLocation CloudSession::place(const CloudAccount &account, const QString &password) const
+StoreLocation CloudSession::location(const CloudAccount &account, const QString &password) const
 {
     return {m_recordFile, account, password};
 }
@@ -81,7 +81,7 @@ void CloudSession::startWithoutPassword(bool remembered)
     if (m_isRemembered && !remembered)
         deletePassword();
     m_isRemembered = false;
-    m_container.setPlace(place(m_account, {}));
+    m_container.setLocation(location(m_account, {}));
     if (m_account.isRemote())
         readPassword();
     Q_EMIT passwordChanged();
@@ -106,7 +106,7 @@ void CloudSession::usePassword(const QString &password)
 {
     m_password = password;
     m_wasRefused = false;
-    m_container.setPlace(place(m_account, password));
+    m_container.setLocation(location(m_account, password));
     Q_EMIT passwordChanged();
 }
 

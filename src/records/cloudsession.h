@@ -27,7 +27,7 @@ public:
     [[nodiscard]] const CloudAccount &account() const { return m_account; }
     [[nodiscard]] const QList<const RecordType *> &recordTypes() const { return m_types; }
     /// Where the records of an account lie.
-    [[nodiscard]] StoreLocation place(const CloudAccount &account, const QString &password) const;
+    [[nodiscard]] StoreLocation location(const CloudAccount &account, const QString &password) const;
 
     /// Whether the account lies on a server and its password is not known, or not yet.
     [[nodiscard]] bool needsPassword() const { return m_account.isRemote() && !m_password; }

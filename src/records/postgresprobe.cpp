@@ -8,9 +8,8 @@
 
 #include <poll.h>
 
-#include <algorithm>
-#include <array>
 #include <memory>
+#include <vector>
 
 namespace oblino {
 
@@ -21,32 +20,28 @@ namespace {
 using Clock = std::chrono::steady_clock;
 using Connection = std::unique_ptr<PGconn, decltype(PostgresLibrary::finish)>;
 
-QString words(const char *text)
+QString tr(const char *text)
 {
     return QCoreApplication::translate("CloudAccount", text);
 }
 
-Connection start(const PostgresLibrary &pq, const CloudAccount &account, const QString &password)
+Connection start(const PostgresLibrary &pq, const CloudAccount &account, const QString &password,
+                 std::chrono::milliseconds timeout)
 {
-    const QByteArray host = account.host.toUtf8();
-    const QByteArray port = QByteArray::number(account.port);
-    const QByteArray database = account.database.toUtf8();
-    const QByteArray user = account.user.toUtf8();
-    const QByteArray secret = password.toUtf8();
-    const QByteArray certificates = QFile::encodeName(rootCertificates(account.tlsMode));
-    const std::array names = {"host",
-                              "port",
-                              "dbname",
-                              "user",
-                              "password",
-                              "sslmode",
-                              "sslrootcert",
-                              "target_session_attrs",
-                              static_cast<const char *>(nullptr)};
-    const std::array values = {
-        host.constData(),         port.constData(),   database.constData(),
-        user.constData(),         secret.constData(), wordOf(account.tlsMode).data(),
-        certificates.constData(), "read-write",       static_cast<const char *>(nullptr)};
+    QList<std::pair<QByteArray, QByteArray>> parameters = connectOptions(account, timeout);
+    parameters += {{"host", account.host.toUtf8()},
+                   {"port", QByteArray::number(account.port)},
+                   {"dbname", account.database.toUtf8()},
+                   {"user", account.user.toUtf8()},
+                   {"password", password.toUtf8()}};
+    std::vector<const char *> names;
+    std::vector<const char *> values;
+    for (const auto &[name, value] : std::as_const(parameters)) {
+        names.push_back(name.constData());
+        values.push_back(value.constData());
+    }
+    names.push_back(nullptr);
+    values.push_back(nullptr);
     Connection connection(pq.connectStartParams(names.data(), values.data(), 0), pq.finish);
     // The words of a server come in its own language; the code before them does not.
     if (connection)
@@ -55,8 +50,8 @@ Connection start(const PostgresLibrary &pq, const CloudAccount &account, const Q
 }
 
 // @return the state in which the attempt ended, PGRES_POLLING_READING where time ran out
-PostgresPollingStatusType settle(const PostgresLibrary &pq, PGconn *connection, Clock::time_point end,
-                                 const std::atomic<bool> &cancelled)
+PostgresPollingStatusType complete(const PostgresLibrary &pq, PGconn *connection, Clock::time_point end,
+                                   const std::atomic<bool> &cancelled)
 {
     PostgresPollingStatusType state = PGRES_POLLING_WRITING;
     while (state == PGRES_POLLING_READING || state == PGRES_POLLING_WRITING) {
@@ -80,7 +75,7 @@ QString onOneLine(QString message)
 CloudError unreachable(const CloudAccount &account, const QString &detail)
 {
     return {CloudError::Code::Unreachable,
-            (words("The server %1 cannot be reached on port %2.").arg(account.host).arg(account.port) +
+            (tr("The server %1 cannot be reached on port %2.").arg(account.host).arg(account.port) +
              QLatin1Char(' ') + detail)
                 .trimmed()};
 }
@@ -97,18 +92,18 @@ CloudError errorOf(const CloudAccount &account, const QString &message)
     case CloudError::Code::LoginRefused:
         return {CloudError::Code::LoginRefused,
                 state == QLatin1String("28P01")
-                    ? words("Wrong password: the server refused the user name or the password.")
-                    : words("The server refused the sign-in: %1").arg(match.captured(2))};
+                    ? tr("Wrong password: the server refused the user name or the password.")
+                    : tr("The server refused the sign-in: %1").arg(match.captured(2))};
     case CloudError::Code::RightsRefused:
         return {CloudError::Code::RightsRefused,
-                words("The user has no right to use the database %1.").arg(account.database)};
+                tr("The user has no right to use the database %1.").arg(account.database)};
     case CloudError::Code::Unreachable:
     case CloudError::Code::Other:
         break;
     }
     if (state == QLatin1String("3D000"))
-        return {CloudError::Code::Other, words("The server has no database named %1.").arg(account.database)};
-    return {codeOfState(state), words("The server says: %1").arg(match.captured(2))};
+        return {CloudError::Code::Other, tr("The server has no database named %1.").arg(account.database)};
+    return {codeOfState(state), tr("The server says: %1").arg(match.captured(2))};
 }
 
 } // namespace
@@ -126,29 +121,39 @@ CloudError::Code codeOfState(const QString &sqlState)
     return CloudError::Code::Other;
 }
 
-std::optional<CloudError> probePostgres(const CloudAccount &account, const QString &password,
-                                        std::chrono::milliseconds timeout, const std::atomic<bool> &cancelled)
+QList<std::pair<QByteArray, QByteArray>> connectOptions(const CloudAccount &account,
+                                                        std::chrono::milliseconds timeout)
+{
+    const auto seconds = std::chrono::ceil<std::chrono::seconds>(timeout).count();
+    return {{"sslmode", wordOf(account.tlsMode).data()},
+            {"sslrootcert", QFile::encodeName(rootCertificates(account.tlsMode))},
+            {"target_session_attrs", "read-write"},
+            {"connect_timeout", QByteArray::number(seconds)},
+            {"tcp_user_timeout", QByteArray::number(timeout.count())}}; // of a connection that is gone unseen
+}
+
+void probePostgres(const CloudAccount &account, const QString &password, std::chrono::milliseconds timeout,
+                   const std::atomic<bool> &cancelled)
 {
     const Clock::time_point end = Clock::now() + timeout;
     const PostgresLibrary *pq = PostgresLibrary::get();
     if (!pq)
-        return CloudError{CloudError::Code::Other,
-                          words("The PostgreSQL library (libpq5) is not installed.")};
-    const Connection connection = start(*pq, account, password);
-    if (!connection || pq->status(connection.get()) == CONNECTION_BAD) {
-        const QString message =
-            connection ? QString::fromUtf8(pq->errorMessage(connection.get())) : QString();
-        return unreachable(account, onOneLine(message));
-    }
-    switch (settle(*pq, connection.get(), end, cancelled)) {
+        throw CloudError{CloudError::Code::Other, tr("The PostgreSQL library (libpq5) is not installed.")};
+    const Connection connection = start(*pq, account, password, timeout);
+    const auto message = [&] {
+        return connection ? QString::fromUtf8(pq->errorMessage(connection.get())) : QString();
+    };
+    if (!connection || pq->status(connection.get()) == CONNECTION_BAD)
+        throw unreachable(account, onOneLine(message()));
+    switch (complete(*pq, connection.get(), end, cancelled)) {
     case PGRES_POLLING_OK:
-        return std::nullopt;
+        return;
     case PGRES_POLLING_FAILED:
         if (pq->needsPassword(connection.get()))
-            return CloudError{CloudError::Code::LoginRefused, words("The server asks for a password.")};
-        return errorOf(account, QString::fromUtf8(pq->errorMessage(connection.get())));
+            throw CloudError{CloudError::Code::LoginRefused, tr("The server asks for a password.")};
+        throw errorOf(account, message());
     default:
-        return unreachable(account, words("It does not answer."));
+        throw unreachable(account, tr("It does not answer."));
     }
 }
 

@@ -1,13 +1,10 @@
 #include <records/recordsql.h>
 
-#include <QDateTime>
+#include <QSqlQuery>
 
 namespace oblino {
 
 namespace {
-
-const QString recordName = QStringLiteral("recordName");
-const QString created = QStringLiteral("created");
 
 QString columnType(FieldType type)
 {
@@ -42,12 +39,40 @@ QString scopeName(DatabaseScope scope)
 constexpr QChar nul(u'\0');
 constexpr QChar nulStandIn(u'\uFDD0');
 
-QDateTime momentOf(qint64 milliseconds, RecordSql::DateTimeCache &moments)
+// The value that was stored; invalid where the store holds something of another type.
+QVariant loaded(FieldType type, const QVariant &value, RecordSql::DateTimeCache &times)
 {
-    const auto known = moments.constFind(milliseconds);
-    return known != moments.cend()
-               ? *known
-               : *moments.insert(milliseconds, QDateTime::fromMSecsSinceEpoch(milliseconds));
+    const int id = value.typeId();
+    // QPSQL gives whole numbers without a sign as unsigned ones.
+    const bool whole = id == QMetaType::LongLong || id == QMetaType::ULongLong || id == QMetaType::Int;
+    const bool fits = type == FieldType::Text     ? id == QMetaType::QString
+                      : type == FieldType::Double ? whole || id == QMetaType::Double
+                                                  : whole;
+    if (value.isNull() || !fits)
+        return {};
+    switch (type) {
+    case FieldType::Text: {
+        QString text = value.toString();
+        return text.contains(nulStandIn) ? QVariant(text.replace(nulStandIn, nul)) : value;
+    }
+    case FieldType::Double:
+        return value.toDouble();
+    case FieldType::DateTime: {
+        QDateTime &time = times[value.toLongLong()];
+        return time = time.isNull() ? QDateTime::fromMSecsSinceEpoch(value.toLongLong()) : time;
+    }
+    case FieldType::Boolean:
+        return value.toLongLong() != 0;
+    case FieldType::Integer:
+        break;
+    }
+    return value.toLongLong();
+}
+
+// `count` times `piece`, with commas between.
+QString repeated(const QString &piece, qsizetype count)
+{
+    return QStringList(count, piece).join(QLatin1String(", "));
 }
 
 } // namespace
@@ -59,29 +84,23 @@ QString quotedName(const QString &name)
     return QLatin1Char('"') + quoted + QLatin1Char('"');
 }
 
-QString repeated(const QString &piece, qsizetype count)
-{
-    return QStringList(count, piece).join(QLatin1String(", "));
-}
-
 RecordSql::RecordSql(DatabaseScope scope, const RecordType &type)
     : m_type(type)
     , m_tableName(QStringLiteral("cloud_%1_%2").arg(scopeName(scope), type.name()))
     , m_table(quotedName(m_tableName))
-    , m_columns(quotedName(recordName))
 {
     for (const RecordField &field : type.fields())
-        m_columns += QLatin1String(", ") + quotedName(field.key);
+        m_columns += quotedName(field.key);
 }
 
 QStringList RecordSql::creation() const
 {
-    QString columns = quotedName(recordName) + QLatin1String(" TEXT PRIMARY KEY");
+    QString columns;
     for (const RecordField &field : m_type.fields())
-        columns += QLatin1String(", ") + quotedName(field.key) + QLatin1Char(' ') + columnType(field.type);
-    columns += QLatin1String(", ") + quotedName(created) + QLatin1String(" BIGINT");
+        columns += quotedName(field.key) + QLatin1Char(' ') + columnType(field.type) + QLatin1String(", ");
     const QString key = m_type.indexedKey();
-    return {QStringLiteral("CREATE TABLE %1 (%2)").arg(m_table, columns),
+    return {QStringLiteral("CREATE TABLE %1 (\"recordName\" TEXT PRIMARY KEY, %2\"created\" BIGINT)")
+                .arg(m_table, columns),
             QStringLiteral("CREATE INDEX %1 ON %2 (%3)")
                 .arg(quotedName(m_tableName + QLatin1Char('_') + key), m_table, quotedName(key))};
 }
@@ -92,12 +111,12 @@ QString RecordSql::upsert(qsizetype rows) const
     if (!made.isEmpty())
         return made;
     QStringList changes;
-    for (const RecordField &field : m_type.fields())
-        changes += QStringLiteral("%1 = excluded.%1").arg(quotedName(field.key));
-    const QString row =
-        QLatin1Char('(') + repeated(QStringLiteral("?"), m_type.fields().size() + 2) + QLatin1Char(')');
-    made = QStringLiteral("INSERT INTO %1 (%2, %3) VALUES %4 ON CONFLICT (%5) DO UPDATE SET %6")
-               .arg(m_table, m_columns, quotedName(created), repeated(row, rows), quotedName(recordName),
+    for (const QString &column : m_columns)
+        changes += QStringLiteral("%1 = excluded.%1").arg(column);
+    const QString row = QStringLiteral("(%1)").arg(repeated(QStringLiteral("?"), m_columns.size() + 2));
+    made = QStringLiteral("INSERT INTO %1 (\"recordName\", %2, \"created\") VALUES %3 "
+                          "ON CONFLICT (\"recordName\") DO UPDATE SET %4")
+               .arg(m_table, m_columns.join(QLatin1String(", ")), repeated(row, rows),
                     changes.join(QLatin1String(", ")));
     return made;
 }
@@ -108,21 +127,21 @@ QString RecordSql::select(const QString &key, qsizetype values) const
     if (!key.isEmpty())
         where =
             QStringLiteral(" WHERE %1 IN (%2)").arg(quotedName(key), repeated(QStringLiteral("?"), values));
-    return QStringLiteral("SELECT %1 FROM %2%3 ORDER BY %4, %5")
-        .arg(m_columns, m_table, where, quotedName(created), quotedName(recordName));
+    return QStringLiteral("SELECT \"recordName\", %1 FROM %2%3 ORDER BY \"created\", \"recordName\"")
+        .arg(m_columns.join(QLatin1String(", ")), m_table, where);
 }
 
 QString RecordSql::deletion(qsizetype rows) const
 {
-    return QStringLiteral("DELETE FROM %1 WHERE %2 IN (%3)")
-        .arg(m_table, quotedName(recordName), repeated(QStringLiteral("?"), rows));
+    return QStringLiteral("DELETE FROM %1 WHERE \"recordName\" IN (%2)")
+        .arg(m_table, repeated(QStringLiteral("?"), rows));
 }
 
 QStringList RecordSql::rightsCheck() const
 {
-    const QString name = quotedName(recordName);
-    return {QStringLiteral("INSERT INTO %1 (%2) SELECT %2 FROM %1 WHERE 1 = 0").arg(m_table, name),
-            QStringLiteral("UPDATE %1 SET %2 = %2 WHERE 1 = 0").arg(m_table, name),
+    return {QStringLiteral("INSERT INTO %1 (\"recordName\") SELECT \"recordName\" FROM %1 WHERE 1 = 0")
+                .arg(m_table),
+            QStringLiteral("UPDATE %1 SET \"recordName\" = \"recordName\" WHERE 1 = 0").arg(m_table),
             QStringLiteral("DELETE FROM %1 WHERE 1 = 0").arg(m_table)};
 }
 
@@ -158,31 +177,12 @@ QVariant RecordSql::stored(FieldType type, const QVariant &value)
     return value;
 }
 
-QVariant RecordSql::loaded(FieldType type, const QVariant &value, DateTimeCache &moments)
+CloudRecord RecordSql::record(const QSqlQuery &row, DateTimeCache &times) const
 {
-    const int held = value.typeId();
-    // QPSQL gives whole numbers without a sign as unsigned ones.
-    const bool whole = held == QMetaType::LongLong || held == QMetaType::ULongLong || held == QMetaType::Int;
-    const bool fits = type == FieldType::Text     ? held == QMetaType::QString
-                      : type == FieldType::Double ? whole || held == QMetaType::Double
-                                                  : whole;
-    if (value.isNull() || !fits)
-        return {};
-    switch (type) {
-    case FieldType::Text: {
-        QString text = value.toString();
-        return text.contains(nulStandIn) ? QVariant(text.replace(nulStandIn, nul)) : value;
-    }
-    case FieldType::Double:
-        return value.toDouble();
-    case FieldType::DateTime:
-        return momentOf(value.toLongLong(), moments);
-    case FieldType::Boolean:
-        return value.toLongLong() != 0;
-    case FieldType::Integer:
-        break;
-    }
-    return value.toLongLong();
+    CloudRecord found(m_type, loaded(FieldType::Text, row.value(0), times).toString());
+    for (int field = 0; field < m_type.fields().size(); ++field)
+        found.setValue(field, loaded(m_type.fields().at(field).type, row.value(field + 1), times));
+    return found;
 }
 
 } // namespace oblino

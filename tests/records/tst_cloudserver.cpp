@@ -75,7 +75,7 @@ private Q_SLOTS:
         HeldAnswer held(*container);
         const auto waited = saveMany(*container, 5);
         m_place.password = password;
-        container->setPlace(m_place);
+        container->setLocation(m_place);
         held.release();
         QCOMPARE(std::get<0>(find(*container)).size(), 5);
         QCOMPARE(waited->good, 5);

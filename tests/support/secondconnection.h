@@ -1,6 +1,6 @@
 #pragma once
 
-#include <records/recordstore.h>
+#include <records/cloudaccount.h>
 
 #include <QSqlDatabase>
 #include <QSqlError>

@@ -269,9 +269,9 @@ void CloudAccountWindow::startTest()
     m_ui->testResult->show();
     m_test = std::make_shared<Test>();
     m_test->window = this;
-    const StoreLocation place = m_session.place(entered(), m_ui->passwordField->text());
-    Dispatch::background(Dispatch::Priority::High, [test = m_test, place, types = m_session.recordTypes()] {
-        const std::optional<CloudError> error = testConnection(place, types, test->isCancelled);
+    const StoreLocation location = m_session.location(entered(), m_ui->passwordField->text());
+    Dispatch::background(Dispatch::Priority::High, [test = m_test, location, types = m_session.recordTypes()] {
+        const std::optional<CloudError> error = testConnection(location, types, test->isCancelled);
         const std::lock_guard lock(test->mutex);
         if (test->window) {
             Dispatch::main(test->window, [test, error] {
