@@ -2,6 +2,7 @@
 
 #include <base/clock.h>
 #include <base/trace.h>
+#include <base/utf8.h>
 #include <core/tasklistwriter.h>
 #include <core/taskmanager.h>
 #include <core/taskrowreader.h>
@@ -64,8 +65,8 @@ QStringView withoutHeading(QStringView row)
 
 TaskListText decodedTaskList(const QByteArray &bytes)
 {
-    if (QUtf8StringView(bytes).isValidUtf8())
-        return {QString::fromUtf8(bytes), {}};
+    if (std::optional<QString> text = decodedUtf8(bytes))
+        return {*std::move(text), {}};
     TaskListText result;
     QByteArray valid;
     const QList<QByteArray> rows = bytes.split(separatorRowsFile);

@@ -1,13 +1,13 @@
 #include <messaging/smsgateway.h>
 
 #include <base/trace.h>
+#include <base/utf8.h>
 #include <core/taskmanager.h>
 #include <messaging/httpclient.h>
 #include <messaging/sendingstate.h>
 #include <messaging/smsmessage.h>
 
 #include <QCoreApplication>
-#include <QStringDecoder>
 
 #include <atomic>
 #include <memory>
@@ -27,13 +27,6 @@ struct Outcome
     std::atomic<bool> success = true;
     std::atomic<bool> finished = false;
 };
-
-std::optional<QString> decoded(const QByteArray &body)
-{
-    QStringDecoder decoder(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
-    const QString text = decoder(body);
-    return decoder.hasError() ? std::nullopt : std::optional(text);
-}
 
 void fail(const QString &reason, Outcome &outcome)
 {
@@ -58,7 +51,7 @@ void judge(const QString &response, Outcome &outcome)
 void handle(const HttpAnswer &answer, Outcome &outcome)
 {
     trace("Finished");
-    const std::optional<QString> response = answer.body ? decoded(*answer.body) : std::nullopt;
+    const std::optional<QString> response = answer.body ? decodedUtf8(*answer.body) : std::nullopt;
     if (response)
         judge(*response, outcome);
     else

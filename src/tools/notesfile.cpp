@@ -1,8 +1,7 @@
 #include <tools/notesfile.h>
 
+#include <base/utf8.h>
 #include <tools/lineends.h>
-
-#include <QStringDecoder>
 
 #include <cstring>
 #include <utility>
@@ -19,10 +18,7 @@ QString sentence(const QString &words)
 // A byte order mark is a character like others here, or an edit would lose it.
 std::optional<QString> decoded(const QByteArray &bytes)
 {
-    QStringDecoder decoder(QStringDecoder::Utf8,
-                           QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
-    QString text = decoder(bytes);
-    return decoder.hasError() ? std::nullopt : std::optional(std::move(text));
+    return decodedUtf8(bytes, QStringDecoder::Flag::ConvertInitialBom);
 }
 
 NotesFile::Reading textIn(const FileReading &reading)
