@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QDateTime>
+#include <QLocale>
 #include <QString>
 
 #include <concepts>
@@ -33,19 +34,35 @@ public:
 };
 
 /// Appends the trace form of a value to a line. Types of other rooms add overloads beside the type.
-void appendTrace(QByteArray &line, bool value);
-void appendTrace(QByteArray &line, qint64 value);
-void appendTrace(QByteArray &line, double value);
-void appendTrace(QByteArray &line, const char *value);
-void appendTrace(QByteArray &line, const QByteArray &value);
-void appendTrace(QByteArray &line, QStringView value);
-void appendTrace(QByteArray &line, const QDateTime &value);
-
-template<typename Integer>
-requires(std::integral<Integer> && !std::same_as<Integer, bool> &&
-         !std::same_as<Integer, qint64>) void appendTrace(QByteArray &line, Integer value)
+inline void appendTrace(QByteArray &line, bool value)
 {
-    appendTrace(line, static_cast<qint64>(value));
+    line += value ? "true" : "false";
+}
+inline void appendTrace(QByteArray &line, const char *value)
+{
+    line += value;
+}
+inline void appendTrace(QByteArray &line, const QByteArray &value)
+{
+    line += value;
+}
+inline void appendTrace(QByteArray &line, QStringView value)
+{
+    line += value.toUtf8();
+}
+inline void appendTrace(QByteArray &line, const QDateTime &value)
+{
+    line += value.toString(Qt::ISODate).toUtf8();
+}
+inline void appendTrace(QByteArray &line, double value)
+{
+    line += QByteArray::number(value, 'g', QLocale::FloatingPointShortest);
+}
+
+template<std::integral Integer>
+requires(!std::same_as<Integer, bool>) void appendTrace(QByteArray &line, Integer value)
+{
+    line += QByteArray::number(qint64(value));
 }
 
 template<typename List>
@@ -72,9 +89,7 @@ void trace(const Values &...values)
 {
     if (!Trace::enabled())
         return;
-    constexpr qsizetype usualLine = 800; // bytes
     QByteArray line;
-    line.reserve(usualLine);
     auto append = [&line, first = true](const auto &value) mutable {
         if (!first)
             line += ' ';
