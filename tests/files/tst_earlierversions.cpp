@@ -1,12 +1,10 @@
 #include <support/faultyfilecalls.h>
 #include <support/place.h>
-#include <support/table.h>
 #include <support/testmain.h>
 #include <support/unprivileged.h>
 
-#include <files/documents.h>
+#include <files/earlierversions.h>
 
-#include <QRegularExpression>
 #include <QTest>
 
 #include <unistd.h>
@@ -50,61 +48,38 @@ class tst_earlierversions : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void knowsAVersionByItsName_data()
-    {
-        const auto at = [](const char *time) {
-            return QDateTime::fromString(QLatin1StringView(time), Qt::ISODate);
-        };
-        const Table<QString, std::optional<Reason>, QDateTime, int> row;
-        row("kept", u"2024-03-07 09.05.01 [daily] plan.txt"_s, Reason::Daily, at("2024-03-07T09:05:01"), 1);
-        row("the second of a second", u"2024-03-07 09.05.01 (2) [rescued] plan.txt"_s, Reason::Rescued,
-            at("2024-03-07T09:05:01"), 2);
-        row("the record of a save", u"2024-03-07 09.05.01 [damaged] plan.txt.journal"_s, Reason::Damaged,
-            at("2024-03-07T09:05:01"), 1);
-        row("of a later release", u"2024-03-07 09.05.01 [other] plan.txt"_s, Reason::OtherProgram,
-            at("2024-03-07T09:05:01"), 1);
-        row("no such day", u"2024-13-07 09.05.01 [daily] plan.txt"_s, {}, {}, 1);
-        row("of another file", u"2024-03-07 09.05.01 [daily] my plan.txt"_s, {}, {}, 1);
-        row("of a longer name", u"2024-03-07 09.05.01 [daily] plan.txt~"_s, {}, {}, 1);
-        row("the file itself", u"plan.txt"_s, {}, {}, 1);
-    }
-    void knowsAVersionByItsName()
-    {
-        const auto [fileName, reason, time, number] =
-            Table<QString, std::optional<Reason>, QDateTime, int>::cells();
-        const std::optional<VersionName> name = VersionName::parse(fileName, u"plan.txt"_s);
-        QCOMPARE(name.has_value(), reason.has_value());
-        if (name) {
-            QCOMPARE(name->reason, *reason);
-            QCOMPARE(name->time, time);
-            QCOMPARE(name->number, number);
-        }
-    }
-
     void listsWhatWasKeptNewestFirst()
     {
         Folders place;
-        put(place.paths[0] + u"/2024-03-07 09.05.01 (2) [daily] plan.txt"_s, "second");
-        put(place.paths[0] + u"/2024-03-07 09.05.01 [daily] plan.txt"_s, "first");
-        put(place.paths[0] + u"/2024-03-08 09.05.01 [daily] other.txt"_s, "of another file");
+        const QStringList kept = {
+            u"2024-03-07 09.05.01 [daily] plan.txt"_s, u"2024-03-07 09.05.01 (2) [daily] plan.txt"_s,
+            u"2024-03-08 09.05.01 [unheard] plan.txt"_s, // a later release may know that
+            u"2024-03-09 09.05.01 [damaged] plan.txt.journal"_s};
+        const QStringList others = {u"2024-03-08 09.05.01 [daily] my plan.txt"_s,
+                                    u"2024-03-08 09.05.01 [daily] plan.txt~"_s,
+                                    u"2024-13-08 09.05.01 [daily] plan.txt"_s, u"plan.txt"_s};
+        for (const QString &name : kept + others)
+            put(place.paths[0] + u'/' + name, name.toUtf8());
         put(place.paths[1] + u"/2024-03-08 09.05.01 [daily] plan.txt"_s, "the user's own copy");
-        put(place.paths[1] + u"/2024-03-08 09.05.01 [rescued] plan.txt"_s, "rescued");
+        put(place.paths[1] + u"/2024-03-10 09.05.01 [rescued] plan.txt"_s, "rescued");
         QCOMPARE(place.versions.keep("kept now", Reason::Restored), QString());
         QByteArrayList contents;
         for (const EarlierVersion &version : place.versions.list())
             contents << place.versions.read(version).bytes;
-        QCOMPARE(contents, (QByteArrayList{"kept now", "rescued", "second", "first"}));
-        QCOMPARE(place.versions.list().first().reason, Reason::Restored);
-        QCOMPARE(statusOf(place.versions.list().first().path).st_mode, S_IFREG | 0600U);
+        QCOMPARE(contents, (QByteArrayList{"kept now", "rescued", kept[3].toUtf8(), kept[2].toUtf8(),
+                                           kept[1].toUtf8(), kept[0].toUtf8()}));
+        const QList<EarlierVersion> list = place.versions.list();
+        QCOMPARE(list.first().reason, Reason::Restored);
+        QCOMPARE(list[3].reason, Reason::OtherProgram);
+        QCOMPARE(list.last().time, QDateTime(QDate(2024, 3, 7), QTime(9, 5, 1)));
+        QCOMPARE(statusOf(list.first().path).st_mode, S_IFREG | 0600U);
 
-        QCOMPARE(place.versions.remove(place.versions.list().constLast()), QString());
-        QCOMPARE(place.allWith("first"), QStringList());
+        QCOMPARE(place.versions.remove(list.last()), QString());
+        QCOMPARE(place.allWith(kept[0].toUtf8()), QStringList());
         QCOMPARE(place.versions.removeAll(), QString());
         QVERIFY(place.versions.list().isEmpty());
-        QCOMPARE((place.allWith("rescued") + place.allWith("second") + place.allWith("kept now")),
-                 QStringList());
+        QCOMPARE(QDir(place.paths[0]).entryList(QDir::Files).size(), others.size());
         QCOMPARE(place.allWith("the user's own copy").size(), 1);
-        QCOMPARE(place.allWith("of another file").size(), 1);
     }
 
     void rescuesToTheFirstFolderThatTakesIt()
@@ -185,25 +160,6 @@ private Q_SLOTS:
         for (const EarlierVersion &version : place.versions.list())
             left << contentOf(version.path);
         QCOMPARE(left, (QByteArrayList{"daily0", "daily29", "daily30", "aside40", "rescued50", "rescued51"}));
-    }
-
-    void erasingDestroysWhatWasRescuedToo()
-    {
-        const Folders place;
-        qputenv("XDG_STATE_HOME", QFile::encodeName(place.folder.filePath(u"state"_s)));
-        qputenv("TMPDIR", QFile::encodeName(place.paths.last()));
-        for (const bool hasFolder : {true, false}) {
-            put(place.path, "secret");
-            for (const QString &folder : place.paths)
-                put(folder + u"/2024-03-08 09.05.01 [rescued] plan.txt"_s, "secret");
-            Documents documents(hasFolder ? std::optional(place.paths[1]) : std::nullopt,
-                                place.privateFolder);
-            QCOMPARE(documents.versions(u"plan.txt"_s).rescued().size(), hasFolder ? 4 : 3);
-            const QString error = documents.erase(u"plan.txt"_s);
-            QCOMPARE(error, hasFolder ? QString() : u"There is no documents folder."_s);
-            QCOMPARE(place.allWith("secret").size(), hasFolder ? 0 : 2); // in the folder that nobody names
-        }
-        qunsetenv("TMPDIR");
     }
 
     void looksInTheFoldersOfThisUser()

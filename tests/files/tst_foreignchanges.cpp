@@ -1,3 +1,4 @@
+#include <support/faultyfilecalls.h>
 #include <support/place.h>
 #include <support/table.h>
 #include <support/testmain.h>
@@ -5,7 +6,6 @@
 #include <QTest>
 
 #include <functional>
-#include <map>
 
 using namespace oblino;
 using namespace Qt::Literals::StringLiterals;
@@ -18,7 +18,7 @@ const QByteArray newText = QByteArray("two and a line\n").repeated(700);
 const QByteArray otherText = "three, something else again\n";
 
 /// The calls of this machine, before one of which another program does something to the user's file.
-class DisturbedFileCalls : public FileCalls
+class DisturbedFileCalls : public FaultyFileCalls
 {
 public:
     DisturbedFileCalls(QByteArray userFile, std::function<void()> deed)
@@ -27,92 +27,33 @@ public:
     {
     }
 
-    void arm(int number) { m_left = number; }
-    [[nodiscard]] bool hasStruck() const { return !struckCall.isEmpty(); }
+    void disturb(int number) { m_left = number; }
+    [[nodiscard]] bool isDisturbed() const { return !struckCall.isEmpty(); }
 
     QByteArray struckCall;   ///< the call before which that was
     bool isLookedAt = false; ///< the file's bytes or name were looked at since
     bool isWritten = false;  ///< the file was written or synced since
     bool isAtOnce = true;    ///< nothing but the end of a look came between that and the next writing
 
-    int open(const QByteArray &path, int flags, mode_t mode) override
-    {
-        step("open", path, Kind::Else);
-        const int fd = FileCalls::open(path, flags, mode);
-        m_paths[fd] = path;
-        return fd;
-    }
-    int close(int fd) override
-    {
-        step("close", m_paths[fd], Kind::Else);
-        return FileCalls::close(fd);
-    }
-    int fstat(int fd, struct stat *status) override
-    {
-        step("fstat", m_paths[fd], Kind::Else);
-        return FileCalls::fstat(fd, status);
-    }
-    int stat(const QByteArray &path, struct stat *status) override
-    {
-        step("stat", path, Kind::LookAtName);
-        return FileCalls::stat(path, status);
-    }
-    ssize_t pread(int fd, char *data, size_t size, off_t offset) override
-    {
-        step("pread", m_paths[fd], offset == 0 ? Kind::LookAtBytes : Kind::EndOfLook);
-        return FileCalls::pread(fd, data, size, offset);
-    }
-    ssize_t pwrite(int fd, const char *data, size_t size, off_t offset) override
-    {
-        step("pwrite", m_paths[fd], Kind::Write);
-        return FileCalls::pwrite(fd, data, size, offset);
-    }
-    int ftruncate(int fd, off_t size) override
-    {
-        step("ftruncate", m_paths[fd], Kind::Write);
-        return FileCalls::ftruncate(fd, size);
-    }
-    int reserve(int fd, off_t size) override
-    {
-        step("reserve", m_paths[fd], Kind::Else);
-        return FileCalls::reserve(fd, size);
-    }
-    int fsync(int fd) override
-    {
-        step("fsync", m_paths[fd], Kind::Write);
-        return FileCalls::fsync(fd);
-    }
-    int rename(const QByteArray &from, const QByteArray &to) override
-    {
-        step("rename", to, Kind::Else);
-        return FileCalls::rename(from, to);
-    }
-    int unlink(const QByteArray &path) override
-    {
-        step("unlink", path, Kind::Else);
-        return FileCalls::unlink(path);
-    }
-
 private:
-    enum class Kind { Else, LookAtBytes, EndOfLook, LookAtName, Write };
-
-    void step(const char *call, const QByteArray &path, Kind kind)
+    void before(const Call &call) override
     {
         if (--m_left == 0) {
-            struckCall = QByteArray(call) + " of " + path;
+            struckCall = QByteArray(call.name) + " of " + call.path;
             m_deed();
         }
-        if (m_left > 0 || !hasStruck())
+        if (m_left > 0 || !isDisturbed())
             return;
-        const Kind own = path == m_userFile ? kind : Kind::Else;
-        isAtOnce &= isWritten || own == Kind::EndOfLook || own == Kind::LookAtName || own == Kind::Write;
-        isWritten |= own == Kind::Write;
-        isLookedAt |= own == Kind::LookAtBytes || own == Kind::LookAtName;
+        const QByteArray name = call.path == m_userFile ? call.name : "";
+        const bool isWriting = name == "pwrite" || name == "ftruncate" || name == "fsync";
+        const bool isEndOfLook = name == "pread" && call.offset > 0;
+        isAtOnce &= isWritten || isWriting || isEndOfLook || name == "stat";
+        isWritten |= isWriting;
+        isLookedAt |= name == "stat" || (name == "pread" && !isEndOfLook);
     }
 
     QByteArray m_userFile;
     std::function<void()> m_deed;
-    std::map<int, QByteArray> m_paths;
     int m_left = 0;
 };
 
@@ -163,10 +104,10 @@ private Q_SLOTS:
             DisturbedFileCalls calls(place.encodedPath(), [&] { deed(place); });
             SafeFile file(place.path, place.privateFolder, calls);
             QVERIFY(file.read().bytes == before);
-            calls.arm(number);
+            calls.disturb(number);
             const FileWriting saved = file.write(after);
-            struck = calls.hasStruck();
-            calls.arm(0);
+            struck = calls.isDisturbed();
+            calls.disturb(0);
             const QByteArray where = QByteArray::number(number) + ": before " + calls.struckCall;
             QVERIFY2(saved.written, qPrintable(saved.error));
             const bool isAfterTheSave = !calls.isWritten && !(calls.isLookedAt && !isInPlace);

@@ -3,8 +3,6 @@
 #include <support/table.h>
 #include <support/testmain.h>
 
-#include <files/documents.h>
-
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -54,291 +52,250 @@ class tst_safefile : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void otherPrograms_data();
-    void otherPrograms();
-    void linksAndModeStay();
-    void refusesWhatIsNoRegularFile();
-    void failedRead();
-    void settingAside();
-    void looking();
-    void documents();
-    void keepsOneVersionADay();
-    void savesWithoutAVersionOfTheDay();
-    void keepsTheTextOfAFileThatCannotBeSaved_data();
-    void keepsTheTextOfAFileThatCannotBeSaved();
-    void readsAFileThatAppearsAfterAFailedSave();
-    void namesThePrivateFolderThatFails_data();
-    void namesThePrivateFolderThatFails();
-};
-
-void tst_safefile::otherPrograms_data()
-{
-    const auto putting = [](const QByteArray &bytes) {
-        return Deed([=](const Place &place) { put(place.path, bytes); });
-    };
-    const Deed replaced = [](const Place &place) {
-        QVERIFY(QFile::rename(place.path, place.path + u".old"_s));
-        put(place.path, otherText);
-    };
-    const Deed nothing = [](const Place &) {};
-    const Deed deleted = [](const Place &place) { QVERIFY(QFile::remove(place.path)); };
-    const Table<bool, Deed, QByteArrayList> row;
-    row("nobody touched it", true, nothing, {});
-    row("other content", true, putting(otherText), {otherText});
-    row("another file in its place", true, replaced, {otherText});
-    row("emptied", true, putting({}), {QByteArray()});
-    row("only touched, the content is the same", true, putting(oldText), {});
-    row("deleted, so nothing to keep", true, deleted, {});
-    row("there but never read", false, nothing, {oldText});
-}
-
-void tst_safefile::otherPrograms()
-{
-    const auto [isRead, deed, kept] = Table<bool, Deed, QByteArrayList>::cells();
-    const Place place(oldText);
-    SafeFile file = place.file();
-    QVERIFY(!isRead || file.read().bytes == oldText);
-    deed(place);
-    for (const QByteArray &text : {newText, oldText}) {
-        const FileWriting saved = file.write(text);
-        QVERIFY2(saved.written, qPrintable(saved.error));
-        QCOMPARE(saved.notices.size(), text == newText ? kept.size() : 0);
-        QCOMPARE(contentOf(place.path), text);
-        QCOMPARE(place.kept(), kept);
+    void otherPrograms_data()
+    {
+        const auto putting = [](const QByteArray &bytes) {
+            return Deed([=](const Place &place) { put(place.path, bytes); });
+        };
+        const Deed replaced = [](const Place &place) {
+            QVERIFY(QFile::rename(place.path, place.path + u".old"_s));
+            put(place.path, otherText);
+        };
+        const Deed nothing = [](const Place &) {};
+        const Deed deleted = [](const Place &place) { QVERIFY(QFile::remove(place.path)); };
+        const Table<bool, Deed, QByteArrayList> row;
+        row("nobody touched it", true, nothing, {});
+        row("other content", true, putting(otherText), {otherText});
+        row("another file in its place", true, replaced, {otherText});
+        row("emptied", true, putting({}), {QByteArray()});
+        row("only touched, the content is the same", true, putting(oldText), {});
+        row("deleted, so nothing to keep", true, deleted, {});
+        row("there but never read", false, nothing, {oldText});
     }
-}
 
-void tst_safefile::linksAndModeStay()
-{
-    const Place place(oldText);
-    const QString link = place.folder.filePath(u"link"_s);
-    const QString hardLink = place.folder.filePath(u"hard"_s);
-    QCOMPARE(::chmod(place.encodedPath().constData(), 0640), 0);
-    QCOMPARE(::link(place.encodedPath().constData(), QFile::encodeName(hardLink).constData()), 0);
-    QVERIFY(QFile::link(u"docs/plan.txt"_s, link));
-    const struct stat before = statusOf(place.path);
-
-    SafeFile file(link, place.privateFolder);
-    QCOMPARE(file.journalPath(), place.file().journalPath());
-    QCOMPARE(file.read().bytes, oldText);
-    QVERIFY(file.write(newText).written);
-    QCOMPARE(contentOf(hardLink), newText);
-    QCOMPARE(statusOf(place.path).st_ino, before.st_ino);
-    QCOMPARE(statusOf(place.path).st_mode, before.st_mode);
-
-    // Now the link leads nowhere, and then to the file that the save creates.
-    QVERIFY(QFile::remove(place.path));
-    QCOMPARE(file.read().outcome, Outcome::Missing);
-    QVERIFY(file.write({}).written);
-    QVERIFY(QFileInfo(link).isSymLink() && QFile::exists(place.path));
-    QCOMPARE(statusOf(place.privateFolder).st_mode, S_IFDIR | 0700U);
-}
-
-void tst_safefile::refusesWhatIsNoRegularFile()
-{
-    const QList<Deed> deeds = {
-        [](const Place &place) { QCOMPARE(::mkfifo(place.encodedPath().constData(), 0600), 0); },
-        [](const Place &place) { QVERIFY(QDir().mkdir(place.path)); },
-        [](const Place &place) { QVERIFY(QFile::link(u"/dev/null"_s, place.path)); }};
-    for (const Deed &deed : deeds) {
-        const Place place;
-        deed(place);
-        const mode_t mode = statusOf(place.path).st_mode;
+    void otherPrograms()
+    {
+        const auto [isRead, deed, kept] = Table<bool, Deed, QByteArrayList>::cells();
+        const Place place(oldText);
         SafeFile file = place.file();
-        QCOMPARE(file.recover(), QStringList());
-        const FileReading reading = file.read();
-        QVERIFY(reading.outcome == Outcome::Failed && !reading.error.isEmpty());
-        const FileWriting writing = file.write(newText);
-        QVERIFY(!writing.written && !writing.error.isEmpty());
-        QCOMPARE(statusOf(place.path).st_mode, mode);
-    }
-}
-
-/// What could not be read is not overwritten, unless it can be read and kept by then.
-void tst_safefile::failedRead()
-{
-    const Place place(oldText);
-    FaultyFileCalls calls;
-    SafeFile file(place.path, place.privateFolder, calls);
-    QCOMPARE(file.read().bytes, oldText);
-    const int firstPread = 3; // after opening the file and asking for its status
-    calls.arm(firstPread, EIO);
-    QCOMPARE(file.read().outcome, Outcome::Failed);
-    calls.arm(firstPread, EIO);
-    QVERIFY(!file.write(newText).written && calls.hasStruck());
-    QCOMPARE(contentOf(place.path), oldText);
-    QCOMPARE(file.write(newText).notices.size(), 1);
-    QCOMPARE(place.kept(), QByteArrayList{oldText});
-    QCOMPARE(contentOf(place.path), newText);
-}
-
-void tst_safefile::settingAside()
-{
-    const Place place;
-    FaultyFileCalls calls;
-    SafeFile file(place.path, place.privateFolder, calls);
-    const Quarantine first = file.quarantine("first");
-    QVERIFY(first.error.isEmpty() && contentOf(first.path) == "first");
-    QVERIFY2(calls.names.empty() && calls.bytes.empty(), "a power cut loses nothing");
-    for (int call = 1; call <= 4; ++call) {
-        calls.arm(call, ENOSPC);
-        const Quarantine lost = file.quarantine("lost");
-        QVERIFY(lost.path.isEmpty() && lost.error.contains(file.recoveryFolder()));
-    }
-    calls.arm(0, 0);
-    const Quarantine second = file.quarantine("second\n");
-    QCOMPARE(statusOf(second.path).st_mode, S_IFREG | 0600U);
-    QCOMPARE(place.kept().size(), 2);
-    QVERIFY(contentOf(first.path) == "first" && contentOf(second.path) == "second\n");
-}
-
-/// What looks at the file does not say that it was seen.
-void tst_safefile::looking()
-{
-    const Place place(oldText);
-    SafeFile file = place.file();
-    QVERIFY(!file.hasSeen() && file.read().bytes == oldText);
-    put(place.path, otherText);
-    const FileReading looked = file.look();
-    QCOMPARE(looked.bytes, otherText);
-    QCOMPARE(looked.status.st_ino, statusOf(place.path).st_ino);
-    QVERIFY(file.lastSeen() == oldText && !file.isAsSeen());
-    file.take(looked);
-    QVERIFY(file.lastSeen() == otherText && file.isAsSeen());
-    const FileWriting saved = file.write(newText);
-    QVERIFY(saved.written && saved.notices.isEmpty() && file.lastSeen() == newText);
-    QVERIFY(QFile::remove(place.path));
-    file.take(file.look());
-    QVERIFY(!file.hasSeen() && file.lastSeen().isEmpty());
-}
-
-void tst_safefile::documents()
-{
-    QVERIFY(!Documents(std::nullopt, u"/nowhere"_s).file(u"plan.txt"_s));
-    const Place place(otherText);
-    put(place.file().journalPath(), place.journal(oldText, newText));
-    Documents documents(place.folder.filePath(u"docs"_s), place.privateFolder);
-    SafeFile *file = documents.file(u"plan.txt"_s);
-    QVERIFY(file);
-    QCOMPARE(documents.file(u"plan.txt"_s), file);
-    QCOMPARE(file->read().bytes, otherText);
-    QCOMPARE(documents.takeNotices().size(), 1);
-    QCOMPARE(documents.takeNotices().size(), 0);
-}
-
-void tst_safefile::keepsOneVersionADay()
-{
-    const Place place;
-    const QDate today = QDate::currentDate();
-    const auto version = [&](int daysAgo, const QString &reason) {
-        return place.file().recoveryFolder() + u'/' + today.addDays(-daysAgo).toString(Qt::ISODate) +
-               u" 12.00.00 [%1] plan.txt"_s.arg(reason);
-    };
-    for (int daysAgo : {1, 30, 31, 40})
-        put(version(daysAgo, u"daily"_s), QByteArray::number(daysAgo));
-    put(version(40, u"rescued"_s), "rescued");
-    SafeFile file = place.file();
-    QVERIFY(file.read().outcome == Outcome::Missing && file.write(oldText).written);
-    QCOMPARE(place.keptDaily(), (QByteArrayList{"30", "1"})); // there was nothing before
-    for (int start = 0; start < 3; ++start) {
-        SafeFile another = place.file();
-        QCOMPARE(another.read().bytes, start == 0 ? oldText : otherText);
-        QVERIFY(another.write(another.lastSeen()).written);
-        QCOMPARE(place.keptDaily().contains(oldText), start > 0); // nothing was changed
-        for (const QByteArray &text : {newText, otherText}) {
-            const FileWriting saved = another.write(text);
-            QVERIFY(saved.written && saved.notices.isEmpty());
-            QCOMPARE(place.keptDaily(), (QByteArrayList{"30", "1", oldText}));
+        QVERIFY(!isRead || file.read().bytes == oldText);
+        deed(place);
+        for (const QByteArray &text : {newText, oldText}) {
+            const FileWriting saved = file.write(text);
+            QVERIFY2(saved.written, qPrintable(saved.error));
+            QCOMPARE(saved.notices.size(), text == newText ? kept.size() : 0);
+            QCOMPARE(contentOf(place.path), text);
+            QCOMPARE(place.kept(), kept);
         }
     }
-    QCOMPARE(place.kept(), QByteArrayList{"rescued"});
-}
 
-void tst_safefile::savesWithoutAVersionOfTheDay()
-{
-    const Place place(oldText);
-    SafeFile file = place.file();
-    put(file.recoveryFolder(), "a file is in the way");
-    QCOMPARE(file.read().bytes, oldText);
-    const FileWriting saved = file.write(newText);
-    QVERIFY2(saved.written, qPrintable(saved.error));
-    QCOMPARE(contentOf(place.path), newText);
-    QVERIFY(saved.notices.size() == 1 && saved.notices.first().contains(file.recoveryFolder()));
-}
+    void linksAndModeStay()
+    {
+        const Place place(oldText);
+        const QString link = place.folder.filePath(u"link"_s);
+        const QString hardLink = place.folder.filePath(u"hard"_s);
+        QCOMPARE(::chmod(place.encodedPath().constData(), 0640), 0);
+        QCOMPARE(::link(place.encodedPath().constData(), QFile::encodeName(hardLink).constData()), 0);
+        QVERIFY(QFile::link(u"docs/plan.txt"_s, link));
+        const struct stat before = statusOf(place.path);
 
-void tst_safefile::keepsTheTextOfAFileThatCannotBeSaved_data()
-{
-    using Obstacle = std::function<void(const Place &, RefusingFileCalls &, bool)>;
-    const auto rename = [](const QString &from, const QString &to) { QVERIFY(QFile::rename(from, to)); };
-    const Table<Obstacle> row;
-    row("a folder has its name", [=](const Place &place, RefusingFileCalls &, bool isThere) {
-        QVERIFY(isThere ? QFile::remove(place.path) && QDir().mkdir(place.path) : QDir().rmdir(place.path));
-    });
-    row("its folder is away", [=](const Place &place, RefusingFileCalls &, bool isThere) {
-        const QString docs = QFileInfo(place.path).path();
-        isThere ? rename(docs, docs + u".away"_s) : rename(docs + u".away"_s, docs);
-    });
-    row("it may not be written",
-        [](const Place &, RefusingFileCalls &calls, bool isThere) { calls.mayOpen = !isThere; });
-    row("the disk is full",
-        [](const Place &, RefusingFileCalls &calls, bool isThere) { calls.hasSpace = !isThere; });
-}
+        SafeFile file(link, place.privateFolder);
+        QCOMPARE(file.journalPath(), place.file().journalPath());
+        QCOMPARE(file.read().bytes, oldText);
+        QVERIFY(file.write(newText).written);
+        QCOMPARE(contentOf(hardLink), newText);
+        QCOMPARE(statusOf(place.path).st_ino, before.st_ino);
+        QCOMPARE(statusOf(place.path).st_mode, before.st_mode);
 
-void tst_safefile::keepsTheTextOfAFileThatCannotBeSaved()
-{
-    const auto [obstruct] = Table<std::function<void(const Place &, RefusingFileCalls &, bool)>>::cells();
-    const Place place(oldText);
-    RefusingFileCalls calls;
-    SafeFile file(place.path, place.privateFolder, calls);
-    QCOMPARE(file.read().bytes, oldText);
-    obstruct(place, calls, true);
-    for (const QByteArray &text : {otherText, newText}) {
-        const FileWriting saved = file.write(text);
-        QVERIFY(!saved.written && saved.error.startsWith(u"“plan.txt” could not be saved: "_s));
+        // Now the link leads nowhere, and then to the file that the save creates.
+        QVERIFY(QFile::remove(place.path));
+        QCOMPARE(file.read().outcome, Outcome::Missing);
+        QVERIFY(file.write({}).written);
+        QVERIFY(QFileInfo(link).isSymLink() && QFile::exists(place.path));
+        QCOMPARE(statusOf(place.privateFolder).st_mode, S_IFDIR | 0700U);
     }
-    const QStringList notices = SafeFile(place.path, place.privateFolder, calls).recover();
-    QVERIFY(notices.size() == 1 && notices.first().contains(u"could not be completed"_s));
-    obstruct(place, calls, false);
-    QCOMPARE(SafeFile(place.path, place.privateFolder, calls).recover(), QStringList());
-    QCOMPARE(contentOf(place.path), newText);
-    QVERIFY(!QFile::exists(file.journalPath()));
-}
 
-void tst_safefile::readsAFileThatAppearsAfterAFailedSave()
-{
-    const Place place(otherText);
-    const QString docs = QFileInfo(place.path).path();
-    QVERIFY(QFile::rename(docs, docs + u".away"_s));
-    SafeFile file = place.file();
-    QCOMPARE(file.read().outcome, Outcome::Missing);
-    QVERIFY(!file.write(newText).written);
-    QVERIFY(QFile::rename(docs + u".away"_s, docs));
-    QCOMPARE(file.read().bytes, otherText);
-    QVERIFY(file.write("next").written);
-    QVERIFY(contentOf(place.path) == "next" && place.keptDaily() == QByteArrayList{otherText});
-    QCOMPARE(place.kept(), QByteArrayList{newText});
-}
+    void refusesWhatIsNoRegularFile()
+    {
+        const QList<Deed> deeds = {
+            [](const Place &place) { QCOMPARE(::mkfifo(place.encodedPath().constData(), 0600), 0); },
+            [](const Place &place) { QVERIFY(QDir().mkdir(place.path)); },
+            [](const Place &place) { QVERIFY(QFile::link(u"/dev/null"_s, place.path)); }};
+        for (const Deed &deed : deeds) {
+            const Place place;
+            deed(place);
+            const mode_t mode = statusOf(place.path).st_mode;
+            SafeFile file = place.file();
+            QCOMPARE(file.recover(), QStringList());
+            const FileReading reading = file.read();
+            QVERIFY(reading.outcome == Outcome::Failed && !reading.error.isEmpty());
+            const FileWriting writing = file.write(newText);
+            QVERIFY(!writing.written && !writing.error.isEmpty());
+            QCOMPARE(statusOf(place.path).st_mode, mode);
+        }
+    }
 
-void tst_safefile::namesThePrivateFolderThatFails_data()
-{
-    const Table<QString, QByteArray> row;
-    row("the journal's", QString(), oldText);
-    row("that of earlier versions", u"/recovery"_s, otherText);
-}
+    /// What could not be read is not overwritten, unless it can be read and kept by then.
+    void failedRead()
+    {
+        const Place place(oldText);
+        FaultyFileCalls calls;
+        SafeFile file(place.path, place.privateFolder, calls);
+        QCOMPARE(file.read().bytes, oldText);
+        const int firstPread = 3; // after opening the file and asking for its status
+        calls.arm(firstPread, EIO);
+        QCOMPARE(file.read().outcome, Outcome::Failed);
+        calls.arm(firstPread, EIO);
+        QVERIFY(!file.write(newText).written && calls.hasStruck());
+        QCOMPARE(contentOf(place.path), oldText);
+        QCOMPARE(file.write(newText).notices.size(), 1);
+        QCOMPARE(place.kept(), QByteArrayList{oldText});
+        QCOMPARE(contentOf(place.path), newText);
+    }
 
-void tst_safefile::namesThePrivateFolderThatFails()
-{
-    const auto [folder, found] = Table<QString, QByteArray>::cells();
-    const Place place(oldText);
-    SafeFile file = place.file();
-    put(place.privateFolder + folder, "a file is in the way");
-    QCOMPARE(file.read().bytes, oldText);
-    put(place.path, found);
-    const FileWriting saved = file.write(newText);
-    QVERIFY(!saved.written && contentOf(place.path) == found);
-    QVERIFY2(saved.error.contains(u'“' + place.privateFolder + folder + u"” could not be written"_s),
-             qPrintable(saved.error));
-}
+    void quarantining()
+    {
+        const Place place;
+        FaultyFileCalls calls;
+        SafeFile file(place.path, place.privateFolder, calls);
+        const Quarantine first = file.quarantine("first");
+        QVERIFY(first.error.isEmpty() && contentOf(first.path) == "first");
+        QVERIFY2(calls.names.empty() && calls.bytes.empty(), "a power cut loses nothing");
+        for (int call = 1; call <= 4; ++call) {
+            calls.arm(call, ENOSPC);
+            const Quarantine lost = file.quarantine("lost");
+            QVERIFY(lost.path.isEmpty() && lost.error.contains(file.recoveryFolder()));
+        }
+        calls.arm(0, 0);
+        const Quarantine second = file.quarantine("second\n");
+        QCOMPARE(statusOf(second.path).st_mode, S_IFREG | 0600U);
+        QCOMPARE(place.kept().size(), 2);
+        QVERIFY(contentOf(first.path) == "first" && contentOf(second.path) == "second\n");
+    }
+
+    /// What looks at the file does not say that it was seen.
+    void looking()
+    {
+        const Place place(oldText);
+        SafeFile file = place.file();
+        QVERIFY(!file.hasSeen() && file.read().bytes == oldText);
+        put(place.path, otherText);
+        const FileReading looked = file.look();
+        QCOMPARE(looked.bytes, otherText);
+        QVERIFY(file.lastSeen() == oldText && !file.isAsSeen());
+        file.take(looked);
+        QVERIFY(file.lastSeen() == otherText && file.isAsSeen());
+        const FileWriting saved = file.write(newText);
+        QVERIFY(saved.written && saved.notices.isEmpty() && file.lastSeen() == newText);
+    }
+
+    void keepsOneVersionADay()
+    {
+        const Place place;
+        const QDate today = QDate::currentDate();
+        const auto version = [&](int daysAgo, const QString &reason) {
+            return place.file().recoveryFolder() + u'/' + today.addDays(-daysAgo).toString(Qt::ISODate) +
+                   u" 12.00.00 [%1] plan.txt"_s.arg(reason);
+        };
+        for (int daysAgo : {1, 30, 31, 40})
+            put(version(daysAgo, u"daily"_s), QByteArray::number(daysAgo));
+        put(version(40, u"rescued"_s), "rescued");
+        SafeFile file = place.file();
+        QVERIFY(file.read().outcome == Outcome::Missing && file.write(oldText).written);
+        QCOMPARE(place.keptDaily(), (QByteArrayList{"30", "1"})); // there was nothing before
+        for (int start = 0; start < 3; ++start) {
+            SafeFile another = place.file();
+            QCOMPARE(another.read().bytes, start == 0 ? oldText : otherText);
+            QVERIFY(another.write(another.lastSeen()).written);
+            QCOMPARE(place.keptDaily().contains(oldText), start > 0); // nothing was changed
+            for (const QByteArray &text : {newText, otherText}) {
+                const FileWriting saved = another.write(text);
+                QVERIFY(saved.written && saved.notices.isEmpty());
+                QCOMPARE(place.keptDaily(), (QByteArrayList{"30", "1", oldText}));
+            }
+        }
+        QCOMPARE(place.kept(), QByteArrayList{"rescued"});
+    }
+
+    void keepsTheTextOfAFileThatCannotBeSaved_data()
+    {
+        using Obstacle = std::function<void(const Place &, RefusingFileCalls &, bool)>;
+        const auto rename = [](const QString &from, const QString &to) { QVERIFY(QFile::rename(from, to)); };
+        const Table<Obstacle> row;
+        row("a folder has its name", [=](const Place &place, RefusingFileCalls &, bool isThere) {
+            QVERIFY(isThere ? QFile::remove(place.path) && QDir().mkdir(place.path)
+                            : QDir().rmdir(place.path));
+        });
+        row("its folder is away", [=](const Place &place, RefusingFileCalls &, bool isThere) {
+            const QString docs = QFileInfo(place.path).path();
+            isThere ? rename(docs, docs + u".away"_s) : rename(docs + u".away"_s, docs);
+        });
+        row("it may not be written",
+            [](const Place &, RefusingFileCalls &calls, bool isThere) { calls.mayOpen = !isThere; });
+        row("the disk is full",
+            [](const Place &, RefusingFileCalls &calls, bool isThere) { calls.hasSpace = !isThere; });
+    }
+
+    void keepsTheTextOfAFileThatCannotBeSaved()
+    {
+        const auto [obstruct] = Table<std::function<void(const Place &, RefusingFileCalls &, bool)>>::cells();
+        const Place place(oldText);
+        RefusingFileCalls calls;
+        SafeFile file(place.path, place.privateFolder, calls);
+        QCOMPARE(file.read().bytes, oldText);
+        obstruct(place, calls, true);
+        for (const QByteArray &text : {otherText, newText}) {
+            const FileWriting saved = file.write(text);
+            QVERIFY(!saved.written && saved.error.startsWith(u"“plan.txt” could not be saved: "_s));
+        }
+        const QStringList notices = SafeFile(place.path, place.privateFolder, calls).recover();
+        QVERIFY(notices.size() == 1 && notices.first().contains(u"could not be completed"_s));
+        obstruct(place, calls, false);
+        QCOMPARE(SafeFile(place.path, place.privateFolder, calls).recover(), QStringList());
+        QCOMPARE(contentOf(place.path), newText);
+        QVERIFY(!QFile::exists(file.journalPath()));
+    }
+
+    void readsAFileThatAppearsAfterAFailedSave()
+    {
+        const Place place(otherText);
+        const QString docs = QFileInfo(place.path).path();
+        QVERIFY(QFile::rename(docs, docs + u".away"_s));
+        SafeFile file = place.file();
+        QCOMPARE(file.read().outcome, Outcome::Missing);
+        QVERIFY(!file.write(newText).written);
+        QVERIFY(QFile::rename(docs + u".away"_s, docs));
+        QCOMPARE(file.read().bytes, otherText);
+        QVERIFY(file.write("next").written);
+        QVERIFY(contentOf(place.path) == "next" && place.keptDaily() == QByteArrayList{otherText});
+        QCOMPARE(place.kept(), QByteArrayList{newText});
+    }
+
+    void namesThePrivateFolderThatFails_data()
+    {
+        const Table<QString, QByteArray, bool> row;
+        row("the journal's", QString(), oldText, false);
+        row("that of earlier versions", u"/recovery"_s, otherText, false);
+        row("that of earlier versions, of which only that of the day is missing", u"/recovery"_s, oldText,
+            true);
+    }
+
+    void namesThePrivateFolderThatFails()
+    {
+        const auto [folder, found, isSaved] = Table<QString, QByteArray, bool>::cells();
+        const Place place(oldText);
+        SafeFile file = place.file();
+        put(place.privateFolder + folder, "a file is in the way");
+        QCOMPARE(file.read().bytes, oldText);
+        put(place.path, found);
+        const FileWriting saved = file.write(newText);
+        QCOMPARE(saved.written, isSaved);
+        QCOMPARE(contentOf(place.path), isSaved ? newText : found);
+        const QString told = isSaved ? saved.notices.value(0) : saved.error;
+        QVERIFY2(told.contains(u'“' + place.privateFolder + folder + u"” could not be written"_s),
+                 qPrintable(told));
+    }
+};
 
 OBLINO_TEST(tst_safefile, QCoreApplication)
 #include "tst_safefile.moc"

@@ -43,7 +43,7 @@ public:
 
     int open(const QByteArray &path, int flags, mode_t mode) override
     {
-        if (fails())
+        if (fails({"open", path}))
             return -1;
         const bool isNew = (flags & O_CREAT) && ::access(path.constData(), F_OK) == -1;
         const int fd = FileCalls::open(path, flags, mode);
@@ -52,32 +52,35 @@ public:
             names.insert(path);
         return fd;
     }
-    int fstat(int fd, struct stat *status) override { return fails() ? -1 : FileCalls::fstat(fd, status); }
+    int fstat(int fd, struct stat *status) override
+    {
+        return fails({"fstat", m_paths[fd]}) ? -1 : FileCalls::fstat(fd, status);
+    }
     int stat(const QByteArray &path, struct stat *status) override
     {
-        return fails() ? -1 : FileCalls::stat(path, status);
+        return fails({"stat", path}) ? -1 : FileCalls::stat(path, status);
     }
     ssize_t pread(int fd, char *data, size_t size, off_t offset) override
     {
-        return fails(size) ? -1 : FileCalls::pread(fd, data, size, offset);
+        return fails({"pread", m_paths[fd], offset}, size) ? -1 : FileCalls::pread(fd, data, size, offset);
     }
     ssize_t pwrite(int fd, const char *data, size_t size, off_t offset) override
     {
-        if (fails(size))
+        if (fails({"pwrite", m_paths[fd], offset}, size))
             return -1;
         touch(m_paths[fd], offset == 0);
         return FileCalls::pwrite(fd, data, size, offset);
     }
     int ftruncate(int fd, off_t size) override
     {
-        if (fails())
+        if (fails({"ftruncate", m_paths[fd]}))
             return -1;
         touch(m_paths[fd], size == 0);
         return FileCalls::ftruncate(fd, size);
     }
     int reserve(int fd, off_t size) override
     {
-        if (fails())
+        if (fails({"reserve", m_paths[fd]}))
             return -1;
         errno = EOPNOTSUPP;
         return m_fault == half && m_made == m_number ? -1 : FileCalls::reserve(fd, size);
@@ -86,7 +89,7 @@ public:
     {
         const QByteArray &path = m_paths[fd];
         const auto unsynced = bytes.find(path);
-        if (fails()) {
+        if (fails({"fsync", m_paths[fd]})) {
             // The system forgets what it could not write, and says so only once.
             if (errno != EINTR && unsynced != bytes.end())
                 unsynced->second = false;
@@ -99,7 +102,7 @@ public:
     }
     int rename(const QByteArray &from, const QByteArray &to) override
     {
-        if (fails())
+        if (fails({"rename", to}))
             return -1;
         names.erase(from);
         names.insert(to);
@@ -111,7 +114,7 @@ public:
     }
     int unlink(const QByteArray &path) override
     {
-        if (fails())
+        if (fails({"unlink", path}))
             return -1;
         names.erase(path);
         bytes.erase(path);
@@ -120,22 +123,33 @@ public:
     }
     int mkdir(const QByteArray &path, mode_t mode) override
     {
-        if (fails() || FileCalls::mkdir(path, mode) == -1)
+        if (fails({"mkdir", path}) || FileCalls::mkdir(path, mode) == -1)
             return -1;
         names.insert(path);
         return 0;
     }
     int rmdir(const QByteArray &path) override
     {
-        if (fails())
+        if (fails({"rmdir", path}))
             return -1;
         names.erase(path);
         return FileCalls::rmdir(path);
     }
 
-private:
-    bool fails(size_t &size)
+protected:
+    struct Call
     {
+        const char *name;
+        QByteArray path; ///< of a renaming the new one
+        off_t offset = 0;
+    };
+    /// Comes before each call.
+    virtual void before(const Call &) {}
+
+private:
+    bool fails(const Call &call, size_t &size)
+    {
+        before(call);
         const bool isMidway = m_fault == half || m_fault == deathMidway;
         if (++m_made == m_number && isMidway) {
             size = (size + 1) / 2;
@@ -144,10 +158,10 @@ private:
         errno = m_fault > 0 ? m_fault : EIO;
         return m_made == m_number || (hasStruck() && m_fault <= death);
     }
-    bool fails()
+    bool fails(const Call &call)
     {
         size_t none = 0;
-        return fails(none);
+        return fails(call, none);
     }
 
     void touch(const QByteArray &path, bool isFromTheStart)
