@@ -33,21 +33,6 @@ Defaults &Defaults::standard()
     return instance;
 }
 
-void Defaults::setText(const QString &key, const QString &value)
-{
-    store(key, value);
-}
-
-void Defaults::setBool(const QString &key, bool value)
-{
-    store(key, value);
-}
-
-void Defaults::setInteger(const QString &key, qint64 value)
-{
-    store(key, value);
-}
-
 std::optional<QString> Defaults::text(const QString &key) const
 {
     const QVariant stored = value(key);

@@ -27,9 +27,9 @@ public:
     /// The defaults of this user, in the desktop's configuration folder.
     static Defaults &standard();
 
-    void setText(const QString &key, const QString &value);
-    void setBool(const QString &key, bool value);
-    void setInteger(const QString &key, qint64 value);
+    void setText(const QString &key, const QString &value) { store(key, value); }
+    void setBool(const QString &key, bool value) { store(key, value); }
+    void setInteger(const QString &key, qint64 value) { store(key, value); }
 
     /// The text under `key`; none when there is nothing or something that is not a text.
     [[nodiscard]] std::optional<QString> text(const QString &key) const;
@@ -38,7 +38,7 @@ public:
     /// The integer under `key`; 0 when there is none.
     [[nodiscard]] qint64 integer(const QString &key) const;
 
-    /// Sees the values on disk.
+    /// Writes the values to the file.
     /// @return whether that worked
     [[nodiscard]] bool save();
 

@@ -35,11 +35,6 @@ QString SafeFile::journalPath() const
     return QFile::decodeName(m_journals.fileFor(resolveSymlinks(m_path)));
 }
 
-QString SafeFile::recoveryFolder() const
-{
-    return m_recovery.path();
-}
-
 EarlierVersions SafeFile::versions() const
 {
     const QStringList folders =
@@ -119,7 +114,7 @@ QString SafeFile::erase()
     if (const auto left = failureOf([&] { m_journals.erase(path); }))
         return words.arg(journalPath(), left->message());
     m_strayJournal = false;
-    const QString left = versions().removeAll();
+    QString left = versions().removeAll();
     return left.isEmpty() ? error : left;
 }
 

@@ -101,7 +101,6 @@ public:
 
     [[nodiscard]] QString path() const { return m_path; }
     [[nodiscard]] QString journalPath() const;
-    [[nodiscard]] QString recoveryFolder() const;
 
 private:
     /// What is known of the file.

@@ -18,8 +18,8 @@ namespace {
 /// The folders that take a rescued text, in their order, in a place of the test's own.
 struct Folders : Place
 {
-    QStringList paths = {privateFolder + u"/recovery"_s, folder.filePath(u"docs"_s),
-                         folder.filePath(u"state/oblino"_s), folder.filePath(u"tmp"_s)};
+    QStringList paths = {recoveryFolder, folder.filePath(u"docs"_s), folder.filePath(u"state/oblino"_s),
+                         folder.filePath(u"tmp"_s)};
     EarlierVersions versions{u"plan.txt"_s, paths};
 
     Folders()

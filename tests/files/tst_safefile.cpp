@@ -153,56 +153,14 @@ private Q_SLOTS:
         QCOMPARE(contentOf(place.path), newText);
     }
 
-    void quarantining()
-    {
-        const Place place;
-        FaultyFileCalls calls;
-        SafeFile file(place.path, place.privateFolder, calls);
-        const Quarantine first = file.quarantine("first");
-        QVERIFY(first.error.isEmpty() && contentOf(first.path) == "first");
-        QVERIFY2(calls.names.empty() && calls.bytes.empty(), "a power cut loses nothing");
-        for (int call = 1; call <= 4; ++call) {
-            calls.arm(call, ENOSPC);
-            const Quarantine lost = file.quarantine("lost");
-            QVERIFY(lost.path.isEmpty() && lost.error.contains(file.recoveryFolder()));
-        }
-        calls.arm(0, 0);
-        const Quarantine second = file.quarantine("second\n");
-        QCOMPARE(statusOf(second.path).st_mode, S_IFREG | 0600U);
-        QCOMPARE(place.kept().size(), 2);
-        QVERIFY(contentOf(first.path) == "first" && contentOf(second.path) == "second\n");
-    }
-
-    /// What looks at the file does not say that it was seen.
-    void looking()
-    {
-        const Place place(oldText);
-        SafeFile file = place.file();
-        QVERIFY(!file.hasSeen() && file.read().bytes == oldText);
-        put(place.path, otherText);
-        const FileReading looked = file.look();
-        QCOMPARE(looked.bytes, otherText);
-        QVERIFY(file.lastSeen() == oldText && !file.isAsSeen());
-        file.take(looked);
-        QVERIFY(file.lastSeen() == otherText && file.isAsSeen());
-        const FileWriting saved = file.write(newText);
-        QVERIFY(saved.written && saved.notices.isEmpty() && file.lastSeen() == newText);
-    }
-
     void keepsOneVersionADay()
     {
         const Place place;
-        const QDate today = QDate::currentDate();
-        const auto version = [&](int daysAgo, const QString &reason) {
-            return place.file().recoveryFolder() + u'/' + today.addDays(-daysAgo).toString(Qt::ISODate) +
-                   u" 12.00.00 [%1] plan.txt"_s.arg(reason);
-        };
-        for (int daysAgo : {1, 30, 31, 40})
-            put(version(daysAgo, u"daily"_s), QByteArray::number(daysAgo));
-        put(version(40, u"rescued"_s), "rescued");
+        put(place.recoveryFolder + u"/2024-03-07 12.00.00 [daily] plan.txt"_s, "older");
+        put(place.recoveryFolder + u"/2024-03-06 12.00.00 [daily] plan.txt"_s, "too old");
         SafeFile file = place.file();
         QVERIFY(file.read().outcome == Outcome::Missing && file.write(oldText).written);
-        QCOMPARE(place.keptDaily(), (QByteArrayList{"30", "1"})); // there was nothing before
+        QCOMPARE(place.keptDaily(), (QByteArrayList{"older"})); // there was nothing before
         for (int start = 0; start < 3; ++start) {
             SafeFile another = place.file();
             QCOMPARE(another.read().bytes, start == 0 ? oldText : otherText);
@@ -211,10 +169,9 @@ private Q_SLOTS:
             for (const QByteArray &text : {newText, otherText}) {
                 const FileWriting saved = another.write(text);
                 QVERIFY(saved.written && saved.notices.isEmpty());
-                QCOMPARE(place.keptDaily(), (QByteArrayList{"30", "1", oldText}));
+                QCOMPARE(place.keptDaily(), (QByteArrayList{oldText}));
             }
         }
-        QCOMPARE(place.kept(), QByteArrayList{"rescued"});
     }
 
     void keepsTheTextOfAFileThatCannotBeSaved_data()

@@ -38,6 +38,7 @@ struct Place
         (QFileInfo(QStringLiteral("/dev/shm")).isWritable() ? QStringLiteral("/dev/shm") : QDir::tempPath()) +
         QStringLiteral("/safefile-XXXXXX")};
     QString privateFolder = folder.filePath(QStringLiteral("data/oblino"));
+    QString recoveryFolder = privateFolder + QStringLiteral("/recovery");
     QString path = folder.filePath(QStringLiteral("docs/plan.txt"));
 
     explicit Place(const QByteArray &content = {})
