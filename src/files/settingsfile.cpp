@@ -65,8 +65,12 @@ SettingsFile::SettingsFile(QString path)
 // QSettings would make the file readable for everyone and then keeps the mode it finds.
 void SettingsFile::makePrivate() const
 {
-    if (makePrivateFile(m_path).isEmpty())
-        QFile::setPermissions(m_path, QFileDevice::ReadOwner | QFileDevice::WriteOwner);
+    const QByteArray file = QFile::encodeName(m_path);
+    struct stat status = {};
+    // Setting the mode that is there already would look like a change of the file.
+    if (makePrivateFile(m_path).isEmpty() && ::stat(file.constData(), &status) == 0 &&
+        (status.st_mode & 0777) != 0600)
+        ::chmod(file.constData(), 0600);
 }
 
 void SettingsFile::removeLeftovers() const

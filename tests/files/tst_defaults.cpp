@@ -61,6 +61,8 @@ private Q_SLOTS:
         Defaults defaults(m_path);
         QCOMPARE(mode(), 0600U);
         defaults.setText(u"secret"_s, u"s3cret"_s);
+        defaults.setText(u"old"_s, u"kept"_s);
+        QCOMPARE(contentOf(m_path), "[General]\nold=kept\n"); // written once, and not value by value
         QVERIFY(defaults.save());
         QCOMPARE(mode(), 0600U);
         QCOMPARE(contentOf(m_path), "[General]\nold=kept\nsecret=s3cret\n");
