@@ -169,6 +169,9 @@ private Q_SLOTS:
     {
         const QString folder = QFileInfo(m_path).path();
         put(folder + u"/oblino.ini.backup"_s, "mine");
+        QFile backup(folder + u"/oblino.ini.backup"_s);
+        QVERIFY(backup.open(QIODevice::Append) &&
+                backup.setFileTime(QDateTime::currentDateTime().addSecs(-1), QFile::FileModificationTime));
         const pid_t saving = ::fork();
         if (saving == 0) {
             Defaults defaults(m_path);
