@@ -11,6 +11,7 @@
 #include <cloud/taskrecord.h>
 #include <core/taskmanager.h>
 #include <files/defaults.h>
+#include <records/recordsql.h>
 #include <records/sqlcloudcontainer.h>
 
 #include <QCoreApplication>

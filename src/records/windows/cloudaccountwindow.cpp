@@ -270,16 +270,17 @@ void CloudAccountWindow::startTest()
     m_test = std::make_shared<Test>();
     m_test->window = this;
     const StoreLocation location = m_session.location(entered(), m_ui->passwordField->text());
-    Dispatch::background(Dispatch::Priority::High, [test = m_test, location, types = m_session.recordTypes()] {
-        const std::optional<CloudError> error = testConnection(location, types, test->isCancelled);
-        const std::lock_guard lock(test->mutex);
-        if (test->window) {
-            Dispatch::main(test->window, [test, error] {
-                if (!test->isCancelled)
-                    test->window->showOutcome(error);
-            });
-        }
-    });
+    Dispatch::background(
+        Dispatch::Priority::High, [test = m_test, location, types = m_session.recordTypes()] {
+            const std::optional<CloudError> error = testConnection(location, types, test->isCancelled);
+            const std::lock_guard lock(test->mutex);
+            if (test->window) {
+                Dispatch::main(test->window, [test, error] {
+                    if (!test->isCancelled)
+                        test->window->showOutcome(error);
+                });
+            }
+        });
 }
 
 void CloudAccountWindow::endTest()
