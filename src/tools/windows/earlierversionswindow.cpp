@@ -164,13 +164,16 @@ int EarlierVersionsWindow::selectedRow() const
 void EarlierVersionsWindow::refresh()
 {
     const int row = selectedRow();
-    const QString selected = row < 0 ? QString() : m_model.version(row).path;
+    const QString selected = row < 0 ? QString() : m_model.versions().at(row).path;
     m_comparedTasks = m_data.store.fullList();
     if (showsNotices())
         return showNotices();
     m_today = today();
     m_model.show(kind(), versions().list());
-    list(std::max(m_model.rowOf(selected), 0));
+    const auto isSelected = [&](const EarlierVersion &version) { return version.path == selected; };
+    const auto &all = m_model.versions();
+    const auto found = std::find_if(all.begin(), all.end(), isSelected);
+    list(found == all.end() ? 0 : static_cast<int>(found - all.begin()));
 }
 
 void EarlierVersionsWindow::list(int row)
@@ -187,19 +190,17 @@ void EarlierVersionsWindow::list(int row)
 // Reading and comparing many long lists takes a while, in which the window is to answer.
 void EarlierVersionsWindow::summariseNext()
 {
-    int row = m_model.rowWithoutSummary(m_ui->versionTable->rowAt(0));
-    if (row < 0)
-        row = m_model.rowWithoutSummary(0);
+    const int row = m_model.rowWithoutSummary(m_ui->versionTable->rowAt(0));
     if (row < 0 || showsNotices())
         m_work.stop();
     else
-        m_model.setSummary(row, versionSummary(contentOf(m_model.version(row)), m_today));
+        m_model.setSummary(row, versionSummary(contentOf(m_model.versions().at(row)), m_today));
 }
 
 void EarlierVersionsWindow::showSelected()
 {
     const int row = selectedRow();
-    m_content = row < 0 ? VersionContent{.kind = kind()} : contentOf(m_model.version(row));
+    m_content = row < 0 ? VersionContent{.kind = kind()} : contentOf(m_model.versions().at(row));
     m_ui->noteLabel->setText(versionNote(m_content));
     m_ui->asTextBox->setVisible(kind() == DataKind::Tasks);
     if (row < 0)
@@ -255,8 +256,8 @@ void EarlierVersionsWindow::refreshIfChanged()
                   (kind() != DataKind::Tasks ? today().bytes == m_today.bytes
                                              : m_comparedTasks.isSharedWith(m_data.store.fullList()));
     for (int row = 0; isSame && row < m_model.rowCount(); ++row)
-        isSame =
-            now.at(row).path == m_model.version(row).path && now.at(row).time == m_model.version(row).time;
+        isSame = now.at(row).path == m_model.versions().at(row).path &&
+                 now.at(row).time == m_model.versions().at(row).time;
     if (!isSame)
         refresh();
 }

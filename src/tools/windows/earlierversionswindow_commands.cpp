@@ -78,7 +78,7 @@ void EarlierVersionsWindow::removeSelected()
     const int row = selectedRow();
     if (row < 0)
         return;
-    const EarlierVersion version = m_model.version(row);
+    const EarlierVersion version = m_model.versions().at(row);
     const QString words = m_model.index(row, VersionTableModel::TimeColumn).data().toString() +
                           QLatin1Char('\n') + reasonText(version.reason);
     if (!m_data.utilities.dialogOKCancel(tr("Delete this earlier version? It cannot be brought back."),

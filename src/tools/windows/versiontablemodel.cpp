@@ -1,10 +1,24 @@
 #include <tools/windows/versiontablemodel.h>
 
+#include <base/datakind.h>
+
 #include <QLocale>
 
 #include <algorithm>
 
 namespace oblino {
+
+namespace {
+
+QStandardItem *newItem(const QString &text)
+{
+    auto *item = new QStandardItem(text);
+    item->setEditable(false);
+    item->setToolTip(text);
+    return item;
+}
+
+} // namespace
 
 QString VersionTableModel::timeText(const QDateTime &time)
 {
@@ -18,100 +32,40 @@ QString VersionTableModel::timeText(const QDateTime &time)
 
 void VersionTableModel::show(DataKind kind, const QList<EarlierVersion> &versions)
 {
-    beginResetModel();
-    m_kind = kind;
-    m_rows.clear();
-    for (const EarlierVersion &version : versions)
-        m_rows.append({version, std::nullopt});
-    endResetModel();
-}
-
-int VersionTableModel::rowOf(const QString &path) const
-{
-    const auto found = std::find_if(m_rows.cbegin(), m_rows.cend(),
-                                    [&path](const Row &row) { return row.version.path == path; });
-    return found == m_rows.cend() ? -1 : static_cast<int>(found - m_rows.cbegin());
+    const bool isList = kind == DataKind::Tasks;
+    m_versions = versions;
+    setRowCount(0);
+    setHorizontalHeaderLabels(
+        {tr("Time"), tr("Why It Was Kept"), isList ? tr("Tasks") : tr("Size"), tr("Against Today")});
+    for (int column = 0; column < columns; ++column)
+        horizontalHeaderItem(column)->setTextAlignment(
+            (column == AmountColumn ? Qt::AlignRight : Qt::AlignLeft) | Qt::AlignVCenter);
+    if (isList)
+        horizontalHeaderItem(DifferenceColumn)
+            ->setToolTip(tr("+ tasks that today’s list has more, − tasks that it has no more, ≠ tasks that "
+                            "it has otherwise"));
+    for (const EarlierVersion &version : versions) {
+        appendRow({newItem(timeText(version.time)), newItem(reasonText(version.reason)), newItem(tr("…")),
+                   newItem(tr("…"))});
+        item(rowCount() - 1, AmountColumn)->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    }
 }
 
 int VersionTableModel::rowWithoutSummary(int from) const
 {
-    const auto found = std::find_if(m_rows.cbegin() + std::clamp<qsizetype>(from, 0, m_rows.size()),
-                                    m_rows.cend(), [](const Row &row) { return !row.summary; });
-    return found == m_rows.cend() ? -1 : static_cast<int>(found - m_rows.cbegin());
+    const QList<QStandardItem *> empty = findItems(tr("…"), Qt::MatchExactly, AmountColumn);
+    const auto next = std::find_if(empty.begin(), empty.end(),
+                                   [from](const QStandardItem *found) { return found->row() >= from; });
+    return empty.isEmpty() ? -1 : next == empty.end() ? empty.first()->row() : (*next)->row();
 }
 
 void VersionTableModel::setSummary(int row, const VersionSummary &summary)
 {
-    m_rows[row].summary = summary;
-    Q_EMIT dataChanged(index(row, AmountColumn), index(row, DifferenceColumn));
-}
-
-int VersionTableModel::rowCount(const QModelIndex &parent) const
-{
-    return parent.isValid() ? 0 : static_cast<int>(m_rows.size());
-}
-
-int VersionTableModel::columnCount(const QModelIndex &parent) const
-{
-    return parent.isValid() ? 0 : columns;
-}
-
-QString VersionTableModel::text(const Row &row, int column)
-{
-    switch (column) {
-    case TimeColumn:
-        return timeText(row.version.time);
-    case ReasonColumn:
-        return reasonText(row.version.reason);
-    case AmountColumn:
-        return row.summary ? row.summary->amount : tr("…");
-    default:
-        return row.summary ? row.summary->difference : tr("…");
-    }
-}
-
-QVariant VersionTableModel::data(const QModelIndex &index, int role) const
-{
-    if (!checkIndex(index, CheckIndexOption::IndexIsValid))
-        return {};
-    const Row &row = m_rows.at(index.row());
-    const bool isDifference = index.column() == DifferenceColumn && row.summary;
-    switch (role) {
-    case Qt::DisplayRole:
-        return text(row, index.column());
-    case Qt::AccessibleTextRole:
-    case Qt::ToolTipRole:
-        return isDifference ? row.summary->words : text(row, index.column());
-    case Qt::TextAlignmentRole:
-        return QVariant::fromValue((index.column() == AmountColumn ? Qt::AlignRight : Qt::AlignLeft) |
-                                   Qt::AlignVCenter);
-    default:
-        return {};
-    }
-}
-
-QVariant VersionTableModel::headerData(int section, Qt::Orientation orientation, int role) const
-{
-    if (orientation != Qt::Horizontal)
-        return {};
-    if (role == Qt::TextAlignmentRole)
-        return QVariant::fromValue((section == AmountColumn ? Qt::AlignRight : Qt::AlignLeft) |
-                                   Qt::AlignVCenter);
-    if (role == Qt::ToolTipRole && section == DifferenceColumn && m_kind == DataKind::Tasks)
-        return tr("+ tasks that today’s list has more, − tasks that it has no more, ≠ tasks that it has "
-                  "otherwise");
-    if (role != Qt::DisplayRole)
-        return {};
-    switch (section) {
-    case TimeColumn:
-        return tr("Time");
-    case ReasonColumn:
-        return tr("Why It Was Kept");
-    case AmountColumn:
-        return m_kind == DataKind::Tasks ? tr("Tasks") : tr("Size");
-    default:
-        return tr("Against Today");
-    }
+    item(row, AmountColumn)->setText(summary.amount);
+    item(row, AmountColumn)->setToolTip(summary.amount);
+    item(row, DifferenceColumn)->setText(summary.difference);
+    item(row, DifferenceColumn)->setToolTip(summary.words);
+    item(row, DifferenceColumn)->setAccessibleText(summary.words);
 }
 
 } // namespace oblino
