@@ -19,6 +19,8 @@ struct EarlierVersion
     QString path;   ///< the file that holds it
     QDateTime time; ///< when it was kept, to the second
     VersionReason reason = VersionReason::Unread;
+
+    [[nodiscard]] bool operator==(const EarlierVersion &) const = default;
 };
 
 /// What is kept of one file of the user's besides the file itself: its earlier versions in the recovery

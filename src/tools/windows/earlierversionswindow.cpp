@@ -251,14 +251,9 @@ void EarlierVersionsWindow::refreshIfChanged()
 {
     if (showsNotices())
         return;
-    const QList<EarlierVersion> now = versions().list();
-    bool isSame = now.size() == m_model.rowCount() &&
-                  (kind() != DataKind::Tasks ? today().bytes == m_today.bytes
-                                             : m_comparedTasks.isSharedWith(m_data.store.fullList()));
-    for (int row = 0; isSame && row < m_model.rowCount(); ++row)
-        isSame = now.at(row).path == m_model.versions().at(row).path &&
-                 now.at(row).time == m_model.versions().at(row).time;
-    if (!isSame)
+    const bool isSame = kind() == DataKind::Tasks ? m_comparedTasks.isSharedWith(m_data.store.fullList())
+                                                  : today().bytes == m_today.bytes;
+    if (!isSame || versions().list() != m_model.versions())
         refresh();
 }
 

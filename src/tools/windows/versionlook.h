@@ -5,13 +5,13 @@
 
 #include <QStackedWidget>
 
-class QLabel;
-class QPlainTextEdit;
-class QTableView;
+#include <memory>
 
 namespace oblino {
 
-class BoardView;
+namespace Ui {
+class VersionLook;
+}
 
 /// A read-only look at an earlier version: a table of tasks, a text, or a picture.
 class VersionLook : public QStackedWidget
@@ -20,6 +20,7 @@ class VersionLook : public QStackedWidget
 
 public:
     explicit VersionLook(QWidget *parent = nullptr);
+    ~VersionLook() override;
 
     /// @param dark    whether tasks are shown in the inverted colours of the dark appearance
     /// @param asText  whether a list is shown as the bytes that were kept, rows that are no tasks included
@@ -40,10 +41,7 @@ private:
 
     QList<task> m_tasks; // in the colours of the light appearance
     TaskTableModel m_model;
-    QTableView *m_table;
-    QPlainTextEdit *m_text;
-    BoardView *m_picture;
-    QLabel *m_message;
+    std::unique_ptr<Ui::VersionLook> m_ui;
 };
 
 } // namespace oblino
