@@ -25,20 +25,9 @@ TaskManager &tskMgr()
     return instance;
 }
 
-void TaskManager::setIsSearching(bool searching)
-{
-    if (searching == m_isSearching)
-        return;
-    m_isSearching = searching;
-    if (searching)
-        m_backupTasks = m_tasks;
-    else
-        m_tasks = m_backupTasks;
-}
-
 void TaskManager::sort(const SortDescriptor &sortDescriptor)
 {
-    m_tasks = orderedTasks(std::move(m_tasks), sortDescriptor);
+    m_list.tasks() = orderedTasks(std::move(m_list.tasks()), sortDescriptor);
 }
 
 QString TaskManager::addTask(const QString &key, const QDateTime &date, const QString &name,
@@ -64,9 +53,8 @@ QString TaskManager::appendTask(task t)
         t.key = newUuidText();
     m_defaultTimes = {t.startHour, t.startMin, t.endHour, t.endMin};
     trace("Add Task, hidden:", t.hidden);
-    QList<task> &list = selectedList();
-    list.append(std::move(t));
-    return list.last().key;
+    m_list.all().append(std::move(t));
+    return m_list.all().constLast().key;
 }
 
 void TaskManager::editSelectedTask(const QDateTime &date, const QString &name, const QString &desc,
@@ -81,12 +69,11 @@ void TaskManager::editSelectedTask(const QDateTime &date, const QString &name, c
 
 void TaskManager::editSelectedTask(const task &t)
 {
-    if (hasSelection()) {
-        task &edited = selectedList()[m_selected];
+    if (task *const edited = m_list.selectedTask()) {
         task made = t;
-        made.key = edited.key;
-        made.hidden = edited.hidden;
-        edited = std::move(made);
+        made.key = edited->key;
+        made.hidden = edited->hidden;
+        *edited = std::move(made);
     }
     m_defaultTimes = {t.startHour, t.startMin, t.endHour, t.endMin};
     trace("Edit Task");
@@ -94,14 +81,8 @@ void TaskManager::editSelectedTask(const task &t)
 
 void TaskManager::setFilter(qint64 itemStatus)
 {
-    m_tasksInView = tasksOfView(m_tasks, itemStatus, today());
+    m_tasksInView = tasksOfView(tasks(), itemStatus, today());
     trace("Number if tasks in view:", m_tasksInView.size());
-}
-
-void TaskManager::removeAll()
-{
-    m_backupTasks.clear();
-    m_tasks.clear();
 }
 
 } // namespace oblino

@@ -4,6 +4,7 @@
 #include <core/cloudoperations.h>
 #include <core/sortdescriptor.h>
 #include <core/task.h>
+#include <core/tasklist.h>
 
 #include <QList>
 #include <QObject>
@@ -53,17 +54,17 @@ public:
 
     // Lists and state
 
-    [[nodiscard]] const QList<task> &tasks() const { return m_tasks; }
-    void setTasks(const QList<task> &tasks) { m_tasks = tasks; }
+    [[nodiscard]] const QList<task> &tasks() const { return m_list.tasks(); }
+    void setTasks(const QList<task> &tasks) { m_list.tasks() = tasks; }
     [[nodiscard]] const QList<task> &tasksInView() const { return m_tasksInView; }
     void setTasksInView(const QList<task> &tasks) { m_tasksInView = tasks; }
-    [[nodiscard]] const QList<task> &backupTasks() const { return m_backupTasks; }
-    void setBackupTasks(const QList<task> &tasks) { m_backupTasks = tasks; }
+    [[nodiscard]] const QList<task> &backupTasks() const { return m_list.backup(); }
+    void setBackupTasks(const QList<task> &tasks) { m_list.backup() = tasks; }
     /// Every task, whether a search is active or not.
-    [[nodiscard]] const QList<task> &fullList() const { return m_isSearching ? m_backupTasks : m_tasks; }
+    [[nodiscard]] const QList<task> &fullList() const { return m_list.all(); }
     /// Index of the selected task in the selected list, -1 when nothing is selected.
-    [[nodiscard]] qint64 selected() const { return m_selected; }
-    void setSelected(qint64 index) { m_selected = index; }
+    [[nodiscard]] qint64 selected() const { return m_list.selected(); }
+    void setSelected(qint64 index) { m_list.setSelected(index); }
 
     [[nodiscard]] const DefaultTimes &defaultTimes() const { return m_defaultTimes; }
     void setDefaultTimes(const DefaultTimes &times) { m_defaultTimes = times; }
@@ -80,10 +81,10 @@ public:
     [[nodiscard]] QString lastMessage() const { return m_lastMessage; }
     void setLastMessage(const QString &message) { m_lastMessage = message; }
 
-    [[nodiscard]] bool isSearching() const { return m_isSearching; }
+    [[nodiscard]] bool isSearching() const { return m_list.isSearching(); }
     /// Entering a search keeps the full list aside; leaving it brings the full list back, with every change
     /// made to it meanwhile.
-    void setIsSearching(bool searching);
+    void setIsSearching(bool searching) { m_list.setIsSearching(searching); }
     [[nodiscard]] QString searchTerm() const { return m_searchTerm; }
     void setSearchTerm(const QString &term) { m_searchTerm = term; }
 
@@ -206,7 +207,7 @@ public:
     /// Moves the selected task one place up or down in tasks(), during a search among the results; selected()
     /// stays.
     /// @return whether it moved
-    bool swapSelected(bool upper);
+    bool swapSelected(bool upper) { return m_list.moveSelected(upper); }
     /// Composes the share text of the selected task and, once the current event is handled, offers it beside
     /// the control that was pressed. @return whether a task was selected
     bool shareSelected(QObject *sender);
@@ -219,15 +220,15 @@ public:
     /// Adds a copy of the selected task with a new key. @return whether a task was selected
     bool cloneSelected(QObject *sender);
     [[nodiscard]] bool inDarkMode() const;
-    [[nodiscard]] qint64 getSelectedTaskIndex() const { return m_selected; }
+    [[nodiscard]] qint64 getSelectedTaskIndex() const { return m_list.selected(); }
     /// A copy of the selected task, or a blank record where nothing is selected.
     [[nodiscard]] task getSelectedTask() const;
     /// Removes the selected task; selected() stays.
-    void removeSelected();
+    void removeSelected() { m_list.removeSelected(); }
     /// Empties tasks() and backupTasks(); tasksInView() follows with the next setFilter().
-    void removeAll();
-    void hideSelected();
-    void unhideSelected();
+    void removeAll() { m_list.clear(); }
+    void hideSelected() { setHiddenOfSelected(true); }
+    void unhideSelected() { setHiddenOfSelected(false); }
     /// The selected task's hidden flag; false where nothing is selected.
     [[nodiscard]] bool getHiddenSelected() const;
 
@@ -249,18 +250,13 @@ Q_SIGNALS:
     void cloudSucceeded();
 
 private:
-    [[nodiscard]] QList<task> &selectedList() { return m_isSearching ? m_backupTasks : m_tasks; }
-    [[nodiscard]] bool hasSelection() const { return m_selected >= 0 && m_selected < fullList().size(); }
     [[nodiscard]] QString text(const QString &key) const;
     void setHiddenOfSelected(bool hidden);
 
-    QList<task> m_tasks;
+    TaskList m_list;
     QList<task> m_tasksInView;
-    QList<task> m_backupTasks;
-    qint64 m_selected = -1;
     DefaultTimes m_defaultTimes;
     QString m_lastMessage;
-    bool m_isSearching = false;
     QString m_searchTerm;
     Defaults &defaults;
     Appearance &m_appearance;

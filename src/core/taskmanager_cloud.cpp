@@ -42,10 +42,10 @@ bool TaskManager::deleteAllTasksToCloud()
 
 bool TaskManager::syncToCloudFromLocal()
 {
-    trace("Sync To CloudKit, #Tasks:", m_tasks.size());
+    trace("Sync To CloudKit, #Tasks:", tasks().size());
     if (!m_cloud)
-        return m_tasks.isEmpty();
-    const QList<task> sent = m_tasks; // the list may change while the answers are waited for
+        return tasks().isEmpty();
+    const QList<task> sent = tasks(); // the list may change while the answers are waited for
     return m_cloud->send(sent);
 }
 

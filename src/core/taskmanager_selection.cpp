@@ -3,56 +3,32 @@
 #include <base/clock.h>
 #include <base/trace.h>
 
-#include <algorithm>
+#include <utility>
 
 namespace oblino {
 
-namespace {
-
-// The last task with that key; -1 when there is none.
-qsizetype lastIndexOf(const QString &key, const QList<task> &list)
-{
-    const auto found =
-        std::find_if(list.crbegin(), list.crend(), [&key](const task &t) { return t.key == key; });
-    return std::distance(found, list.crend()) - 1;
-}
-
-} // namespace
-
 qint64 TaskManager::setSelected(const QString &key)
 {
-    m_selected = lastIndexOf(key, fullList());
-    return m_selected;
-}
-
-bool TaskManager::swapSelected(bool upper)
-{
-    if (!hasSelection())
-        return false;
-    const qsizetype position =
-        m_isSearching ? lastIndexOf(m_backupTasks.at(m_selected).key, m_tasks) : m_selected;
-    const qsizetype other = upper ? position - 1 : position + 1;
-    const bool bothExist = position >= 0 && other >= 0 && other < m_tasks.size();
-    if (bothExist)
-        m_tasks.swapItemsAt(position, other);
-    return bothExist;
+    m_list.select(key);
+    return selected();
 }
 
 bool TaskManager::closeSelected(QObject *)
 {
-    if (!hasSelection())
+    task *const closed = m_list.selectedTask();
+    if (!closed)
         return false;
-    task &t = selectedList()[m_selected];
-    t.status = ClosedStatus;
-    t.statusName = QStringLiteral("Closed");
+    closed->status = ClosedStatus;
+    closed->statusName = QStringLiteral("Closed");
     return true;
 }
 
 bool TaskManager::cloneSelected(QObject *)
 {
-    if (!hasSelection())
+    const task *const original = std::as_const(m_list).selectedTask();
+    if (!original)
         return false;
-    task copy = fullList().at(m_selected);
+    task copy = *original;
     copy.key.clear();
     addTask(std::move(copy));
     return true;
@@ -60,8 +36,8 @@ bool TaskManager::cloneSelected(QObject *)
 
 task TaskManager::getSelectedTask() const
 {
-    if (hasSelection())
-        return fullList().at(m_selected);
+    if (const task *const found = m_list.selectedTask())
+        return *found;
     const QDateTime moment = now();
     return task{.key = {},
                 .date = moment,
@@ -82,33 +58,18 @@ task TaskManager::getSelectedTask() const
                 .endMin = m_defaultTimes.endMin};
 }
 
-void TaskManager::removeSelected()
-{
-    if (hasSelection())
-        selectedList().removeAt(m_selected);
-}
-
-void TaskManager::hideSelected()
-{
-    setHiddenOfSelected(true);
-}
-
-void TaskManager::unhideSelected()
-{
-    setHiddenOfSelected(false);
-}
-
 bool TaskManager::getHiddenSelected() const
 {
-    if (!m_isSearching)
-        trace("Selected:", m_selected);
-    return hasSelection() && fullList().at(m_selected).hidden;
+    if (!isSearching())
+        trace("Selected:", selected());
+    const task *const found = m_list.selectedTask();
+    return found && found->hidden;
 }
 
 void TaskManager::setHiddenOfSelected(bool hidden)
 {
-    if (hasSelection())
-        selectedList()[m_selected].hidden = hidden;
+    if (task *const found = m_list.selectedTask())
+        found->hidden = hidden;
 }
 
 } // namespace oblino

@@ -12,7 +12,7 @@ namespace oblino {
 
 bool TaskManager::shareSelected(QObject *sender)
 {
-    if (!hasSelection() || !m_sharingPicker)
+    if (!m_list.selectedTask() || !m_sharingPicker)
         return false;
     Dispatch::main(this, [this, text = shareTextOfSelected(), control = QPointer<QObject>(sender)] {
         if (control)
@@ -23,9 +23,9 @@ bool TaskManager::shareSelected(QObject *sender)
 
 QString TaskManager::shareTextOfSelected() const
 {
-    return hasSelection()
-               ? shareText(getSelectedTask(), getMessageTitle(), getMessageFooter(), newUuidText(), QLocale())
-               : QString();
+    const task *const shared = m_list.selectedTask();
+    return shared ? shareText(*shared, getMessageTitle(), getMessageFooter(), newUuidText(), QLocale())
+                  : QString();
 }
 
 } // namespace oblino
