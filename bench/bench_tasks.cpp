@@ -202,7 +202,7 @@ void Cases::addViews()
         store->tasks.setTasks(m_sample.tasks);
         const auto rebuilt = [view](Store *list) {
             list->tasks.setFilter(view);
-            return list->tasks.tasksInView().size();
+            return list->tasks.countInView();
         };
         const auto copy = std::make_shared<QList<task>>();
         const auto copied = [tasks = &m_sample.tasks](QList<task> *last) {
@@ -263,7 +263,10 @@ void Cases::addSort(const QString &column, const std::function<Value(const task 
         };
         add("sort by " + column.toStdString() + (ascending ? " up" : " down"), 2,
             timed(ownList,
-                  [descriptor](QList<task> &list) { return orderedTasks(std::move(list), descriptor); }),
+                  [descriptor](QList<task> &list) {
+                      TaskPlaces order = placesInOrder(list, descriptor);
+                      return rearranged(std::move(list), std::move(order));
+                  }),
             timed([values] { return values; }, sortedValues));
     }
 }

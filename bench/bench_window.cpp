@@ -44,8 +44,8 @@ using namespace std::chrono_literals;
 
 namespace {
 
-constexpr qsizetype taskCount = 10'000;
-constexpr double goal = 16; // ms
+constexpr double frame = 16; // ms
+constexpr qsizetype longList = 100'000;
 constexpr int rounds = 21;
 
 class NoAlert : public Alert
@@ -169,6 +169,7 @@ struct Action
     QString what;
     std::function<void(Window &)> prepare;
     std::function<void(Window &)> act;
+    double longListGoal = frame; // ms
 };
 
 Action typing(const QString &before, const QString &letter)
@@ -213,12 +214,13 @@ std::vector<Action> actions(const Window &window)
     for (int column = 0; column < window.columns(); ++column) {
         all.push_back({QStringLiteral("sort by a click on ") + window.title(column),
                        [](Window &shown) { shown.chooseView(0); },
-                       [column](Window &shown) { shown.clickHeader(column); }});
+                       [column](Window &shown) { shown.clickHeader(column); }, 2 * frame});
     }
     return all;
 }
 
-void measure(PaintWatch &watch, const char *title, const QString &traces, const QString &part)
+void measure(PaintWatch &watch, const char *title, qsizetype taskCount, const QString &traces,
+             const QString &part)
 {
     Trace::setDescriptor(
         ::open(QFile::encodeName(traces).constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0600));
@@ -235,6 +237,7 @@ void measure(PaintWatch &watch, const char *title, const QString &traces, const 
         }
         std::sort(times.begin(), times.end());
         const double median = times.at(times.size() / 2);
+        const double goal = taskCount < longList ? frame : action.longListGoal;
         std::printf("%-34s %8.2f %8.2f %8.2f %6.0f%s\n", qPrintable(action.what), times.front(), median,
                     times.back(), goal, median <= goal ? "" : "  missed");
         std::fflush(stdout);
@@ -250,8 +253,11 @@ int main(int argc, char **argv)
     PaintWatch watch(argc, argv);
     const QTemporaryDir folder;
     const QString part = QCoreApplication::arguments().value(1);
-    measure(watch, "From the event to the painted table", QStringLiteral("/dev/null"), part);
-    measure(watch, "The same with traces into a file", folder.filePath(QStringLiteral("trace")), part);
+    const QString nowhere = QStringLiteral("/dev/null");
+    measure(watch, "From the event to the painted table", 10'000, nowhere, part);
+    measure(watch, "The same with traces into a file", 10'000, folder.filePath(QStringLiteral("trace")),
+            part);
+    measure(watch, "From the event to the painted table", longList, nowhere, part);
     Trace::setDescriptor(-1);
     return EXIT_SUCCESS;
 }

@@ -1,5 +1,7 @@
 #include <core/tasklist.h>
 
+#include <core/taskordering.h>
+
 #include <algorithm>
 #include <utility>
 
@@ -17,6 +19,11 @@ qsizetype lastIndexOf(const QString &key, const QList<task> &list)
 
 } // namespace
 
+void TaskList::setTasks(QList<task> tasks)
+{
+    m_view.keep(std::exchange(m_tasks, std::move(tasks)));
+}
+
 void TaskList::setIsSearching(bool searching)
 {
     if (searching == m_isSearching)
@@ -25,7 +32,7 @@ void TaskList::setIsSearching(bool searching)
     if (searching)
         m_backup = m_tasks;
     else
-        m_tasks = m_backup;
+        setTasks(m_backup);
 }
 
 void TaskList::select(const QString &key)
@@ -43,6 +50,13 @@ task *TaskList::selectedTask()
     return m_selected >= 0 && m_selected < all().size() ? &all()[m_selected] : nullptr;
 }
 
+void TaskList::sort(const SortDescriptor &descriptor)
+{
+    TaskPlaces order = placesInOrder(m_tasks, descriptor);
+    m_view.follow(order);
+    m_tasks = rearranged(std::move(m_tasks), std::move(order));
+}
+
 bool TaskList::moveSelected(bool up)
 {
     const task *const moved = std::as_const(*this).selectedTask();
@@ -51,21 +65,26 @@ bool TaskList::moveSelected(bool up)
     const qsizetype position = m_isSearching ? lastIndexOf(moved->key, m_tasks) : m_selected;
     const qsizetype other = up ? position - 1 : position + 1;
     const bool bothExist = position >= 0 && other >= 0 && other < m_tasks.size();
-    if (bothExist)
+    if (bothExist) {
         m_tasks.swapItemsAt(position, other);
+        m_view.exchange(position, other);
+    }
     return bothExist;
 }
 
 void TaskList::removeSelected()
 {
-    if (std::as_const(*this).selectedTask())
-        all().removeAt(m_selected);
+    if (!std::as_const(*this).selectedTask())
+        return;
+    if (!m_isSearching)
+        m_view.setTasks(m_view.tasks(m_tasks));
+    all().removeAt(m_selected);
 }
 
 void TaskList::clear()
 {
     m_backup.clear();
-    m_tasks.clear();
+    setTasks({});
 }
 
 } // namespace oblino

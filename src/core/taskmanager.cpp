@@ -4,7 +4,6 @@
 #include <base/clock.h>
 #include <base/trace.h>
 #include <core/taskkey.h>
-#include <core/taskordering.h>
 #include <core/taskviews.h>
 #include <files/defaults.h>
 
@@ -23,11 +22,6 @@ TaskManager &tskMgr()
 {
     static TaskManager instance(Defaults::standard(), Appearance::standard());
     return instance;
-}
-
-void TaskManager::sort(const SortDescriptor &sortDescriptor)
-{
-    m_list.tasks() = orderedTasks(std::move(m_list.tasks()), sortDescriptor);
 }
 
 QString TaskManager::addTask(const QString &key, const QDateTime &date, const QString &name,
@@ -81,8 +75,8 @@ void TaskManager::editSelectedTask(const task &t)
 
 void TaskManager::setFilter(qint64 itemStatus)
 {
-    m_tasksInView = tasksOfView(tasks(), itemStatus, today());
-    trace("Number if tasks in view:", m_tasksInView.size());
+    m_list.view().setPlaces(placesInView(tasks(), itemStatus, today()));
+    trace("Number if tasks in view:", countInView());
 }
 
 } // namespace oblino

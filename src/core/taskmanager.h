@@ -55,11 +55,14 @@ public:
     // Lists and state
 
     [[nodiscard]] const QList<task> &tasks() const { return m_list.tasks(); }
-    void setTasks(const QList<task> &tasks) { m_list.tasks() = tasks; }
-    [[nodiscard]] const QList<task> &tasksInView() const { return m_tasksInView; }
-    void setTasksInView(const QList<task> &tasks) { m_tasksInView = tasks; }
+    void setTasks(const QList<task> &tasks) { m_list.setTasks(tasks); }
+    [[nodiscard]] QList<task> tasksInView() const { return m_list.view().tasks(tasks()); }
+    void setTasksInView(const QList<task> &tasks) { m_list.view().setTasks(tasks); }
+    /// The same row by row, without a copy of the tasks.
+    [[nodiscard]] qsizetype countInView() const { return m_list.view().size(); }
+    [[nodiscard]] const task &taskInView(qsizetype row) const { return m_list.view().at(tasks(), row); }
     [[nodiscard]] const QList<task> &backupTasks() const { return m_list.backup(); }
-    void setBackupTasks(const QList<task> &tasks) { m_list.backup() = tasks; }
+    void setBackupTasks(const QList<task> &tasks) { m_list.setBackup(tasks); }
     /// Every task, whether a search is active or not.
     [[nodiscard]] const QList<task> &fullList() const { return m_list.all(); }
     /// Index of the selected task in the selected list, -1 when nothing is selected.
@@ -117,7 +120,7 @@ public:
     // Ordering
 
     /// Reorders tasks(). During a search those are the results, whose order ends with the search.
-    void sort(const SortDescriptor &sortDescriptor);
+    void sort(const SortDescriptor &sortDescriptor) { m_list.sort(sortDescriptor); }
 
     // Tasks
 
@@ -254,7 +257,6 @@ private:
     void setHiddenOfSelected(bool hidden);
 
     TaskList m_list;
-    QList<task> m_tasksInView;
     DefaultTimes m_defaultTimes;
     QString m_lastMessage;
     QString m_searchTerm;

@@ -3,13 +3,13 @@
 #include <base/trace.h>
 #include <core/cellidentifiers.h>
 #include <core/epochmemo.h>
-#include <core/taskplaces.h>
 
 #include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstdlib>
 #include <functional>
+#include <numeric>
 #include <utility>
 #include <vector>
 
@@ -52,13 +52,13 @@ void sort(Keys &keys, bool ascending, const Before &before)
         std::stable_sort(keys.begin(), keys.end(), after);
 }
 
-QList<task> inOrderOf(const Keys &keys, QList<task> tasks)
+TaskPlaces placesOf(const Keys &keys)
 {
     TaskPlaces places;
     places.reserve(keys.size());
     for (const Key &key : keys)
         places.push_back(key.place);
-    return rearranged(std::move(tasks), std::move(places));
+    return places;
 }
 
 // UTF-16 puts the surrogates of U+10000 and above before U+E000..U+FFFF; this swaps the two ranges.
@@ -114,7 +114,7 @@ QString timeText(qint64 hour, qint64 minute, bool ascending)
 }
 
 template<typename TextOf>
-QList<task> orderedByText(QList<task> tasks, bool ascending, const TextOf &textOf)
+TaskPlaces orderedByText(const QList<task> &tasks, bool ascending, const TextOf &textOf)
 {
     std::vector<QString> texts;
     texts.reserve(static_cast<size_t>(tasks.size()));
@@ -127,7 +127,7 @@ QList<task> orderedByText(QList<task> tasks, bool ascending, const TextOf &textO
         const QString &textOfB = texts[static_cast<size_t>(b.place)];
         return !textOfA.isSharedWith(textOfB) && textOfA < textOfB;
     });
-    return inOrderOf(keys, std::move(tasks));
+    return placesOf(keys);
 }
 
 // The local time, which takes no time zone rules to find, and the daylight-saving state, which tells apart
@@ -148,7 +148,7 @@ bool areDaysApart(const Keys &keys)
     return std::adjacent_find(keys.cbegin(), keys.cend(), isNear) == keys.cend();
 }
 
-QList<task> orderedByMoment(QList<task> tasks, bool ascending, QDateTime task::*field)
+TaskPlaces orderedByMoment(const QList<task> &tasks, bool ascending, QDateTime task::*field)
 {
     const auto isLocal = [field](const task &t) {
         return (t.*field).timeSpec() == Qt::LocalTime && (t.*field).isValid();
@@ -157,44 +157,43 @@ QList<task> orderedByMoment(QList<task> tasks, bool ascending, QDateTime task::*
         Keys keys = keysOf(tasks, [field](const task &t) { return localNumber(t.*field); });
         sort(keys, ascending, isSmaller);
         if (areDaysApart(keys))
-            return inOrderOf(keys, std::move(tasks));
+            return placesOf(keys);
     }
     EpochMemo epoch;
     Keys keys = keysOf(tasks, [field, &epoch](const task &t) { return epoch.milliseconds(t.*field); });
     sort(keys, ascending, isSmaller);
-    return inOrderOf(keys, std::move(tasks));
+    return placesOf(keys);
 }
 
-using Ordering = std::function<QList<task>(QList<task>, bool)>;
+using Ordering = std::function<TaskPlaces(const QList<task> &, bool)>;
 
 Ordering byText(QString task::*field)
 {
-    return [field](QList<task> tasks, bool ascending) {
-        return orderedByText(std::move(tasks), ascending,
-                             [field](const task &t) { return comparable(t.*field); });
+    return [field](const QList<task> &tasks, bool ascending) {
+        return orderedByText(tasks, ascending, [field](const task &t) { return comparable(t.*field); });
     };
 }
 
 Ordering byNumber(qint64 task::*field)
 {
-    return [field](QList<task> tasks, bool ascending) {
+    return [field](const QList<task> &tasks, bool ascending) {
         Keys keys = keysOf(tasks, [field](const task &t) { return t.*field; });
         sort(keys, ascending, isSmaller);
-        return inOrderOf(keys, std::move(tasks));
+        return placesOf(keys);
     };
 }
 
 Ordering byMoment(QDateTime task::*field)
 {
-    return [field](QList<task> tasks, bool ascending) {
-        return orderedByMoment(std::move(tasks), ascending, field);
+    return [field](const QList<task> &tasks, bool ascending) {
+        return orderedByMoment(tasks, ascending, field);
     };
 }
 
 Ordering byTime(qint64 task::*hour, qint64 task::*minute)
 {
-    return [hour, minute](QList<task> tasks, bool ascending) {
-        return orderedByText(std::move(tasks), ascending, [hour, minute, ascending](const task &t) {
+    return [hour, minute](const QList<task> &tasks, bool ascending) {
+        return orderedByText(tasks, ascending, [hour, minute, ascending](const task &t) {
             return timeText(t.*hour, t.*minute, ascending);
         });
     };
@@ -220,13 +219,15 @@ const std::vector<std::pair<QString, Ordering>> &orderings()
 
 } // namespace
 
-QList<task> orderedTasks(QList<task> tasks, const SortDescriptor &descriptor)
+TaskPlaces placesInOrder(const QList<task> &tasks, const SortDescriptor &descriptor)
 {
     for (const auto &[key, ordering] : orderings()) {
         if (descriptor.key == key)
-            return ordering(std::move(tasks), descriptor.ascending);
+            return ordering(tasks, descriptor.ascending);
     }
-    return tasks;
+    TaskPlaces places(static_cast<size_t>(tasks.size()));
+    std::iota(places.begin(), places.end(), 0);
+    return places;
 }
 
 void appendTrace(QByteArray &line, const SortDescriptor &descriptor)

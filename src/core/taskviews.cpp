@@ -1,7 +1,6 @@
 #include <core/taskviews.h>
 
 #include <core/days.h>
-#include <core/taskplaces.h>
 
 namespace oblino {
 
@@ -56,7 +55,7 @@ int occurrencesInView(const task &t, qint64 itemStatus, QDate day)
     return (ordinary ? 1 : 0) + (admitted(t, itemStatus, day) ? 1 : 0);
 }
 
-QList<task> tasksOfView(const QList<task> &tasks, qint64 itemStatus, QDate day)
+TaskPlaces placesInView(const QList<task> &tasks, qint64 itemStatus, QDate day)
 {
     TaskPlaces places;
     places.reserve(static_cast<size_t>(tasks.size()));
@@ -64,7 +63,7 @@ QList<task> tasksOfView(const QList<task> &tasks, qint64 itemStatus, QDate day)
         for (int times = occurrencesInView(tasks.at(place), itemStatus, day); times > 0; --times)
             places.push_back(place);
     }
-    return tasksAt(tasks, places);
+    return places;
 }
 
 } // namespace oblino

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <core/task.h>
+#include <core/taskplaces.h>
 
 #include <QDate>
 #include <QList>
@@ -17,9 +18,9 @@ inline constexpr int globalAllView = 6;
 /// How many times a task stands in a view: 0 to 2. A task that two rules of a view admit is listed twice.
 [[nodiscard]] int occurrencesInView(const task &t, qint64 itemStatus, QDate day);
 
-/// The tasks of a view, in their order.
+/// The places of the tasks of a view, in their order.
 /// @param itemStatus  the index of the view
 /// @param day         the day on which tasks of view 9 are due
-[[nodiscard]] QList<task> tasksOfView(const QList<task> &tasks, qint64 itemStatus, QDate day);
+[[nodiscard]] TaskPlaces placesInView(const QList<task> &tasks, qint64 itemStatus, QDate day);
 
 } // namespace oblino

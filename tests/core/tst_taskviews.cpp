@@ -77,7 +77,7 @@ private Q_SLOTS:
             .due = day.addDays(dueToday ? 0 : 1).startOfDay(), .status = status, .hidden = hidden};
         QByteArray times;
         for (int view = 0; view <= 10; ++view)
-            times += QByteArray::number(tasksOfView({t}, view, day).size());
+            times += QByteArray::number(placesInView({t}, view, day).size());
         QCOMPARE(times, expected);
     }
 
@@ -85,7 +85,7 @@ private Q_SLOTS:
     {
         const QList<task> tasks = {
             {.key = u"f"_s, .status = 5}, {.key = u"H"_s, .hidden = true}, {.key = u"o"_s, .status = 0}};
-        QCOMPARE(keysOf(tasksOfView(tasks, 6, QDate(2024, 3, 10))), u"ffHo"_s);
+        QCOMPARE(keysOf(tasksAt(tasks, placesInView(tasks, 6, QDate(2024, 3, 10)))), u"ffHo"_s);
     }
 
     void comparesWholeDays()
@@ -157,9 +157,9 @@ private Q_SLOTS:
     void ordersTasks()
     {
         auto [key, tasks, ascending, descending] = Orders::cells();
-        QCOMPARE(labels(orderedTasks(tasks, {key, true})), ascending);
+        QCOMPARE(labels(tasksAt(tasks, placesInOrder(tasks, {key, true}))), ascending);
         tasks.detach(); // a list of its own is moved, not copied
-        QCOMPARE(labels(orderedTasks(std::move(tasks), {key, false})), descending);
+        QCOMPARE(labels(rearranged(tasks, placesInOrder(tasks, {key, false}))), descending);
     }
 
 private:

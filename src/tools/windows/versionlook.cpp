@@ -66,10 +66,11 @@ void VersionLook::fill(const VersionContent &content, bool dark, bool asText)
         setCurrentWidget(m_ui->pictureLook);
     } else if (isList && !content.tasks.isEmpty() && !asText) {
         m_tasks = content.tasks;
-        QList<task> shown = m_tasks;
-        for (task &t : shown)
+        m_shownTasks = m_tasks;
+        for (task &t : m_shownTasks)
             t.color = dark ? t.color.inverted() : t.color;
-        m_model.setRows(shown);
+        m_model.setRows(m_shownTasks.size(),
+                        [this](int row) -> const task & { return m_shownTasks.at(row); });
         m_ui->taskLook->scrollToTop();
         setCurrentWidget(m_ui->taskLook);
     } else {
@@ -88,8 +89,9 @@ void VersionLook::say(const QString &sentence)
 
 void VersionLook::clear()
 {
+    m_model.setRows(0, {});
+    m_shownTasks.clear();
     m_tasks.clear();
-    m_model.setRows({});
     m_ui->textLook->clear();
     m_ui->pictureLook->setImage({});
     m_ui->messageLook->clear();

@@ -39,7 +39,8 @@ private:
     void clear();
     void fill(const VersionContent &content, bool dark, bool asText);
 
-    QList<task> m_tasks; // in the colours of the light appearance
+    QList<task> m_tasks;      // in the colours of the light appearance
+    QList<task> m_shownTasks; // in those of the present one
     TaskTableModel m_model;
     std::unique_ptr<Ui::VersionLook> m_ui;
 };

@@ -8,6 +8,8 @@
 
 #include <QLocale>
 
+#include <utility>
+
 namespace oblino {
 
 const QStringList &TaskTableModel::identifiers()
@@ -36,17 +38,18 @@ Qt::Alignment TaskTableModel::alignmentOf(int column)
     return (isDateOrTime ? Qt::AlignHCenter : Qt::AlignLeft) | Qt::AlignVCenter;
 }
 
-void TaskTableModel::setRows(const QList<task> &rows)
+void TaskTableModel::setRows(qsizetype count, TaskAt taskAt)
 {
     beginResetModel();
-    m_rows = rows;
+    m_count = static_cast<int>(count);
+    m_taskAt = std::move(taskAt);
     m_backgrounds.clear();
     endResetModel();
 }
 
 QString TaskTableModel::objectValueFor(int column, int row) const
 {
-    return cellText(m_rows.at(row), identifiers().at(column), QLocale());
+    return cellText(m_taskAt(row), identifiers().at(column), QLocale());
 }
 
 QColor TaskTableModel::didAdd(int row) const
@@ -54,14 +57,14 @@ QColor TaskTableModel::didAdd(int row) const
     auto known = m_backgrounds.constFind(row);
     if (known == m_backgrounds.constEnd()) {
         trace("Row:", row);
-        known = m_backgrounds.insert(row, screenColor(m_rows.at(row).color));
+        known = m_backgrounds.insert(row, screenColor(m_taskAt(row).color));
     }
     return *known;
 }
 
 int TaskTableModel::rowCount(const QModelIndex &parent) const
 {
-    return parent.isValid() ? 0 : static_cast<int>(m_rows.size());
+    return parent.isValid() ? 0 : m_count;
 }
 
 int TaskTableModel::columnCount(const QModelIndex &parent) const
@@ -76,7 +79,7 @@ QVariant TaskTableModel::data(const QModelIndex &index, int role) const
     switch (role) {
     case wholeTextRole:
         if (index.column() == descriptionColumn)
-            return m_rows.at(index.row()).desc;
+            return m_taskAt(index.row()).desc;
         [[fallthrough]];
     case Qt::DisplayRole:
         return objectValueFor(index.column(), index.row());

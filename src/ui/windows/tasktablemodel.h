@@ -7,9 +7,11 @@
 #include <QHash>
 #include <QString>
 
+#include <functional>
+
 namespace oblino {
 
-/// Tasks as rows of eleven columns. The rows change only as a whole.
+/// Tasks as rows of eleven columns. The rows change only as a whole; the tasks lie with whoever shows them.
 class TaskTableModel : public QAbstractTableModel
 {
     Q_OBJECT
@@ -32,8 +34,11 @@ public:
     [[nodiscard]] static const QStringList &titles();
     [[nodiscard]] static Qt::Alignment alignmentOf(int column);
 
-    void setRows(const QList<task> &rows);
-    [[nodiscard]] const task &row(int row) const { return m_rows.at(row); }
+    using TaskAt = std::function<const task &(int row)>;
+
+    /// @param taskAt  finds the task of each row, until the rows change again
+    void setRows(qsizetype count, TaskAt taskAt);
+    [[nodiscard]] const task &row(int row) const { return m_taskAt(row); }
 
     /// The text of a cell.
     [[nodiscard]] QString objectValueFor(int column, int row) const;
@@ -46,7 +51,8 @@ public:
     [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
 private:
-    QList<task> m_rows;
+    int m_count = 0;
+    TaskAt m_taskAt;
     mutable QHash<int, QColor> m_backgrounds; // of the rows that have come into sight
 };
 

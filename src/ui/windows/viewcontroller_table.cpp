@@ -57,8 +57,8 @@ qsizetype ViewController::numberOfRows()
 {
     trace("Index of Selected:", viewIndex());
     m_store.setFilter(viewIndex());
-    trace("Number of Rows:", m_store.tasksInView().size());
-    return m_store.tasksInView().size();
+    trace("Number of Rows:", m_store.countInView());
+    return m_store.countInView();
 }
 
 void ViewController::sortDescriptorsDidChange(int section, Qt::SortOrder order)
@@ -101,7 +101,7 @@ void ViewController::reload()
     const QModelIndex current = m_ui->tblView->currentIndex();
     const int scrolled = m_ui->tblView->verticalScrollBar()->value();
     const auto rows = static_cast<int>(numberOfRows());
-    m_model.setRows(m_store.tasksInView());
+    m_model.setRows(rows, [this](int row) -> const task & { return m_store.taskInView(row); });
     // The keyboard goes on from the row where it was; nothing is selected by that.
     if (rows > 0) {
         const QModelIndex near =
@@ -137,10 +137,12 @@ void ViewController::restoreSelection(const QString &key)
 
 int ViewController::rowOfKey(const QString &key) const
 {
-    const QList<task> &rows = m_store.tasksInView();
-    const auto found =
-        std::find_if(rows.cbegin(), rows.cend(), [&key](const task &t) { return t.key == key; });
-    return found == rows.cend() ? -1 : static_cast<int>(found - rows.cbegin());
+    const auto rows = static_cast<int>(m_store.countInView());
+    for (int row = 0; row < rows; ++row) {
+        if (m_store.taskInView(row).key == key)
+            return row;
+    }
+    return -1;
 }
 
 int ViewController::viewIndex() const
@@ -165,7 +167,7 @@ void ViewController::reverseOrder()
 
 void ViewController::showCounts()
 {
-    const qsizetype shown = m_store.tasksInView().size();
+    const qsizetype shown = m_store.countInView();
     const qsizetype all = m_store.fullList().size();
     const QLocale locale;
     const QString noun = all == 1 ? tr("task") : tr("tasks");
