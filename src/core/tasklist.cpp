@@ -1,6 +1,7 @@
 #include <core/tasklist.h>
 
 #include <core/taskordering.h>
+#include <core/taskviews.h>
 
 #include <algorithm>
 #include <utility>
@@ -19,20 +20,58 @@ qsizetype lastIndexOf(const QString &key, const QList<task> &list)
 
 } // namespace
 
+const QList<task> &TaskList::tasks() const
+{
+    if (m_results && !m_areResultsMade) {
+        m_tasks = tasksAt(m_backup, *m_results);
+        m_areResultsMade = true;
+    }
+    return m_tasks;
+}
+
 void TaskList::setTasks(QList<task> tasks)
 {
-    m_view.keep(std::exchange(m_tasks, std::move(tasks)));
+    m_view.keep(viewed());
+    m_results.reset();
+    m_tasks = std::move(tasks);
+    if (!m_isSearching)
+        m_search.clear();
+}
+
+void TaskList::setBackup(QList<task> tasks)
+{
+    copyResults();
+    m_backup = std::move(tasks);
+    if (m_isSearching)
+        m_search.clear();
 }
 
 void TaskList::setIsSearching(bool searching)
 {
     if (searching == m_isSearching)
         return;
-    m_isSearching = searching;
     if (searching)
         m_backup = m_tasks;
     else
         setTasks(m_backup);
+    m_isSearching = searching;
+}
+
+void TaskList::search(const QString &term)
+{
+    if (!m_isSearching)
+        return;
+    if (!m_results)
+        m_view.keep(m_tasks);
+    m_results = m_search.matching(m_backup, term);
+    m_areResultsMade = false;
+    m_tasks.clear();
+}
+
+void TaskList::setFilter(qint64 itemStatus, QDate day)
+{
+    m_view.setPlaces(m_results ? placesInView(m_backup, *m_results, itemStatus, day)
+                               : placesInView(m_tasks, itemStatus, day));
 }
 
 void TaskList::select(const QString &key)
@@ -47,14 +86,31 @@ const task *TaskList::selectedTask() const
 
 task *TaskList::selectedTask()
 {
-    return m_selected >= 0 && m_selected < all().size() ? &all()[m_selected] : nullptr;
+    if (!std::as_const(*this).selectedTask())
+        return nullptr;
+    m_search.change(m_selected);
+    return &all()[m_selected];
+}
+
+void TaskList::append(task t)
+{
+    all().append(std::move(t));
+}
+
+void TaskList::invertColors()
+{
+    for (task &t : all())
+        t.color = t.color.inverted();
 }
 
 void TaskList::sort(const SortDescriptor &descriptor)
 {
+    copyResults();
     TaskPlaces order = placesInOrder(m_tasks, descriptor);
     m_view.follow(order);
     m_tasks = rearranged(std::move(m_tasks), std::move(order));
+    if (!m_isSearching)
+        m_search.clear();
 }
 
 bool TaskList::moveSelected(bool up)
@@ -62,29 +118,45 @@ bool TaskList::moveSelected(bool up)
     const task *const moved = std::as_const(*this).selectedTask();
     if (!moved)
         return false;
+    copyResults();
     const qsizetype position = m_isSearching ? lastIndexOf(moved->key, m_tasks) : m_selected;
     const qsizetype other = up ? position - 1 : position + 1;
     const bool bothExist = position >= 0 && other >= 0 && other < m_tasks.size();
-    if (bothExist) {
-        m_tasks.swapItemsAt(position, other);
-        m_view.exchange(position, other);
-    }
-    return bothExist;
+    if (!bothExist)
+        return false;
+    m_tasks.swapItemsAt(position, other);
+    m_view.exchange(position, other);
+    if (!m_isSearching)
+        m_search.exchange(position, other);
+    return true;
 }
 
 void TaskList::removeSelected()
 {
     if (!std::as_const(*this).selectedTask())
         return;
+    copyResults();
     if (!m_isSearching)
         m_view.setTasks(m_view.tasks(m_tasks));
     all().removeAt(m_selected);
+    m_search.remove(m_selected);
 }
 
 void TaskList::clear()
 {
-    m_backup.clear();
     setTasks({});
+    m_backup.clear();
+    m_search.clear();
+}
+
+// Before the places change: results and rows stay what they are.
+void TaskList::copyResults()
+{
+    if (!m_results)
+        return;
+    m_tasks = tasks();
+    m_view.keep(m_backup);
+    m_results.reset();
 }
 
 } // namespace oblino

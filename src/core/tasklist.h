@@ -2,12 +2,14 @@
 
 #include <core/sortdescriptor.h>
 #include <core/task.h>
+#include <core/tasksearch.h>
 #include <core/taskview.h>
 
+#include <QDate>
 #include <QList>
 #include <QString>
 
-#include <utility>
+#include <optional>
 
 namespace oblino {
 
@@ -17,22 +19,25 @@ namespace oblino {
 class TaskList
 {
 public:
-    [[nodiscard]] const QList<task> &tasks() const { return m_tasks; }
+    [[nodiscard]] const QList<task> &tasks() const;
     void setTasks(QList<task> tasks);
     [[nodiscard]] const QList<task> &backup() const { return m_backup; }
-    void setBackup(QList<task> tasks) { m_backup = std::move(tasks); }
+    void setBackup(QList<task> tasks);
     /// Every task, whether a search is active or not.
     [[nodiscard]] const QList<task> &all() const { return m_isSearching ? m_backup : m_tasks; }
-    /// The same, to be added to or edited in place.
-    [[nodiscard]] QList<task> &all() { return m_isSearching ? m_backup : m_tasks; }
 
     [[nodiscard]] bool isSearching() const { return m_isSearching; }
     /// Entering a search keeps every task aside; leaving it brings them back.
     void setIsSearching(bool searching);
+    /// During a search makes tasks() those of backup() that match the term.
+    void search(const QString &term);
 
-    /// The rows of the table, which are of tasks().
-    [[nodiscard]] TaskView &view() { return m_view; }
-    [[nodiscard]] const TaskView &view() const { return m_view; }
+    /// The rows of the table are those of tasks() that the view admits, from now until this is called again.
+    void setFilter(qint64 itemStatus, QDate day);
+    [[nodiscard]] qsizetype countInView() const { return m_view.size(); }
+    [[nodiscard]] const task &taskInView(qsizetype row) const { return m_view.at(viewed(), row); }
+    [[nodiscard]] QList<task> tasksInView() const { return m_view.tasks(viewed()); }
+    void setTasksInView(QList<task> tasks) { m_view.setTasks(std::move(tasks)); }
 
     /// Index of the selected task in all(), -1 when nothing is selected.
     [[nodiscard]] qint64 selected() const { return m_selected; }
@@ -41,8 +46,13 @@ public:
     void select(const QString &key);
     /// Null where nothing is selected.
     [[nodiscard]] const task *selectedTask() const;
+    /// The same, to be changed at once.
     [[nodiscard]] task *selectedTask();
 
+    /// Adds a task at the end of all().
+    void append(task t);
+    /// Inverts the colour of every task.
+    void invertColors();
     /// Reorders tasks().
     void sort(const SortDescriptor &descriptor);
     /// Moves the selected task one place up or down in tasks(); selected() stays. @return whether it moved
@@ -52,10 +62,18 @@ public:
     void clear();
 
 private:
-    QList<task> m_tasks;
+    [[nodiscard]] QList<task> &all() { return m_isSearching ? m_backup : m_tasks; }
+    [[nodiscard]] const QList<task> &viewed() const { return m_results ? m_backup : m_tasks; }
+    void copyResults();
+
+    mutable QList<task> m_tasks;
     QList<task> m_backup;
+    std::optional<TaskPlaces>
+        m_results; // places in the backup, where m_tasks is made of them when it is wanted
+    mutable bool m_areResultsMade = false;
     bool m_isSearching = false;
-    TaskView m_view;
+    TaskSearch m_search; // of all()
+    TaskView m_view;     // of viewed()
     qint64 m_selected = -1;
 };
 

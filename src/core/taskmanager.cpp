@@ -4,7 +4,6 @@
 #include <base/clock.h>
 #include <base/trace.h>
 #include <core/taskkey.h>
-#include <core/taskviews.h>
 #include <files/defaults.h>
 
 #include <utility>
@@ -47,8 +46,8 @@ QString TaskManager::appendTask(task t)
         t.key = newUuidText();
     m_defaultTimes = {t.startHour, t.startMin, t.endHour, t.endMin};
     trace("Add Task, hidden:", t.hidden);
-    m_list.all().append(std::move(t));
-    return m_list.all().constLast().key;
+    m_list.append(std::move(t));
+    return fullList().constLast().key;
 }
 
 void TaskManager::editSelectedTask(const QDateTime &date, const QString &name, const QString &desc,
@@ -75,7 +74,7 @@ void TaskManager::editSelectedTask(const task &t)
 
 void TaskManager::setFilter(qint64 itemStatus)
 {
-    m_list.view().setPlaces(placesInView(tasks(), itemStatus, today()));
+    m_list.setFilter(itemStatus, today());
     trace("Number if tasks in view:", countInView());
 }
 

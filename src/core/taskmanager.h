@@ -56,11 +56,11 @@ public:
 
     [[nodiscard]] const QList<task> &tasks() const { return m_list.tasks(); }
     void setTasks(const QList<task> &tasks) { m_list.setTasks(tasks); }
-    [[nodiscard]] QList<task> tasksInView() const { return m_list.view().tasks(tasks()); }
-    void setTasksInView(const QList<task> &tasks) { m_list.view().setTasks(tasks); }
+    [[nodiscard]] QList<task> tasksInView() const { return m_list.tasksInView(); }
+    void setTasksInView(const QList<task> &tasks) { m_list.setTasksInView(tasks); }
     /// The same row by row, without a copy of the tasks.
-    [[nodiscard]] qsizetype countInView() const { return m_list.view().size(); }
-    [[nodiscard]] const task &taskInView(qsizetype row) const { return m_list.view().at(tasks(), row); }
+    [[nodiscard]] qsizetype countInView() const { return m_list.countInView(); }
+    [[nodiscard]] const task &taskInView(qsizetype row) const { return m_list.taskInView(row); }
     [[nodiscard]] const QList<task> &backupTasks() const { return m_list.backup(); }
     void setBackupTasks(const QList<task> &tasks) { m_list.setBackup(tasks); }
     /// Every task, whether a search is active or not.
@@ -90,6 +90,8 @@ public:
     void setIsSearching(bool searching) { m_list.setIsSearching(searching); }
     [[nodiscard]] QString searchTerm() const { return m_searchTerm; }
     void setSearchTerm(const QString &term) { m_searchTerm = term; }
+    /// During a search makes tasks() those of backupTasks() that match searchTerm().
+    void search() { m_list.search(m_searchTerm); }
 
     // Settings; safe to call from any thread
 

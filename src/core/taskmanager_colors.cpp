@@ -42,8 +42,7 @@ void TaskManager::invertColorWheeel(ColorWell &colorWell, TextView &descriptionC
 
 void TaskManager::invertColors()
 {
-    for (task &t : m_list.all())
-        t.color = t.color.inverted();
+    m_list.invertColors();
 }
 
 } // namespace oblino

@@ -1,85 +1,97 @@
 #include <core/tasksearch.h>
 
 #include <core/foldedtext.h>
-#include <core/taskplaces.h>
+
+#include <algorithm>
+#include <utility>
 
 namespace oblino {
 
 namespace {
 
-constexpr char16_t firstNonAscii = 0x80;
+constexpr char separator = '\xff'; // which UTF-8 never holds, so that no term reaches over two fields
 
-constexpr char16_t asciiLower(char16_t unit)
+void appendFolded(std::string &folded, const QString &text)
 {
-    return unit >= u'A' && unit <= u'Z' ? static_cast<char16_t>(unit + 0x20) : unit;
+    for (const QChar c : text) {
+        if (c.unicode() >= 0x80) {
+            folded += foldedText(text).toStdString();
+            return;
+        }
+    }
+    for (const QChar c : text)
+        folded += static_cast<char>(c >= u'A' && c <= u'Z' ? c.unicode() + 0x20 : c.unicode());
 }
 
-constexpr char16_t asciiUpper(char16_t unit)
+std::string foldedTexts(const task &t)
 {
-    return unit >= u'a' && unit <= u'z' ? static_cast<char16_t>(unit - 0x20) : unit;
+    std::string folded;
+    folded.reserve(static_cast<size_t>(t.name.size() + t.desc.size() + t.client.size() + t.teamMember.size() +
+                                       t.key.size() + 5));
+    for (const QString *text : {&t.name, &t.desc, &t.client, &t.teamMember, &t.key}) {
+        appendFolded(folded, *text);
+        folded += separator;
+    }
+    return folded;
 }
-
-// Looks for a term in texts, both folded. Nearly all texts are of ASCII alone, where the term is found
-// without a folded copy of the text.
-class FoldedSearch
-{
-public:
-    explicit FoldedSearch(const QString &term)
-        : m_term(foldedText(term))
-        , m_first(m_term.isEmpty() ? u'\0' : m_term.front().unicode())
-    {
-    }
-
-    [[nodiscard]] bool matches(const task &t) const
-    {
-        return contains(t.name) || contains(t.desc) || contains(t.client) || contains(t.teamMember) ||
-               contains(t.key);
-    }
-
-private:
-    [[nodiscard]] bool contains(const QString &text) const
-    {
-        if (m_term.isEmpty())
-            return true;
-        const char16_t upper = asciiUpper(m_first);
-        char16_t all = 0;
-        for (const QChar *c = text.cbegin(); c != text.cend(); ++c) {
-            const char16_t unit = c->unicode();
-            all |= unit;
-            if ((unit == m_first || unit == upper) && isAt({c, text.cend()}))
-                return true;
-        }
-        return all >= firstNonAscii && foldedText(text).contains(m_term);
-    }
-
-    // Says no to what is not ASCII.
-    [[nodiscard]] bool isAt(QStringView text) const
-    {
-        if (text.size() < m_term.size())
-            return false;
-        for (qsizetype i = 0; i < m_term.size(); ++i) {
-            if (text.at(i) >= firstNonAscii || asciiLower(text.at(i).unicode()) != m_term.at(i))
-                return false;
-        }
-        return true;
-    }
-
-    QString m_term;
-    char16_t m_first;
-};
 
 } // namespace
 
-QList<task> tasksMatching(const QList<task> &tasks, const QString &term)
+TaskPlaces TaskSearch::matching(const QList<task> &tasks, const QString &term)
 {
-    const FoldedSearch search(term);
-    TaskPlaces places;
-    places.reserve(static_cast<size_t>(tasks.size()));
-    for (qsizetype place = 0; place < tasks.size(); ++place) {
-        if (search.matches(tasks.at(place)))
-            places.push_back(place);
+    const std::string folded = foldedText(term).toStdString();
+    const auto count = static_cast<size_t>(tasks.size());
+    const bool narrows =
+        m_found && m_folded.size() == count && folded.find(m_term) != std::string::npos && !m_term.empty();
+    m_folded.resize(count);
+    TaskPlaces found;
+    if (narrows) {
+        std::copy_if(m_found->cbegin(), m_found->cend(), std::back_inserter(found), [&](qsizetype place) {
+            return matches(tasks.at(place), static_cast<size_t>(place), folded);
+        });
+    } else {
+        for (size_t place = 0; place < count; ++place) {
+            if (matches(tasks.at(static_cast<qsizetype>(place)), place, folded))
+                found.push_back(static_cast<qsizetype>(place));
+        }
     }
-    return tasksAt(tasks, places);
+    m_term = folded;
+    m_found = found;
+    return found;
+}
+
+bool TaskSearch::matches(const task &t, size_t place, const std::string &term)
+{
+    std::string &folded = m_folded[place];
+    if (folded.empty())
+        folded = foldedTexts(t);
+    return folded.find(term) != std::string::npos;
+}
+
+void TaskSearch::change(qsizetype place)
+{
+    m_found.reset();
+    if (static_cast<size_t>(place) < m_folded.size())
+        m_folded[static_cast<size_t>(place)].clear();
+}
+
+void TaskSearch::remove(qsizetype place)
+{
+    m_found.reset();
+    if (static_cast<size_t>(place) < m_folded.size())
+        m_folded.erase(m_folded.begin() + place);
+}
+
+void TaskSearch::exchange(qsizetype first, qsizetype second)
+{
+    change(first);
+    change(second);
+}
+
+void TaskSearch::clear()
+{
+    m_found.reset();
+    m_folded.clear();
 }
 
 } // namespace oblino

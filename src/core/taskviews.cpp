@@ -16,7 +16,7 @@ enum View : qint64 {
     DueTodayView = 9,
 };
 
-// What a view admits beside the tasks of rule 1 in occurrencesInView().
+// What a view admits beside the tasks of the ordinary ones.
 bool admitted(const task &t, qint64 itemStatus, QDate day)
 {
     switch (itemStatus) {
@@ -49,20 +49,27 @@ QStringList viewLabels()
             QStringLiteral("Due Today")};
 }
 
-int occurrencesInView(const task &t, qint64 itemStatus, QDate day)
+size_t occurrencesInView(const task &t, qint64 itemStatus, QDate day)
 {
     const bool ordinary = (itemStatus == AllView || t.status == itemStatus - 1) && !t.hidden;
-    return (ordinary ? 1 : 0) + (admitted(t, itemStatus, day) ? 1 : 0);
+    return (ordinary ? 1U : 0U) + (admitted(t, itemStatus, day) ? 1U : 0U);
 }
 
 TaskPlaces placesInView(const QList<task> &tasks, qint64 itemStatus, QDate day)
 {
     TaskPlaces places;
     places.reserve(static_cast<size_t>(tasks.size()));
-    for (qsizetype place = 0; place < tasks.size(); ++place) {
-        for (int times = occurrencesInView(tasks.at(place), itemStatus, day); times > 0; --times)
-            places.push_back(place);
-    }
+    for (qsizetype place = 0; place < tasks.size(); ++place)
+        places.insert(places.end(), occurrencesInView(tasks.at(place), itemStatus, day), place);
+    return places;
+}
+
+TaskPlaces placesInView(const QList<task> &tasks, const TaskPlaces &among, qint64 itemStatus, QDate day)
+{
+    TaskPlaces places;
+    places.reserve(among.size());
+    for (const qsizetype place : among)
+        places.insert(places.end(), occurrencesInView(tasks.at(place), itemStatus, day), place);
     return places;
 }
 

@@ -16,11 +16,14 @@ inline constexpr int globalAllView = 6;
 [[nodiscard]] QStringList viewLabels();
 
 /// How many times a task stands in a view: 0 to 2. A task that two rules of a view admit is listed twice.
-[[nodiscard]] int occurrencesInView(const task &t, qint64 itemStatus, QDate day);
+[[nodiscard]] size_t occurrencesInView(const task &t, qint64 itemStatus, QDate day);
 
 /// The places of the tasks of a view, in their order.
 /// @param itemStatus  the index of the view
 /// @param day         the day on which tasks of view 9 are due
 [[nodiscard]] TaskPlaces placesInView(const QList<task> &tasks, qint64 itemStatus, QDate day);
+/// The same, of those tasks alone that stand at the given places.
+[[nodiscard]] TaskPlaces placesInView(const QList<task> &tasks, const TaskPlaces &among, qint64 itemStatus,
+                                      QDate day);
 
 } // namespace oblino

@@ -60,7 +60,7 @@ QString addedText(const QList<task> &added, int view, const QString &searchTerm,
     const QString name = shortened(t.name);
     const QStringList labels = viewLabels();
     const QString &best = labels.at(bestViewOf(t, day));
-    if (!searchTerm.isEmpty() && tasksMatching(added, searchTerm).isEmpty())
+    if (!searchTerm.isEmpty() && TaskSearch().matching(added, searchTerm).empty())
         return tr("Added “%1” to %2; it does not match the search.").arg(name, best);
     if (occurrencesInView(t, view, day) == 0)
         return tr("Added “%1” to %2; this view shows %3.").arg(name, best, labels.value(view));

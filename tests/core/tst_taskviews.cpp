@@ -126,9 +126,8 @@ private Q_SLOTS:
     void findsTheTermInAText()
     {
         const auto [text, term, found] = Searches::cells();
-        QCOMPARE(!tasksMatching({{.key = {}, .name = text, .desc = {}, .client = {}, .teamMember = {}}}, term)
-                      .isEmpty(),
-                 found);
+        const QList<task> tasks = {{.key = {}, .name = text, .desc = {}, .client = {}, .teamMember = {}}};
+        QCOMPARE(!TaskSearch().matching(tasks, term).empty(), found);
     }
 
     void looksInFiveFieldsAndKeepsTheOrder()
@@ -139,7 +138,7 @@ private Q_SLOTS:
                                    {.status = 5, .priorityName = needle}, {.key = needle, .status = 6},
                                    {.name = needle, .status = 7}};
         QString found;
-        for (const task &t : tasksMatching(tasks, u"needle"_s))
+        for (const task &t : tasksAt(tasks, TaskSearch().matching(tasks, u"needle"_s)))
             found += QString::number(t.status);
         QCOMPARE(found, u"13467"_s);
     }

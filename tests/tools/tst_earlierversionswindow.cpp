@@ -122,7 +122,8 @@ private Q_SLOTS:
         w.keep(before);
         w.store.setIsSearching(searching);
         if (searching)
-            w.store.setTasks(tasksMatching(w.store.backupTasks(), u"Mow"_s));
+            w.store.setSearchTerm(u"Mow"_s);
+        w.store.search();
         w.store.setSelected(u"C"_s);
         w.open();
         QTest::keyClick(w.window.get(), Qt::Key_R, Qt::AltModifier);

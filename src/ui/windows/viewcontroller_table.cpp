@@ -9,7 +9,6 @@
 
 #include <base/trace.h>
 #include <core/taskmanager.h>
-#include <core/tasksearch.h>
 
 #include <QHeaderView>
 #include <QLabel>
@@ -29,7 +28,7 @@ void ViewController::search()
         trace(term);
         m_store.setIsSearching(true);
         m_store.setSearchTerm(term);
-        trace("Tasks:", m_store.tasks());
+        trace("Tasks:", [this] { return m_store.tasks(); });
         trace("Backup Tasks:", m_store.backupTasks());
         reinitForSearching();
     } else {
@@ -50,7 +49,7 @@ void ViewController::endSearch()
 void ViewController::reinitForSearching()
 {
     if (m_store.isSearching())
-        m_store.setTasks(tasksMatching(m_store.backupTasks(), m_store.searchTerm()));
+        m_store.search();
 }
 
 qsizetype ViewController::numberOfRows()
