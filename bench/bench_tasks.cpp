@@ -19,9 +19,11 @@
 #include <QTemporaryDir>
 
 #include <fcntl.h>
+#include <malloc.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <cstdio>
 #include <cstdlib>
 #include <list>
 #include <memory>
@@ -126,11 +128,18 @@ public:
     void addViews();
     void addSearches();
     void addSorts();
+    void addSortsByMoment();
 
 private:
     void add(const std::string &what, double goal, const Timed &work, const Timed &limit);
     template<typename Value>
-    void addSort(const QString &column, const std::function<Value(const task &, bool)> &valueOf);
+    void addSort(const QString &column, const std::function<Value(const task &, bool)> &valueOf)
+    {
+        addSort(column, column, m_sample.tasks, valueOf);
+    }
+    template<typename Value>
+    void addSort(const QString &what, const QString &column, const QList<task> &tasks,
+                 const std::function<Value(const task &, bool)> &valueOf);
 
     Ratios &m_ratios;
     const Sample &m_sample;
@@ -252,11 +261,12 @@ void Cases::addSearches()
 }
 
 template<typename Value>
-void Cases::addSort(const QString &column, const std::function<Value(const task &, bool)> &valueOf)
+void Cases::addSort(const QString &what, const QString &column, const QList<task> &tasks,
+                    const std::function<Value(const task &, bool)> &valueOf)
 {
     for (const bool ascending : {true, false}) {
         std::vector<Value> values;
-        for (const task &t : m_sample.tasks)
+        for (const task &t : tasks)
             values.push_back(valueOf(t, ascending));
         const auto sortedValues = [ascending](std::vector<Value> &bare) {
             if (ascending)
@@ -266,12 +276,12 @@ void Cases::addSort(const QString &column, const std::function<Value(const task 
             return bare.size();
         };
         const SortDescriptor descriptor = {column, ascending};
-        const auto ownList = [list = &m_sample.tasks] {
-            QList<task> copy = *list;
+        const auto ownList = [tasks] {
+            QList<task> copy = tasks;
             copy.detach();
             return copy;
         };
-        add("sort by " + column.toStdString() + (ascending ? " up" : " down"), 2,
+        add("sort by " + what.toStdString() + (ascending ? " up" : " down"), 2,
             timed(ownList,
                   [descriptor](QList<task> &list) {
                       TaskPlaces order = placesInOrder(list, descriptor);
@@ -302,6 +312,37 @@ void Cases::addSorts()
     addSort<QString>(Id::TeamMemberCell, [](const task &t, bool) { return t.teamMember; });
 }
 
+void Cases::addSortsByMoment()
+{
+    QList<task> tasks = m_sample.tasks;
+    qint64 minute = 0;
+    for (task &t : tasks)
+        t.date = t.date.addSecs(60 * (minute++ % (24 * 60)));
+    addSort<qint64>(QStringLiteral("moments"), CellIdentifiers::DateCell, tasks,
+                    [](const task &t, bool) { return t.date.toMSecsSinceEpoch(); });
+}
+
+// What the tasks take of the heap once a list is read, and what a first search adds to that.
+void printMemory(const Sample &sample)
+{
+    const auto used = [] {
+        const struct mallinfo2 heap = ::mallinfo2();
+        return heap.uordblks + heap.hblkhd;
+    };
+    const auto count = static_cast<size_t>(sample.tasks.size());
+    const size_t before = used();
+    Store store;
+    require(addTaskList(QString::fromUtf8(sample.bytes), store.tasks).unreadableRows.isEmpty());
+    store.tasks.setFilter(0);
+    const size_t read = used();
+    store.tasks.setIsSearching(true);
+    store.tasks.setSearchTerm(SearchTerms::common);
+    store.tasks.search();
+    store.tasks.setFilter(0);
+    std::printf("\nMemory a task at %zu tasks: %zu bytes, in a search %zu more\n", count,
+                (read - before) / count, (used() - read) / count);
+}
+
 } // namespace
 
 int main(int argc, char **argv)
@@ -316,6 +357,8 @@ int main(int argc, char **argv)
         cases.addViews();
         cases.addSearches();
         cases.addSorts();
+        cases.addSortsByMoment();
     }
+    printMemory(samples.back());
     return ratios.run(argc, argv) ? EXIT_SUCCESS : EXIT_FAILURE;
 }

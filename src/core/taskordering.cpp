@@ -2,13 +2,13 @@
 
 #include <base/trace.h>
 #include <core/cellidentifiers.h>
-#include <core/epochmemo.h>
 
 #include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstdlib>
 #include <functional>
+#include <iterator>
 #include <numeric>
 #include <utility>
 #include <vector>
@@ -138,30 +138,65 @@ qint64 localNumber(const QDateTime &moment)
     return 2 * local + (moment.isDaylightTime() ? 1 : 0);
 }
 
-// Local times a day apart stand in the order of the moments, whatever the clocks did between them; nearer
-// ones may not.
-bool areDaysApart(const Keys &keys)
+qint64 dayOf(const Key &key)
 {
-    const auto isNear = [](const Key &a, const Key &b) {
-        return a.number != b.number && std::abs((a.number >> 1) - (b.number >> 1)) < msPerDay;
+    return (key.number >> 1) / msPerDay; // Julian
+}
+
+bool isNear(const Key &a, const Key &b)
+{
+    return a.number != b.number && std::abs((a.number >> 1) - (b.number >> 1)) < msPerDay;
+}
+
+// The offset from UTC once the day is over differs from the one before.
+bool doClocksChangeOn(qint64 day)
+{
+    const auto offsetAtEndOf = [](qint64 julianDay) {
+        return QDate::fromJulianDay(julianDay).endOfDay().offsetFromUtc();
     };
-    return std::adjacent_find(keys.cbegin(), keys.cend(), isNear) == keys.cend();
+    return offsetAtEndOf(day - 1) != offsetAtEndOf(day);
+}
+
+// Keys that are sorted by local time stand in the order of their moments but for those within a day of a
+// change of the clocks: their moments decide.
+void sortWhereClocksChange(Keys &keys, const QList<task> &tasks, bool ascending, QDateTime task::*field)
+{
+    qint64 checked = 0; // the last day
+    for (auto key = keys.begin(); key != keys.end() && key + 1 != keys.end(); ++key) {
+        const qint64 day = dayOf(*key);
+        if (day == checked || !isNear(*key, *(key + 1)))
+            continue;
+        checked = day;
+        if (!doClocksChangeOn(day))
+            continue;
+        const auto isFar = [day](const Key &other) { return std::abs(dayOf(other) - day) > 1; };
+        const auto begin = std::find_if(std::make_reverse_iterator(key), keys.rend(), isFar).base();
+        const auto end = std::find_if(key, keys.end(), isFar);
+        Keys moments;
+        std::transform(begin, end, std::back_inserter(moments), [&](const Key &local) {
+            return Key{(tasks.at(local.place).*field).toMSecsSinceEpoch(), local.place};
+        });
+        std::sort(moments.begin(), moments.end(),
+                  [](const Key &a, const Key &b) { return a.place < b.place; });
+        sort(moments, ascending, isSmaller);
+        // The local number goes with the place.
+        std::transform(moments.cbegin(), moments.cend(), begin, [&](const Key &moment) {
+            return Key{localNumber(tasks.at(moment.place).*field), moment.place};
+        });
+    }
 }
 
 TaskPlaces orderedByMoment(const QList<task> &tasks, bool ascending, QDateTime task::*field)
 {
-    const auto isLocal = [field](const task &t) {
+    const bool areLocal = std::all_of(tasks.cbegin(), tasks.cend(), [field](const task &t) {
         return (t.*field).timeSpec() == Qt::LocalTime && (t.*field).isValid();
-    };
-    if (std::all_of(tasks.cbegin(), tasks.cend(), isLocal)) {
-        Keys keys = keysOf(tasks, [field](const task &t) { return localNumber(t.*field); });
-        sort(keys, ascending, isSmaller);
-        if (areDaysApart(keys))
-            return placesOf(keys);
-    }
-    EpochMemo epoch;
-    Keys keys = keysOf(tasks, [field, &epoch](const task &t) { return epoch.milliseconds(t.*field); });
+    });
+    Keys keys = keysOf(tasks, [areLocal, field](const task &t) {
+        return areLocal ? localNumber(t.*field) : (t.*field).toMSecsSinceEpoch();
+    });
     sort(keys, ascending, isSmaller);
+    if (areLocal)
+        sortWhereClocksChange(keys, tasks, ascending, field);
     return placesOf(keys);
 }
 

@@ -4,6 +4,8 @@
 #include <core/tasksearch.h>
 #include <core/taskviews.h>
 
+#include <QRandomGenerator>
+
 using namespace oblino;
 
 using Orders = Table<QString, QList<task>, QString, QString>;
@@ -143,6 +145,27 @@ private Q_SLOTS:
         QCOMPARE(found, u"13467"_s);
     }
 
+    void ordersMomentsAroundChangesOfTheClocks()
+    {
+        QRandomGenerator random(1);
+        for (const QDate day : {QDate(2024, 3, 10), QDate(2024, 3, 31), QDate(2024, 4, 7), QDate(2024, 9, 29),
+                                QDate(2024, 10, 27), QDate(2024, 11, 3)}) {
+            QList<task> tasks;
+            for (int i = 0; i < 300; ++i) {
+                const QDateTime utc(day.addDays(random.bounded(-2, 3)),
+                                    QTime(random.bounded(24), random.bounded(2)), Qt::UTC);
+                tasks.append({.date = utc.toLocalTime(), .name = QString::number(i)});
+            }
+            for (const bool ascending : {true, false}) {
+                QList<task> expected = tasks;
+                std::ranges::stable_sort(expected, [ascending](const task &a, const task &b) {
+                    return ascending ? a.date < b.date : b.date < a.date;
+                });
+                QVERIFY(tasksAt(tasks, placesInOrder(tasks, {u"DateCellID"_s, ascending})) == expected);
+            }
+        }
+    }
+
     void ordersTasks_data()
     {
         Orders row;
@@ -157,8 +180,9 @@ private Q_SLOTS:
     {
         auto [key, tasks, ascending, descending] = Orders::cells();
         QCOMPARE(labels(tasksAt(tasks, placesInOrder(tasks, {key, true}))), ascending);
+        const TaskPlaces order = placesInOrder(tasks, {key, false});
         tasks.detach(); // a list of its own is moved, not copied
-        QCOMPARE(labels(rearranged(tasks, placesInOrder(tasks, {key, false}))), descending);
+        QCOMPARE(labels(rearranged(std::move(tasks), order)), descending);
     }
 
 private:
