@@ -17,19 +17,8 @@ using Colors = QList<QColor>;
 inline const QList<QPoint> corner = {{100, 100}, {100, 300}, {300, 300}};
 inline const QList<QPoint> dash = {{400, 100}, {500, 100}};
 
-struct RecordingPicker : SharingPicker
-{
-    void show(const QVariantList &items, QObject *, Edge edge) override
-    {
-        shared = items;
-        isAbove = edge == Edge::Top;
-    }
-    bool isAbove = false;
-    QVariantList shared;
-};
-
-// A board on a picture or on none, drawn on with real mouse events.
-struct Board : ToolHome
+// A board on a picture or on none, drawn on with real mouse events. It keeps what is shared.
+struct Board : ToolHome, SharingPicker
 {
     explicit Board(const std::optional<QByteArray> &picture = {}, FileCalls &calls = FileCalls::posix())
         : ToolHome(calls)
@@ -42,22 +31,19 @@ struct Board : ToolHome
             TemporaryHome::write(board, *picture);
         reopen();
     }
-    ~Board() { delete window; }
+    ~Board() override { delete window; }
 
     void reopen()
     {
-        close();
         delete window;
-        window = new ViewControllerWhiteboard(utilities, picker, home.privateFolder(), home.documents(),
+        window = new ViewControllerWhiteboard(utilities, *this, home.privateFolder(), home.documents(),
                                               nullptr, m_calls);
-        window->setAttribute(Qt::WA_DeleteOnClose);
         window->show();
     }
-    void close() const
+    void show(const QVariantList &items, QObject *, Edge edge) override
     {
-        if (window)
-            window->close();
-        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        shared = items;
+        sharedAt = edge;
     }
 
     [[nodiscard]] QWidget &area() const { return find<QWidget>(*window, "line"); }
@@ -99,18 +85,10 @@ struct Board : ToolHome
             colors += image.pixelColor((point * scale()).toPoint());
         return colors;
     }
-    // How many pixels of the column are dark, counting parts.
-    [[nodiscard]] double darkness(int column) const
-    {
-        const QImage image = saved();
-        double sum = 0;
-        for (int row = 0; row < image.height(); ++row)
-            sum += 1 - image.pixelColor(qRound(column * scale()), row).lightnessF();
-        return sum;
-    }
 
     const QSize size{720, 480};
-    RecordingPicker picker;
+    QVariantList shared;
+    Edge sharedAt = Edge::Left;
     QPointer<ViewControllerWhiteboard> window;
 
 private:

@@ -10,24 +10,34 @@ class tst_whiteboard : public QObject
 {
     Q_OBJECT
 
+    const QColor black = Qt::black;
+    const QColor white = Qt::white;
+
 private Q_SLOTS:
-    void aStrokeGoesIntoTheFileAtTheResolutionOfTheDisplay()
+    void strokesGoIntoTheFileAtTheResolutionOfTheDisplay()
     {
         const Board board;
         board.stroke(corner);
         QCOMPARE(board.saved().size(), board.size * board.scale());
-        QCOMPARE(board.at({{100, 200}, {200, 300}, {200, 200}}), (Colors{Qt::black, Qt::black, Qt::white}));
         // 5 points wide, from 297.5 to 302.5: only whole points cut the edges into grey.
-        QVERIFY(qAbs(board.darkness(200) - 5 * board.scale()) < 0.1);
-        QCOMPARE(board.at({{200, 297}}) == Colors{Qt::white}, board.scale() > 1);
+        QCOMPARE(board.at({{100, 200}, {200, 296}, {200, 297.5}, {200, 301}, {200, 303}}),
+                 (Colors{black, white, black, black, white}));
+        QCOMPARE(board.at({{200, 297}}) == Colors{white}, board.scale() > 1);
         QCOMPARE(board.shown(), board.saved());
         QCOMPARE(board.window->minimumSize(), board.size + QSize(0, 60));
         QCOMPARE(board.window->maximumSize(), board.size + QSize(0, 60));
 
         Global::lineWidth = 40; // its ends and bends are round
         board.stroke(corner);
-        QCOMPARE(board.at({{100, 82}, {84, 84}, {88, 312}, {84, 316}}),
-                 (Colors{Qt::black, Qt::white, Qt::black, Qt::white}));
+        QCOMPARE(board.at({{100, 82}, {84, 84}, {88, 312}, {84, 316}}), (Colors{black, white, black, white}));
+        board.click("eraserButton"); // white, from 295 to 305
+        QCOMPARE(find<ColorButton>(*board.window, "color").color(), Color());
+        board.stroke({{150, 300}, {250, 300}});
+        QCOMPARE(board.at({{200, 294}, {200, 295}, {200, 304}, {200, 305}}),
+                 (Colors{black, white, white, black}));
+        board.pick({1, 0, 0, 1});
+        board.stroke(dash);
+        QCOMPARE(board.at({{450, 100}, {450, 104}}), (Colors{Qt::red, white}));
     }
 
     void aStraightLineGoesFromPressToRelease()
@@ -38,33 +48,13 @@ private Q_SLOTS:
             return button.toolTip() + u' ' + button.icon().name() + u' ' +
                    QString::number(board.area().cursor().shape());
         };
-        const QString straight = u"STRAIGHT LINE AppLineIcon %1"_s.arg(Qt::CrossCursor);
+        QCOMPARE(mode(), u"DRAW AppLineCurveIcon %1"_s.arg(Qt::ArrowCursor));
         board.click("lineButton");
-        QCOMPARE(mode(), straight);
         const QByteArray traces = tracesOf([&] { board.stroke(corner); });
         QVERIFY2(traces.contains("LineStart: 100 100\n") && traces.contains("LineEnd: 300 300\n"), traces);
-        QCOMPARE(board.at({{200, 200}, {100, 200}}), (Colors{Qt::black, Qt::white}));
+        QCOMPARE(board.at({{200, 200}, {100, 200}}), (Colors{black, white}));
         board.reopen(); // the mode lasts
-        QCOMPARE(mode(), straight);
-        board.click("lineButton");
-        QCOMPARE(mode(), u"DRAW AppLineCurveIcon %1"_s.arg(Qt::ArrowCursor));
-    }
-
-    void theEraserIsWhiteAndWideUntilAColourIsPicked()
-    {
-        const Board board;
-        Global::lineWidth = 100;
-        board.stroke(corner);
-        board.click("eraserButton");
-        QCOMPARE(find<ColorButton>(*board.window, "color").color(), Color());
-        const double before = board.darkness(200);
-        board.stroke({{150, 300}, {250, 300}});
-        QVERIFY(qAbs(before - board.darkness(200) - 10 * board.scale()) < 0.1);
-
-        board.pick({1, 0, 0, 1});
-        board.stroke(dash);
-        QCOMPARE(board.at({{450, 100}}), Colors{Qt::red});
-        QCOMPARE(Global::lineWidth, 5.0);
+        QCOMPARE(mode(), u"STRAIGHT LINE AppLineIcon %1"_s.arg(Qt::CrossCursor));
     }
 
     void theSavedPictureStaysWhileNothingIsDrawn()
@@ -74,7 +64,6 @@ private Q_SLOTS:
         board.stroke(corner);
         const QImage drawn = board.saved();
         const Colors bend = board.at({{100, 300}, {200, 300}});
-        board.pick({1, 0, 0, 1});
         board.reopen();
         QCOMPARE(board.saved(), drawn);
         QCOMPARE(board.shown(), drawn);
@@ -88,65 +77,50 @@ private Q_SLOTS:
         Board board;
         board.stroke(corner);
         const QImage drawn = board.saved();
-        for (const std::optional<int> no : {std::optional<int>(), std::optional(1)}) { // closed by Esc
-            board.questions.answer = no;
-            board.click("deleteButton");
+        for (const std::optional<int> answer : {std::optional(1), {}, {0}}) { // no, Esc, yes
             QCOMPARE(board.shown(), drawn);
+            board.questions.answer = answer;
+            board.click("deleteButton");
         }
         QCOMPARE(board.questions.asked.last().messageText,
                  u"Are you sure you want to erase the Whiteboard ?"_s);
-
-        board.questions.answer = 0;
-        board.click("deleteButton");
         QImage empty = drawn;
         empty.fill(Qt::white);
         QCOMPARE(board.shown(), empty);
-        QCOMPARE(board.saved(), drawn);
         board.click("revertButton");
         QCOMPARE(board.shown(), drawn);
         board.click("deleteButton");
-        QVERIFY(board.window->isUnsaved());
         delete board.window; // without being hidden first
         QCOMPARE(board.saved(), empty);
     }
 
     void sharesTheSavedPictureBetweenTwoTexts()
     {
-        const Board board;
+        Board board;
         board.stroke(corner);
         board.click("shareButton");
-        QCOMPARE(board.picker.shared.size(), 3);
-        QCOMPARE(board.picker.shared.at(0).toString(), u"Whiteboard\n"_s);
-        QCOMPARE(board.picker.shared.at(1).value<QImage>().convertToFormat(QImage::Format_RGB32),
-                 board.saved());
-        const QString footer = board.picker.shared.at(2).toString();
-        QVERIFY(footer.startsWith(u"Sent with Oblino. Download from the App Store for Mac:\n\nhttp"_s) &&
-                footer.endsWith(u'\n') && footer.count(u'\n') == 3);
-        QVERIFY(!board.window->isVisible());
-        QVERIFY(board.picker.isAbove);
+        QCOMPARE(board.shared.value(0).toString(), u"Whiteboard\n"_s);
+        QCOMPARE(board.shared.value(1).value<QImage>().convertToFormat(QImage::Format_RGB32), board.saved());
+        const QRegularExpression footer(
+            u"^Sent with Oblino. Download from the App Store for Mac:\n\nhttps?://\\S+\n$"_s);
+        QVERIFY(footer.match(board.shared.value(2).toString()).hasMatch());
+        QVERIFY(!board.window->isVisible() && board.sharedAt == SharingPicker::Edge::Top);
     }
 
-    void drawsWithPenAndFinger()
+    void drawsWithAPenWhereItIs()
     {
         const Board board;
-        const auto send = [&board](QEvent::Type type, QPointF place, Qt::MouseButton button,
-                                   Qt::MouseButtons held) {
+        const auto send = [&board](QEvent::Type type, QPointF place, Qt::MouseButtons held) {
             QTabletEvent event(type, QPointingDevice::primaryPointingDevice(), place, place, 0.5, 0, 0, 0, 0,
-                               0, {}, button, held);
+                               0, {}, type == QEvent::TabletMove ? Qt::NoButton : Qt::LeftButton, held);
             QCoreApplication::sendEvent(&board.area(), &event);
         };
-        send(QEvent::TabletMove, {50, 50}, Qt::NoButton, Qt::NoButton); // above the board
-        send(QEvent::TabletPress, {100, 100.5}, Qt::LeftButton, Qt::LeftButton);
-        send(QEvent::TabletMove, {200, 100.5}, Qt::NoButton, Qt::LeftButton);
-        send(QEvent::TabletRelease, {200, 100.5}, Qt::LeftButton, Qt::NoButton);
+        send(QEvent::TabletMove, {50, 50}, Qt::NoButton); // above the board
+        send(QEvent::TabletPress, {100, 100.5}, Qt::LeftButton);
+        send(QEvent::TabletMove, {200, 100.5}, Qt::LeftButton);
+        send(QEvent::TabletRelease, {200, 100.5}, Qt::NoButton);
         // It is black from 98 to 103.
-        QCOMPARE(board.at({{150, 98}, {150, 97}, {75, 75}}), (Colors{Qt::black, Qt::white, Qt::white}));
-
-        const std::unique_ptr<QPointingDevice> finger(QTest::createTouchDevice());
-        QTest::touchEvent(board.window, finger.get()).press(0, {100, 200});
-        QTest::touchEvent(board.window, finger.get()).move(0, {200, 200});
-        QTest::touchEvent(board.window, finger.get()).release(0, {200, 200});
-        QTRY_COMPARE(board.at({{150, 200}}), Colors{Qt::black});
+        QCOMPARE(board.at({{150, 98}, {150, 97}, {75, 75}}), (Colors{black, white, white}));
     }
 };
 
