@@ -4,10 +4,7 @@
 
 #include <files/filewatch.h>
 
-#include <QDir>
-#include <QFile>
 #include <QSignalSpy>
-#include <QTest>
 
 #include <functional>
 
@@ -30,7 +27,7 @@ private Q_SLOTS:
                      0);
         };
         const Deed remove = [](const Place &place) { QVERIFY(QFile::remove(place.path)); };
-        const Deed moveFolder = [](const Place &place) {
+        const auto moveFolder = [](const Place &place) {
             QVERIFY(QFile::rename(place.folder.filePath(u"docs"_s), place.folder.filePath(u"away"_s)));
         };
         const Deed bringFolder = [](const Place &place) {

@@ -3,8 +3,6 @@
 #include <support/table.h>
 #include <support/testmain.h>
 
-#include <QTest>
-
 #include <functional>
 
 using namespace oblino;
@@ -17,7 +15,7 @@ const QByteArray oldText = "one\n";
 const QByteArray newText = QByteArray("two and a line\n").repeated(700);
 const QByteArray otherText = "three, something else again\n";
 
-/// The calls of this machine, before one of which another program does something to the user's file.
+/// The calls of this machine, before one of which, or some, another program does something to the file.
 class DisturbedFileCalls : public FaultyFileCalls
 {
 public:
@@ -28,6 +26,7 @@ public:
     }
 
     void disturb(int number) { m_left = number; }
+    void disturbEvery(const QByteArray &name) { m_everyName = name; }
     [[nodiscard]] bool isDisturbed() const { return !struckCall.isEmpty(); }
 
     QByteArray struckCall;   ///< the call before which that was
@@ -38,13 +37,13 @@ public:
 private:
     void before(const Call &call) override
     {
-        if (--m_left == 0) {
+        const QByteArray name = call.path == m_userFile ? call.name : "";
+        if (--m_left == 0 || (!name.isEmpty() && name == m_everyName)) {
             struckCall = QByteArray(call.name) + " of " + call.path;
             m_deed();
         }
         if (m_left > 0 || !isDisturbed())
             return;
-        const QByteArray name = call.path == m_userFile ? call.name : "";
         const bool isWriting = name == "pwrite" || name == "ftruncate" || name == "fsync";
         const bool isEndOfLook = name == "pread" && call.offset > 0;
         isAtOnce &= isWritten || isWriting || isEndOfLook || name == "stat";
@@ -54,6 +53,7 @@ private:
 
     QByteArray m_userFile;
     std::function<void()> m_deed;
+    QByteArray m_everyName;
     int m_left = 0;
 };
 
@@ -65,9 +65,7 @@ void writeInPlace(const Place &place)
 void renameOver(const Place &place)
 {
     put(place.path + u".other"_s, otherText);
-    QCOMPARE(::rename(QFile::encodeName(place.path + u".other"_s).constData(),
-                      QFile::encodeName(place.path).constData()),
-             0);
+    QCOMPARE(::rename((place.encodedPath() + ".other").constData(), place.encodedPath().constData()), 0);
 }
 
 void deleteIt(const Place &place)
@@ -113,14 +111,11 @@ private Q_SLOTS:
             const bool isAfterTheSave = !calls.isWritten && !(calls.isLookedAt && !isInPlace);
             if (!struck || !isAfterTheSave)
                 QVERIFY2(contentOf(place.path) == after, where + ", there is " + contentOf(place.path));
-            const FileWriting next = file.write("next");
-            QVERIFY(next.written && contentOf(place.path) == "next");
+            QVERIFY(file.write("next").written && contentOf(place.path) == "next");
             // No look can tell what comes between it and the writing that follows.
             const bool isUnseen = isInPlace && calls.isWritten && calls.isAtOnce;
-            if (struck && !isUnseen) {
-                for (const QByteArray &text : kept)
-                    QVERIFY2(place.kept().contains(text), where);
-            }
+            if (struck && !isUnseen && !kept.isEmpty())
+                QVERIFY2(place.kept().contains(kept.first()), where);
         }
         QVERIFY2(number > 15, qPrintable(QString::number(number)));
     }
@@ -128,30 +123,18 @@ private Q_SLOTS:
     void failsWhereAnotherProgramNeverStops()
     {
         const Place place(oldText);
-        class : public FileCalls
-        {
-        public:
-            const Place *place = nullptr;
-            int rounds = 0;
-            ssize_t pwrite(int fd, const char *data, size_t size, off_t offset) override
-            {
-                const ssize_t written = FileCalls::pwrite(fd, data, size, offset);
-                if (size == size_t(newText.size())) {
-                    ++rounds;
-                    renameOver(*place);
-                }
-                return written;
-            }
-        } calls;
-        calls.place = &place;
+        int rounds = 0;
+        DisturbedFileCalls calls(place.encodedPath(), [&] {
+            ++rounds;
+            renameOver(place);
+        });
         SafeFile file(place.path, place.privateFolder, calls);
         QCOMPARE(file.read().bytes, oldText);
+        calls.disturbEvery("fsync");
         const FileWriting saved = file.write(newText);
-        QVERIFY(!saved.written);
-        QVERIFY2(saved.error.contains(u"another program"_s), qPrintable(saved.error));
-        QVERIFY(calls.rounds > 1 && calls.rounds < 20);
-        QVERIFY(QFile::exists(file.journalPath()));
-        QVERIFY(place.kept().contains(otherText));
+        QVERIFY2(!saved.written && saved.error.contains(u"another program"_s), qPrintable(saved.error));
+        QVERIFY(rounds > 1 && rounds < 20);
+        QVERIFY(QFile::exists(file.journalPath()) && place.kept().contains(otherText));
     }
 };
 

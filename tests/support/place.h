@@ -1,6 +1,5 @@
 #pragma once
 
-#include <files/journal.h>
 #include <files/openfile.h>
 #include <files/safefile.h>
 #include <support/temporaryhome.h>
@@ -50,12 +49,6 @@ struct Place
 
     [[nodiscard]] SafeFile file() const { return SafeFile(path, privateFolder); }
     [[nodiscard]] QByteArray encodedPath() const { return resolveSymlinks(path); }
-
-    /// A journal as an interrupted save from `before` to `after` leaves it.
-    [[nodiscard]] QByteArray journal(const QByteArray &before, const QByteArray &after) const
-    {
-        return Journal{encodedPath(), before, after}.encoded();
-    }
 
     /// The contents of the recovery folder's files, but for the versions of a day.
     [[nodiscard]] QByteArrayList kept() const { return keptIn(privateFolder, false); }

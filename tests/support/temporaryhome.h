@@ -17,6 +17,7 @@ inline void useMemoryForTemporaryFiles()
         qputenv("TMPDIR", "/dev/shm");
 }
 
+[[nodiscard]] QStringList filesWith(const QString &folder, const QByteArray &text);
 [[nodiscard]] QByteArrayList keptIn(const QString &privateFolder, bool isDaily);
 
 /// A documents folder and a private folder of a test's own, gone with the test.
@@ -33,14 +34,7 @@ public:
     /// The files, in all folders, in which a text stands.
     [[nodiscard]] QStringList filesWith(const QByteArray &text) const
     {
-        QStringList files;
-        for (QDirIterator all(m_folder.path(), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
-             all.hasNext();) {
-            const QString path = all.next();
-            if (content(path).contains(text))
-                files += path;
-        }
-        return files;
+        return oblino::filesWith(m_folder.path(), text);
     }
 
     /// What lies in the recovery folder, but for the versions of a day.
@@ -87,6 +81,18 @@ public:
 private:
     std::map<const char *, QByteArray> m_before;
 };
+
+/// The files in a folder and those below it in which a text stands.
+[[nodiscard]] inline QStringList filesWith(const QString &folder, const QByteArray &text)
+{
+    QStringList files;
+    for (QDirIterator all(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories); all.hasNext();) {
+        const QString path = all.next();
+        if (TemporaryHome::content(path).contains(text))
+            files += path;
+    }
+    return files;
+}
 
 /// What lies in the recovery folder of that private folder: versions of a day or all others.
 [[nodiscard]] inline QByteArrayList keptIn(const QString &privateFolder, bool isDaily)
