@@ -31,6 +31,22 @@ bool isWanted(const struct stat &status)
            !(S_ISCHR(status.st_mode) && status.st_rdev == makedev(1, 3));
 }
 
+// What moves the cursor of a terminal, or more, as the picture of it: the texts are those of others, too.
+QByteArray withoutControls(const QByteArray &line)
+{
+    QString text = QString::fromUtf8(line);
+    for (QChar &character : text) {
+        const char16_t code = character.unicode();
+        if (code < u' ' && code != u'\n' && code != u'\t')
+            character = QChar(u'\u2400' + code);
+        else if (code == u'\x7f')
+            character = u'\u2421';
+        else if (character.category() == QChar::Other_Control && code > u'\x7f')
+            character = QChar::ReplacementCharacter;
+    }
+    return text.toUtf8();
+}
+
 struct Output
 {
     Output() { setDescriptor(STDOUT_FILENO); }
@@ -49,9 +65,8 @@ struct Output
         // A terminal that polls writable can still make a writer wait. Only a description of our own may be
         // told not to: the other one is shared with the shell.
         const QByteArray path = "/proc/self/fd/" + QByteArray::number(newDescriptor);
-        terminal = ::isatty(newDescriptor) == 1
-                       ? ::open(path.constData(), O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC)
-                       : -1;
+        isTerminal = ::isatty(newDescriptor) == 1;
+        terminal = isTerminal ? ::open(path.constData(), O_WRONLY | O_NONBLOCK | O_NOCTTY | O_CLOEXEC) : -1;
         descriptor = terminal >= 0 ? terminal : newDescriptor;
     }
 
@@ -82,6 +97,7 @@ struct Output
     QMutex mutex;
     QByteArray buffer;
     int descriptor = -1;
+    bool isTerminal = false;
     int terminal = -1; // opened here
     std::atomic<bool> wanted = false;
 };
@@ -105,7 +121,7 @@ void Trace::writeLine(const QByteArray &line)
     const QMutexLocker lock(&out.mutex);
     if (out.buffer.size() >= dropAt)
         return;
-    out.buffer += line;
+    out.buffer += out.isTerminal ? withoutControls(line) : line;
     out.buffer += '\n';
     if (out.buffer.size() >= flushAt)
         out.write();

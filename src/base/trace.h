@@ -13,7 +13,8 @@ namespace oblino {
 /// The program's diagnostic lines on standard output. Lines are gathered in a buffer and written when the
 /// event loop is idle, at exit, and when the buffer is full. Nothing is built at all where the output goes
 /// nowhere (closed, or the null device) or into the system's log, which would keep the texts of tasks. A
-/// reader that does not keep up loses lines; it never holds the program up. Safe to use from any thread.
+/// reader that does not keep up loses lines; it never holds the program up. A terminal is shown pictures of
+/// control characters in place of them. Safe to use from any thread.
 class Trace
 {
 public:

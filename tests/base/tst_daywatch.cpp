@@ -18,11 +18,10 @@ private Q_SLOTS:
         const auto at = [](int day, int hour, int minute = 0, int second = 0, int ms = 0) {
             return QDateTime(QDate(2024, 3, day), QTime(hour, minute, second, ms));
         };
-        const auto midnight = std::pair(at(8, 23, 59, 59, 950), at(9, 0, 0, 0, 1));
-        const auto noMidnight = std::pair(at(9, 23, 59, 59, 950), at(10, 1, 0, 0, 1));
-        const auto daysLater = std::pair(at(8, 12), at(12, 8));
-        const auto clockPutBack = std::pair(at(8, 0, 30), at(7, 23, 30));
-        for (const auto &[before, after] : {midnight, noMidnight, daysLater, clockPutBack}) {
+        for (const auto &[before, after] : {std::pair(at(8, 23, 59, 59, 950), at(9, 0, 0, 0, 1)),
+                                            {at(9, 23, 59, 59, 950), at(10, 1, 0, 0, 1)},
+                                            {at(8, 12), at(12, 8)},
+                                            {at(8, 0, 30), at(7, 23, 30)}}) { // days later, clock put back
             QDateTime moment = before;
             DayWatch watch([&moment] { return moment; });
             const QSignalSpy told(&watch, &DayWatch::dayChanged);

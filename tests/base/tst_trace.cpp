@@ -10,6 +10,35 @@
 using namespace oblino;
 using namespace Qt::Literals::StringLiterals;
 
+namespace {
+
+/// A terminal of a test's own, which shows what is written as it is.
+struct Terminal
+{
+    Terminal()
+    {
+        termios mode = {};
+        ::cfmakeraw(&mode);
+        if (::openpty(&reader, &writer, nullptr, &mode, nullptr) != 0)
+            qFatal("no terminal");
+    }
+    ~Terminal()
+    {
+        ::close(reader);
+        ::close(writer);
+    }
+    int reader = -1;
+    int writer = -1;
+};
+
+QByteArray readFrom(int descriptor)
+{
+    QByteArray part(65536, '\0');
+    return part.first(qMax<ssize_t>(0, ::read(descriptor, part.data(), 65536)));
+}
+
+} // namespace
+
 class tst_trace : public QObject
 {
     Q_OBJECT
@@ -33,21 +62,20 @@ private Q_SLOTS:
     {
         struct stat zero = {};
         QCOMPARE(::stat("/dev/zero", &zero), 0);
-        const QByteArray device = QByteArray::number(quint64(zero.st_dev));
+        const QByteArray log = QByteArray::number(quint64(zero.st_dev)) + ':';
         const QByteArray inode = QByteArray::number(quint64(zero.st_ino));
-        for (const auto &[path, journal, expected] : {std::tuple("/dev/null", QByteArray(), 0),
-                                                      {"/no/such/file", {}, 0},
-                                                      {"/dev/zero", {}, 1},
-                                                      {"/dev/zero", device + ':' + inode, 0},
-                                                      {"/dev/zero", device + ":1" + inode, 1},
-                                                      {"/dev/zero", '1' + device + ':' + inode, 1}}) {
+        for (const auto &[path, journal, expected] : {std::tuple("/dev/null", ""_ba, 0),
+                                                      {"/no/such/file", "", 0},
+                                                      {"/dev/zero", "", 1},
+                                                      {"/dev/zero", log + inode, 0},
+                                                      {"/dev/zero", log + '1' + inode, 1},
+                                                      {"/dev/zero", '1' + log + inode, 1}}) {
             qputenv("JOURNAL_STREAM", journal);
-            const int descriptor = ::open(path, O_WRONLY | O_CLOEXEC);
-            Trace::setDescriptor(descriptor);
+            QFile file(QString::fromLatin1(path));
+            Trace::setDescriptor(file.open(QIODevice::WriteOnly) ? file.handle() : -1);
             int calls = 0;
             trace("x", [&calls] { return ++calls; });
             Trace::setDescriptor(STDOUT_FILENO);
-            ::close(descriptor);
             QCOMPARE(calls, expected);
         }
         qunsetenv("JOURNAL_STREAM");
@@ -56,30 +84,42 @@ private Q_SLOTS:
     void keepsABoundedNumberOfWholeLinesForASlowReader()
     {
         const QByteArray line(1023, 'x');
-        int pipe[2] = {-1, -1}, terminal[2] = {-1, -1};
+        int pipe[2] = {-1, -1};
         QCOMPARE(::pipe2(pipe, O_CLOEXEC), 0);
-        QCOMPARE(::openpty(&terminal[0], &terminal[1], nullptr, nullptr, nullptr), 0);
-        termios mode = {};
-        ::cfmakeraw(&mode);
-        QCOMPARE(::tcsetattr(terminal[1], TCSANOW, &mode), 0);
-        for (const int *ends : {pipe, terminal}) {
-            ::fcntl(ends[0], F_SETFL, O_NONBLOCK);
-            Trace::setDescriptor(ends[1]);
+        const Terminal terminal;
+        for (const auto &[reader, writer] :
+             {std::pair(pipe[0], pipe[1]), {terminal.reader, terminal.writer}}) {
+            ::fcntl(reader, F_SETFL, O_NONBLOCK);
+            Trace::setDescriptor(writer);
             for (int i = 0; i < 24 * 1024; ++i)
                 trace(line);
             QByteArray received;
-            QByteArray part(65536, '\0');
-            for (ssize_t size = 0; size >= 0; size = ::read(ends[0], part.data(), 65536)) {
-                received.append(part.constData(), size);
-                Trace::flush();
+            for (QByteArray part = "-"; !part.isEmpty(); Trace::flush()) {
+                part = readFrom(reader);
+                received += part;
             }
             Trace::setDescriptor(STDOUT_FILENO);
-            ::close(ends[0]);
-            ::close(ends[1]);
-            QVERIFY2(received.size() > 15 << 20 && received.size() < 17 << 20,
-                     QByteArray::number(received.size()));
-            QVERIFY(received == (line + '\n').repeated(received.size() / 1024));
+            const qsizetype size = received.size();
+            QVERIFY2(size > 15 << 20 && size < 17 << 20, QByteArray::number(size));
+            QVERIFY(received == (line + '\n').repeated(size / 1024));
         }
+        ::close(pipe[0]);
+        ::close(pipe[1]);
+    }
+
+    void aTerminalIsNotMovedByATextAndMayGo()
+    {
+        Terminal terminal;
+        Trace::setDescriptor(terminal.writer);
+        trace("Café\t\x1b[2J\r\b\x7f", u"\u009b1A"_s, "\xff\x9b", QByteArray("\0.", 2), "two\nlines");
+        Trace::flush();
+        QCOMPARE(readFrom(terminal.reader), "Café\t␛[2J␍␈␡ \ufffd1A \ufffd\ufffd ␀. two\nlines\n");
+        ::close(std::exchange(terminal.reader, -1));
+        for (int i = 0; i < 24 * 1024; ++i)
+            trace(QByteArray(1023, 'x'));
+        Trace::flush();
+        QVERIFY(!Trace::enabled());
+        Trace::setDescriptor(STDOUT_FILENO);
     }
 };
 
