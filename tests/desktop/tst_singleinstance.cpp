@@ -55,20 +55,18 @@ private Q_SLOTS:
     {
         // The runtime folders of the first start and of the next one; in which folder the socket lies.
         const Table<QString, QString, QString> row;
-        row("a runtime folder", u"run"_s, u"run"_s, u"run"_s);
-        row("none", {}, {}, u"private"_s);
         row("none for the next", u"run"_s, {}, u"run"_s);
         row("none for the first", {}, u"run"_s, u"private"_s);
         row("another for the next", u"run"_s, u"run2"_s, u"run"_s);
         row("others may look into it", u"open"_s, u"open"_s, u"private"_s);
         row("it is gone", u"gone"_s, u"gone"_s, u"private"_s);
-        row("a path longer than an address may be", u"long"_s, u"long"_s, QString(200, u'l'));
+        row("a path longer than an address may be", longName, longName, longName);
     }
     void listensWhereNobodyElseCanAndIsFoundThere()
     {
         const auto [first, next, place] = Table<QString, QString, QString>::cells();
         const QDir home(m_home->path({}));
-        for (const QString &name : {u"run"_s, u"run2"_s, u"open"_s, QString(200, u'l')}) {
+        for (const QString &name : {u"run"_s, u"run2"_s, u"open"_s, longName}) {
             QVERIFY(home.mkdir(name));
             QCOMPARE(::chmod(qPrintable(home.filePath(name)), name == u"open" ? 0750 : 0700), 0);
         }
@@ -103,13 +101,11 @@ private:
     // A folder of the test's home; none without a name.
     void setRuntimeFolder(const QString &name) const
     {
-        if (name.isEmpty())
-            qunsetenv("XDG_RUNTIME_DIR");
-        else
-            qputenv("XDG_RUNTIME_DIR",
-                    QFile::encodeName(m_home->path(name == u"long" ? QString(200, u'l') : name)));
+        name.isEmpty() ? qunsetenv("XDG_RUNTIME_DIR")
+                       : qputenv("XDG_RUNTIME_DIR", QFile::encodeName(m_home->path(name)));
     }
 
+    const QString longName = QString(200, u'l');
     std::unique_ptr<TemporaryHome> m_home;
     QString m_folder;
 };
