@@ -8,6 +8,12 @@
 
 namespace oblino {
 
+/// Whether light text is read on a window of that lightness (0..1), and dark text is not.
+[[nodiscard]] constexpr bool isDark(float lightness)
+{
+    return lightness < 0.5F;
+}
+
 /// The user's global appearance setting: the text under "AppleInterfaceStyle", which is "Dark" while the
 /// dark appearance is on and absent otherwise. It holds what a source such as PortalAppearance tells it.
 /// Reading is safe from any thread.

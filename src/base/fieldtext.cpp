@@ -4,12 +4,13 @@ namespace oblino {
 
 bool isFieldText(QStringView text)
 {
-    return !text.contains(QLatin1Char('|')) && !text.contains(QLatin1Char('^'));
+    return !text.contains(QLatin1Char(separatorFieldsFile)) && !text.contains(QLatin1Char(separatorRowsFile));
 }
 
 QString withLookAlikes(QString text)
 {
-    return text.replace(QLatin1Char('|'), QChar(u'¦')).replace(QLatin1Char('^'), QChar(u'ˆ'));
+    return text.replace(QLatin1Char(separatorFieldsFile), QChar(u'¦'))
+        .replace(QLatin1Char(separatorRowsFile), QChar(u'ˆ'));
 }
 
 QString fieldTextError()

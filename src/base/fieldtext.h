@@ -5,11 +5,14 @@
 
 namespace oblino {
 
-/// Whether a text may be typed into a field that ends up in the task list file, where "|" ends a field and
-/// "^" a row.
+/// The separators of the task list file. Nothing in a field is escaped.
+inline constexpr char separatorFieldsFile = '|'; ///< between two fields of a row
+inline constexpr char separatorRowsFile = '^';   ///< after the last field of every row, the last row included
+
+/// Whether a text may be typed into a field that ends up in that file: it holds neither of them.
 [[nodiscard]] bool isFieldText(QStringView text);
 
-/// The text with "¦" and "ˆ" in place of these two, as the file holds it.
+/// The text with the look-alikes "¦" and "ˆ" in their place, as the file holds it.
 [[nodiscard]] QString withLookAlikes(QString text);
 
 /// Why other texts are refused, as a sentence for the user.

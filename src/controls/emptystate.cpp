@@ -45,7 +45,7 @@ EmptyState::EmptyState(QWidget *viewport)
     setGeometry(viewport->rect());
 }
 
-void EmptyState::say(const QString &title, const QString &advice)
+void EmptyState::setText(const QString &title, const QString &advice)
 {
     m_title->setText(title);
     m_advice->setText(advice);

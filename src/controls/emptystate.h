@@ -15,7 +15,7 @@ class EmptyState : public QWidget
 public:
     explicit EmptyState(QWidget *viewport);
 
-    void say(const QString &title, const QString &advice);
+    void setText(const QString &title, const QString &advice);
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override;

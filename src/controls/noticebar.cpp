@@ -35,7 +35,7 @@ NoticeBar::NoticeBar(QWidget *parent)
     show();
 }
 
-void NoticeBar::tell(const QStringList &notices)
+void NoticeBar::showNotices(const QStringList &notices)
 {
     if (notices == m_notices)
         return;

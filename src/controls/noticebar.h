@@ -20,7 +20,7 @@ public:
     explicit NoticeBar(QWidget *parent = nullptr);
 
     /// Tells what has happened, in place of what was told of that before.
-    void tell(const QStringList &notices);
+    void showNotices(const QStringList &notices);
     /// Tells what is wrong with something, or with an empty sentence that nothing is.
     void setTrouble(const QString &thing, const QString &sentence);
     /// All that stands here.

@@ -1,9 +1,11 @@
 #include <controls/oblinostyle.h>
 
 #include <controls/icons.h>
+#include <controls/theme.h>
 
 #include <QPainter>
 #include <QPainterPath>
+#include <QScopeGuard>
 #include <QStyleOption>
 
 namespace oblino {
@@ -19,11 +21,6 @@ QColor outline(const QStyleOption &option)
     const bool isEnabled = option.state.testFlag(QStyle::State_Enabled);
     return isEnabled ? option.palette.color(QPalette::Disabled, QPalette::WindowText)
                      : option.palette.color(QPalette::Mid);
-}
-
-bool isDark(const QStyleOption &option)
-{
-    return option.palette.color(QPalette::Window).lightnessF() < 0.5F;
 }
 
 // A square in the middle of the place of an indicator, on whole pixels.
@@ -88,24 +85,14 @@ void drawFrame(QPainter &painter, const QStyleOption &option, const QColor &colo
 
 bool wantsFrame(const QStyleOption &option)
 {
-    return isDark(option) && !option.state.testFlag(QStyle::State_HasFocus);
+    return isDark(option.palette) && !option.state.testFlag(QStyle::State_HasFocus);
 }
 
-class Saved
+[[nodiscard]] auto saved(QPainter *painter)
 {
-public:
-    explicit Saved(QPainter &painter)
-        : m_painter(painter)
-    {
-        painter.save();
-    }
-    Saved(const Saved &) = delete;
-    Saved &operator=(const Saved &) = delete;
-    ~Saved() { m_painter.restore(); }
-
-private:
-    QPainter &m_painter;
-};
+    painter->save();
+    return qScopeGuard([painter] { painter->restore(); });
+}
 
 } // namespace
 
@@ -137,7 +124,7 @@ QIcon OblinoStyle::standardIcon(StandardPixmap icon, const QStyleOption *option,
 void OblinoStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
                                 const QWidget *widget) const
 {
-    const Saved saved(*painter);
+    const auto restoring = saved(painter);
     switch (element) {
     case PE_IndicatorCheckBox:
         return drawCheckBox(*painter, *option);
@@ -148,7 +135,7 @@ void OblinoStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *op
     }
     if (element == PE_FrameLineEdit && wantsFrame(*option))
         drawFrame(*painter, *option, outline(*option));
-    if (element == PE_Frame && isDark(*option))
+    if (element == PE_Frame && isDark(option->palette))
         drawFrame(*painter, *option, option->palette.color(QPalette::Mid));
 }
 
@@ -157,7 +144,7 @@ void OblinoStyle::drawControl(ControlElement element, const QStyleOption *option
 {
     if (element != CE_ProgressBarGroove)
         return QProxyStyle::drawControl(element, option, painter, widget);
-    const Saved saved(*painter);
+    const auto restoring = saved(painter);
     // Without an outline an empty bar is not taken for a field.
     painter->setRenderHint(QPainter::Antialiasing);
     painter->setPen(Qt::NoPen);
@@ -172,7 +159,7 @@ void OblinoStyle::drawComplexControl(ComplexControl control, const QStyleOptionC
     const bool hasField = control == CC_SpinBox || control == CC_ComboBox;
     if (!hasField || !wantsFrame(*option))
         return;
-    const Saved saved(*painter);
+    const auto restoring = saved(painter);
     drawFrame(*painter, *option, outline(*option));
 }
 

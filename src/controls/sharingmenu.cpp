@@ -1,12 +1,13 @@
 #include <controls/sharingmenu.h>
 
-#include <controls/pasteboard.h>
-
+#include <QClipboard>
 #include <QDesktopServices>
 #include <QFileDialog>
+#include <QGuiApplication>
 #include <QImage>
 #include <QMenu>
 #include <QMessageBox>
+#include <QMimeData>
 #include <QSaveFile>
 #include <QScreen>
 #include <QWidget>
@@ -61,10 +62,11 @@ struct SharingMenu::Content
 
     void copy() const
     {
-        if (image.isNull())
-            Pasteboard::setText(text);
-        else
-            Pasteboard::setTextAndImage(text, image);
+        auto *data = new QMimeData; // of which a program that is pasted into takes what it can use
+        data->setText(text);
+        if (!image.isNull())
+            data->setImageData(image);
+        QGuiApplication::clipboard()->setMimeData(data);
     }
 
     bool writeTo(QIODevice &file) const

@@ -1,5 +1,6 @@
 #include <controls/theme.h>
 
+#include <base/appearance.h>
 #include <controls/oblinostyle.h>
 
 #include <QApplication>
@@ -78,6 +79,11 @@ void applyAppearance(bool inDark)
     palette.setColor(QPalette::Highlight, composited(tint, palette.color(QPalette::Base)));
     palette.setColor(QPalette::HighlightedText, palette.color(QPalette::Text));
     QApplication::setPalette(palette, "QMenu");
+}
+
+bool isDark(const QPalette &palette)
+{
+    return isDark(palette.color(QPalette::Window).lightnessF());
 }
 
 QColor screenColor(const Color &color)

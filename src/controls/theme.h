@@ -13,6 +13,9 @@ namespace oblino {
 /// Gives the application its own style and palette where the desktop brings none.
 void applyAppearance(bool dark);
 
+/// Whether the windows of the palette are dark.
+[[nodiscard]] bool isDark(const QPalette &palette);
+
 /// The colour for the screen: components outside 0..1 count as the nearest inside.
 [[nodiscard]] QColor screenColor(const Color &color);
 

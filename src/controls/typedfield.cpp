@@ -2,6 +2,7 @@
 
 #include <controls/elidedlabel.h>
 #include <controls/icons.h>
+#include <controls/theme.h>
 
 #include <QAction>
 #include <QFrame>
@@ -108,10 +109,9 @@ void TypedField::mark(bool marked)
     m_isMarked = marked;
     m_warning->setVisible(marked);
     QPalette palette;
-    if (marked) {
-        const bool isDark = this->palette().color(QPalette::Window).lightness() < 128;
-        palette.setColor(QPalette::Base, isDark ? QColor(0x5a, 0x26, 0x26) : QColor(0xff, 0xe3, 0xe0));
-    }
+    if (marked)
+        palette.setColor(QPalette::Base,
+                         isDark(this->palette()) ? QColor(0x5a, 0x26, 0x26) : QColor(0xff, 0xe3, 0xe0));
     m_edit->setPalette(palette);
     QColor quiet = this->palette().color(QPalette::WindowText);
     quiet.setAlphaF(marked ? 1.0F : quietness);

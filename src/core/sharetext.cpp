@@ -17,9 +17,12 @@ QString shareText(const task &t, const QString &title, const QString &footer, co
            QStringLiteral("\nDue Date: ") + day(t.due) + QStringLiteral("\nDescription: ") + t.desc +
            QStringLiteral("\n\nClient: ") + t.client + QStringLiteral("\nTeam Member: ") + t.teamMember +
            QStringLiteral("\n\nTask Key: ") + t.key + QStringLiteral("\nMessage Key: ") + messageKey +
-           QStringLiteral("\n\n") + footer +
-           QStringLiteral(
-               "\n\nSent with Oblino. Download from the App Store for Mac:\n\n" OBLINO_STORE_ADDRESS);
+           QStringLiteral("\n\n") + footer + QStringLiteral("\n\n") + shareClosing();
+}
+
+QString shareClosing()
+{
+    return QStringLiteral("Sent with Oblino. Download from the App Store for Mac:\n\n" OBLINO_STORE_ADDRESS);
 }
 
 } // namespace oblino

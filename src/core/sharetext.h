@@ -14,4 +14,7 @@ namespace oblino {
 [[nodiscard]] QString shareText(const task &t, const QString &title, const QString &footer,
                                 const QString &messageKey, const QLocale &locale);
 
+/// The closing block of everything that is shared. It does not end in a line feed.
+[[nodiscard]] QString shareClosing();
+
 } // namespace oblino

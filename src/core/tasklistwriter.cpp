@@ -1,6 +1,5 @@
 #include <core/tasklistwriter.h>
 
-#include <base/fieldtext.h>
 #include <base/trace.h>
 
 #include <QStringEncoder>

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <base/fieldtext.h>
 #include <core/task.h>
 
 #include <QByteArray>
@@ -7,10 +8,6 @@
 #include <QList>
 
 namespace oblino {
-
-/// The separators of the task list file. Nothing in a field is escaped.
-inline constexpr char separatorFieldsFile = '|'; ///< between two fields of a row
-inline constexpr char separatorRowsFile = '^';   ///< after the last field of every row, the last row included
 
 /// The content of the task list file: a row of 20 fields for each task, in UTF-8. A separator inside a text,
 /// which would break the row, is written as the look-alike "¦" or "ˆ".

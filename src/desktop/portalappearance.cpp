@@ -23,8 +23,7 @@ constexpr uint prefersDark = 1;
 
 bool paletteIsDark()
 {
-    const QPalette palette = QGuiApplication::palette();
-    return palette.color(QPalette::Window).lightness() < palette.color(QPalette::WindowText).lightness();
+    return isDark(QGuiApplication::palette().color(QPalette::Window).lightnessF());
 }
 
 std::optional<QString> styleText(bool dark)

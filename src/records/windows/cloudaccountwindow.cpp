@@ -1,6 +1,7 @@
 #include <records/windows/cloudaccountwindow.h>
 
 #include <base/dispatch.h>
+#include <controls/theme.h>
 #include <records/cloudaccounts.h>
 #include <records/cloudsession.h>
 #include <ui_cloudaccountwindow.h>
@@ -40,9 +41,9 @@ void showWarning(QLabel *label, const QString &words)
     constexpr QRgb onLight = 0xffa8201a;
     constexpr QRgb onDark = 0xffffb4a9;
     QPalette colours = QApplication::palette();
-    const bool isDark = colours.color(QPalette::Window).lightness() < 128;
-    colours.setColor(QPalette::Active, QPalette::WindowText, QColor(isDark ? onDark : onLight));
-    colours.setColor(QPalette::Inactive, QPalette::WindowText, QColor(isDark ? onDark : onLight));
+    const QColor color(isDark(colours) ? onDark : onLight);
+    colours.setColor(QPalette::Active, QPalette::WindowText, color);
+    colours.setColor(QPalette::Inactive, QPalette::WindowText, color);
     label->setPalette(colours);
     label->setText(words);
     label->setVisible(!words.isEmpty());

@@ -180,8 +180,8 @@ void EarlierVersionsWindow::list(int row)
 {
     const bool isEmpty = m_model.rowCount() == 0;
     m_ui->pages->setCurrentWidget(isEmpty ? m_ui->emptyPage : m_ui->versionsPage);
-    m_emptyState->say(tr("No earlier versions yet"),
-                      tr("The first change of a day keeps what there was before it, for 30 days."));
+    m_emptyState->setText(tr("No earlier versions yet"),
+                          tr("The first change of a day keeps what there was before it, for 30 days."));
     m_ui->versionTable->selectRow(std::min(row, m_model.rowCount() - 1));
     showSelected();
     m_work.start(0);
@@ -204,7 +204,7 @@ void EarlierVersionsWindow::showSelected()
     m_ui->noteLabel->setText(versionNote(m_content));
     m_ui->asTextBox->setVisible(kind() == DataKind::Tasks);
     if (row < 0)
-        m_ui->look->say({});
+        m_ui->look->showMessage({});
     else
         m_ui->look->show(m_content, m_data.store.inDarkMode(), m_ui->asTextBox->isChecked());
     enableButtons();

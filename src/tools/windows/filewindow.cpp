@@ -47,7 +47,7 @@ void FileWindow::viewDidDisappear()
         setAttribute(Qt::WA_DeleteOnClose, false);
 }
 
-void FileWindow::tell(const QStringList &notices)
+void FileWindow::showNotices(const QStringList &notices)
 {
     for (const QString &notice : notices)
         trace(notice);
@@ -63,9 +63,9 @@ void FileWindow::setFailure(const QString &error, const QString &reason)
     showState();
 }
 
-void FileWindow::tell(const FileWriting &writing)
+void FileWindow::showResult(const FileWriting &writing)
 {
-    tell(writing.notices);
+    showNotices(writing.notices);
     setFailure(writing.error, writing.reason);
 }
 

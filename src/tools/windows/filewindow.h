@@ -41,13 +41,13 @@ protected:
     virtual void showNotice(const QString &notice) = 0;
 
     /// @param notices  whole sentences, which take the place of earlier ones; without any, those stay
-    void tell(const QStringList &notices);
+    void showNotices(const QStringList &notices);
     /// Keeps why the content is not saved; nothing of that when it is.
     /// @param error   a sentence
     /// @param reason  the end of that sentence, or one of its own
     void setFailure(const QString &error, const QString &reason);
     /// What came of a save.
-    void tell(const FileWriting &writing);
+    void showResult(const FileWriting &writing);
 
 private:
     void showState();

@@ -56,11 +56,11 @@ void VersionLook::fill(const VersionContent &content, bool dark, bool asText)
     const bool isList = content.kind == DataKind::Tasks;
     const bool isBoard = content.kind == DataKind::Whiteboard;
     if (!content.error.isEmpty()) {
-        say(content.error);
+        showMessage(content.error);
     } else if (content.bytes.isEmpty()) {
-        say(isList ? tr("It holds no tasks.") : tr("It is empty."));
+        showMessage(isList ? tr("It holds no tasks.") : tr("It is empty."));
     } else if (isBoard && content.picture.isNull()) {
-        say(tr("It is not a picture that can be shown."));
+        showMessage(tr("It is not a picture that can be shown."));
     } else if (isBoard) {
         m_ui->pictureLook->setImage(content.picture);
         setCurrentWidget(m_ui->pictureLook);
@@ -79,7 +79,7 @@ void VersionLook::fill(const VersionContent &content, bool dark, bool asText)
     }
 }
 
-void VersionLook::say(const QString &sentence)
+void VersionLook::showMessage(const QString &sentence)
 {
     clear();
     m_ui->messageLook->setText(sentence);

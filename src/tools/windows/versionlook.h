@@ -26,7 +26,7 @@ public:
     /// @param asText  whether a list is shown as the bytes that were kept, rows that are no tasks included
     void show(const VersionContent &content, bool dark, bool asText);
     /// Shows a sentence, and holds nothing of a version any more.
-    void say(const QString &sentence);
+    void showMessage(const QString &sentence);
 
     /// The tasks whose rows are selected, in their order and in the colours of the light appearance.
     [[nodiscard]] QList<task> selectedTasks() const;

@@ -102,7 +102,7 @@ bool ViewControllerNotes::saveToFile()
     readWhatOthersWrote();
     QTextDocument &document = *m_ui->textEdit->document();
     const FileWriting writing = m_file.write(unsavedContent());
-    tell(writing);
+    showResult(writing);
     if (!writing.written) {
         // Half of it may be in the file, which is no text to read again.
         document.setModified(isEdited() || !m_file.bytes().isEmpty());
@@ -119,7 +119,7 @@ QString ViewControllerNotes::readFromFile()
     if (!m_file.hasPlace())
         return {};
     const NotesFile::Reading reading = m_file.read();
-    tell(reading.notices);
+    showNotices(reading.notices);
     if (reading.text) {
         m_ui->textEdit->setPlainText(*reading.text);
         discard();
@@ -138,7 +138,7 @@ void ViewControllerNotes::readWhatOthersWrote()
     const NotesFile::Reading reading = m_file.readAgain();
     if (reading.text) {
         showText(*reading.text);
-        tell(reading.notices);
+        showNotices(reading.notices);
         setFailure({}, {});
         m_isOnlyHere = false;
         trace("Read File");

@@ -3,10 +3,10 @@
 #include <base/datakind.h>
 #include <base/sharingpicker.h>
 #include <base/trace.h>
-#include <config.h>
 #include <controls/colorbutton.h>
 #include <controls/icons.h>
 #include <controls/noticelabel.h>
+#include <core/sharetext.h>
 #include <tools/windows/boardview.h>
 #include <ui/uiutil.h>
 #include <ui_viewcontrollerwhiteboard.h>
@@ -136,8 +136,7 @@ void ViewControllerWhiteboard::shareImage(QObject *sender)
     capture();
     m_ui->color->deactivate();
     const QString header = QStringLiteral("Whiteboard\n");
-    const QString footer = QStringLiteral(
-        "Sent with Oblino. Download from the App Store for Mac:\n\n" OBLINO_STORE_ADDRESS "\n");
+    const QString footer = shareClosing() + QLatin1Char('\n');
     if (!m_path)
         return;
     const QImage shared = m_unsaved.isNull()

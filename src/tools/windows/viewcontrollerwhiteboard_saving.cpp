@@ -31,7 +31,7 @@ void ViewControllerWhiteboard::loadImage()
         return;
     const WhiteboardFile::Reading reading =
         m_file.read(*m_path + QLatin1Char('/') + WhiteboardFile::name, m_line->size());
-    tell(reading.notices);
+    showNotices(reading.notices);
     setFailure({}, {});
     // What was there a moment ago is written again rather than drawn over.
     m_isChanged = reading.hasFailed && !m_last.isNull();
@@ -73,7 +73,7 @@ void ViewControllerWhiteboard::savePNG(const QImage &image, const QString &path)
     m_unsaved = writing.written ? QImage() : image;
     m_last = writing.written ? image : m_last;
     m_isChanged = false;
-    tell(writing);
+    showResult(writing);
     if (!writing.written)
         trace("caught:", writing.error);
 }

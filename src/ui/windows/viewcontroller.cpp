@@ -158,7 +158,7 @@ bool ViewController::saveToFile()
     const bool saved = m_file.saveToFile();
     if (m_file.takeMerged())
         showChangedList(key);
-    m_ui->noticeBar->tell({}); // of before this change
+    m_ui->noticeBar->showNotices({}); // of before this change
     showNotices();
     return saved;
 }

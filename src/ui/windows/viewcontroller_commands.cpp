@@ -9,11 +9,12 @@
 #include <ui_viewcontroller.h>
 
 #include <base/trace.h>
-#include <controls/pasteboard.h>
 #include <core/taskmanager.h>
 #include <core/taskviews.h>
 
+#include <QClipboard>
 #include <QCoreApplication>
+#include <QGuiApplication>
 #include <QLabel>
 #include <QMessageBox>
 #include <QToolButton>
@@ -216,7 +217,7 @@ void ViewController::copyTask()
 {
     if (!showsSelection())
         return;
-    Pasteboard::setText(m_store.shareTextOfSelected());
+    QGuiApplication::clipboard()->setText(m_store.shareTextOfSelected());
     say(tr("Copied “%1” as text.").arg(m_store.getSelectedTask().name));
 }
 
@@ -224,7 +225,7 @@ void ViewController::copyKey()
 {
     if (!showsSelection())
         return;
-    Pasteboard::setText(m_store.getSelectedTask().key);
+    QGuiApplication::clipboard()->setText(m_store.getSelectedTask().key);
     say(tr("Task key copied."));
 }
 

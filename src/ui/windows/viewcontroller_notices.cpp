@@ -58,7 +58,7 @@ void ViewController::showNotices()
 
 void ViewController::tell(const QStringList &notices)
 {
-    m_ui->noticeBar->tell(notices);
+    m_ui->noticeBar->showNotices(notices);
     for (const QString &notice : notices)
         Q_EMIT told(notice);
 }

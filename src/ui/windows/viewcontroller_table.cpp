@@ -180,7 +180,7 @@ void ViewController::showCounts()
                                       .searchTerm = m_store.isSearching() ? m_store.searchTerm() : QString(),
                                       .all = all,
                                       .matches = m_store.tasks().size()});
-    m_emptyState->say(text.title, text.advice);
+    m_emptyState->setText(text.title, text.advice);
 }
 
 } // namespace oblino

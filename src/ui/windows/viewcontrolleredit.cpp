@@ -9,11 +9,12 @@
 
 #include <base/notificationcenter.h>
 #include <base/trace.h>
-#include <controls/pasteboard.h>
 #include <core/taskmanager.h>
 
+#include <QClipboard>
 #include <QDialogButtonBox>
 #include <QFormLayout>
+#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QLineEdit>
 #include <QPushButton>
@@ -147,7 +148,7 @@ void ViewControllerEdit::ResetToOriginal()
 
 void ViewControllerEdit::CopyKeyLabel()
 {
-    Pasteboard::setText(keyLabel->text());
+    QGuiApplication::clipboard()->setText(keyLabel->text());
 }
 
 bool ViewControllerEdit::selectOwnTask()
