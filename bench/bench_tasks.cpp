@@ -250,7 +250,7 @@ void Cases::addSearches()
             timed(tasks, scanned));
         const auto search = std::make_shared<TaskSearch>();
         const auto nothingNarrower = [search, list = &m_sample.tasks] {
-            require(search->matching(*list, QStringLiteral("\n")).empty());
+            require(search->matching(*list, QStringLiteral("\t\t")).empty());
             return list;
         };
         add(std::string("search for a ") + what + " term", 1.5,

@@ -3,7 +3,6 @@
 #include <support/testmain.h>
 
 #include <base/noticelog.h>
-#include <core/tasksearch.h>
 #include <tools/windows/earlierversionswindow.h>
 
 #include <QSignalSpy>
