@@ -12,7 +12,6 @@
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <QNetworkAccessManager>
-#include <QNetworkProxy>
 #include <QNetworkReply>
 #include <QTemporaryDir>
 
@@ -67,7 +66,6 @@ bool sendBare(QNetworkAccessManager &manager, const QNetworkRequest &request)
 int main(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv);
-    QNetworkProxy::setApplicationProxy(QNetworkProxy::NoProxy);
     Trace::setDescriptor(::open("/dev/null", O_WRONLY | O_CLOEXEC));
     const Certificate authority = Certificate::authority();
     const QString host = QStringLiteral("127.0.0.1");

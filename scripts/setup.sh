@@ -4,7 +4,7 @@
 
 build_packages=(
     g++ cmake ninja-build
-    qt6-base-dev qt6-base-dev-tools qt6-multimedia-dev qt6-svg-dev libssl-dev libpq-dev libicu-dev
+    qt6-base-dev qt6-base-dev-tools qt6-multimedia-dev qt6-svg-dev libcurl4-openssl-dev libssl-dev libpq-dev libicu-dev
     qtkeychain-qt6-dev
 )
 # What the built program loads at run time.

@@ -9,8 +9,7 @@
 
 #include <QCoreApplication>
 
-#include <atomic>
-#include <memory>
+#include <optional>
 
 namespace oblino {
 
@@ -21,43 +20,34 @@ QString tr(const char *text)
     return QCoreApplication::translate("SmsGateway", text);
 }
 
-// Shared by the caller, who waits for `finished`, and the handler, which may outlast that wait by a moment.
-struct Outcome
-{
-    std::atomic<bool> success = true;
-    std::atomic<bool> finished = false;
-};
-
-void fail(const QString &reason, Outcome &outcome)
+bool fail(const QString &reason)
 {
     trace("Error:", reason);
-    outcome.success = false;
     SendingState::setLastFailure(reason);
+    return false;
 }
 
-void judge(const QString &response, Outcome &outcome)
+bool judge(const QString &response)
 {
     trace("Response:", response);
-    if (isSmsError(response)) {
-        outcome.success = false;
-        SendingState::setLastResponse(response);
-        SendingState::setLastFailure(response);
-        trace("---Response Contains Errors---");
-    } else {
+    if (!isSmsError(response)) {
         trace("---Response Does Not Contain Errors---");
+        return true;
     }
+    SendingState::setLastResponse(response);
+    SendingState::setLastFailure(response);
+    trace("---Response Contains Errors---");
+    return false;
 }
 
-void handle(const HttpAnswer &answer, Outcome &outcome)
+// Whether the message went through.
+bool judge(const HttpAnswer &answer)
 {
     trace("Finished");
     const std::optional<QString> response = answer.body ? decodedUtf8(*answer.body) : std::nullopt;
     if (response)
-        judge(*response, outcome);
-    else
-        fail(answer.body ? tr("The answer is not UTF-8 text.") : answer.error, outcome);
-    outcome.finished = true;
-    outcome.finished.notify_one();
+        return judge(*response);
+    return fail(answer.body ? tr("The answer is not UTF-8 text.") : answer.error);
 }
 
 } // namespace
@@ -74,25 +64,23 @@ bool SmsGateway::sendSMS(const QString &message, const QString &toNumber)
 {
     const QString sid = m_settings.getTwilioSID();
     const QString secret = m_settings.getTwilioSecret();
-    const auto outcome = std::make_shared<Outcome>();
     SendingState::setLastFailure({});
     const QString from = m_settings.getTwilioSendingPhoneNo();
     const QString to = m_settings.getOverwrite() ? m_settings.getTestPhoneNo() : toNumber;
     const QString text = smsText(message);
     trace("Start Message");
     const std::optional<QUrl> url = smsUrl(m_host, m_port, sid, secret);
+    bool success = false;
     if (url) {
         trace("Start Message");
-        m_client.post({*url, sid, secret, smsForm(from, to, text)},
-                      [outcome](const HttpAnswer &answer) { handle(answer, *outcome); });
-        outcome->finished.wait(false);
+        success = judge(m_client.post({*url, sid, secret, smsForm(from, to, text)}));
     } else {
-        fail(tr("The account SID or the secret has a character that no address can carry."), *outcome);
+        fail(tr("The account SID or the secret has a character that no address can carry."));
     }
     pause();
-    trace("--- Send SMS Success:", outcome->success.load(), "---");
-    trace("---Send SMS Finished:", outcome->finished.load(), "---");
-    return outcome->success;
+    trace("--- Send SMS Success:", success, "---");
+    trace("---Send SMS Finished:", url.has_value(), "---");
+    return success;
 }
 
 void SmsGateway::stop()

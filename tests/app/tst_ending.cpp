@@ -11,7 +11,6 @@
 #include <messaging/windows/viewcontrollersending.h>
 #include <tools/notesfile.h>
 
-#include <QNetworkProxy>
 #include <QTcpServer>
 #include <QTcpSocket>
 
@@ -80,7 +79,7 @@ private Q_SLOTS:
     {
         QTcpServer proxy; // in the way of every message
         QVERIFY(proxy.listen(QHostAddress::LocalHost));
-        QNetworkProxy::setApplicationProxy({QNetworkProxy::HttpProxy, u"127.0.0.1"_s, proxy.serverPort()});
+        qputenv("https_proxy", "http://127.0.0.1:" + QByteArray::number(proxy.serverPort()));
         storeContacts<Clients>(contactsFolder(), {{}});
         auto program = std::make_unique<StartedApplication>();
         const auto send = [&] {

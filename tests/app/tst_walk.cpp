@@ -15,7 +15,6 @@
 #include <tools/windows/viewcontrollerwhiteboard.h>
 #include <ui/windows/viewcontrolleradd.h>
 
-#include <QNetworkProxy>
 #include <QTcpServer>
 #include <QTcpSocket>
 
@@ -113,7 +112,7 @@ private Q_SLOTS:
     {
         moveTo(m_home);
         QSslConfiguration::setDefaultConfiguration(m_authority.trust());
-        QNetworkProxy::setApplicationProxy({QNetworkProxy::HttpProxy, u"127.0.0.1"_s, m_detour.serverPort()});
+        qputenv("https_proxy", "http://127.0.0.1:" + QByteArray::number(m_detour.serverPort()));
         m_server.setReply({Reply::answer("<TwilioResponse><Status>queued</Status></TwilioResponse>")});
     }
 

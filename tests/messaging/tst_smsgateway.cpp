@@ -9,7 +9,6 @@
 #include <support/traces.h>
 
 #include <QDeadlineTimer>
-#include <QNetworkProxy>
 #include <QProcess>
 
 #include <future>
@@ -28,7 +27,6 @@ struct Account : Store
 {
     Account()
     {
-        QNetworkProxy::setApplicationProxy(QNetworkProxy::NoProxy);
         store.setTwilioSID(u"AC1"_s);
         store.setTwilioSecret(secret);
         store.setTwilioSendingPhoneNo(u"+1 555"_s);
