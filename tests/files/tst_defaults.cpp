@@ -48,30 +48,26 @@ class tst_defaults : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void init()
-    {
-        m_home = std::make_unique<TemporaryHome>();
-        m_path = m_home->path(u"config/oblino/oblino.ini"_s);
-    }
+    void init() { m_home.emplace(); }
 
     void keepsItsFileToTheUserAlone()
     {
-        put(m_path, "[General]\nold=kept\n");
-        QCOMPARE(::chmod(qPrintable(m_path), 0644), 0);
-        Defaults defaults(m_path);
+        put(path(), "[General]\nold=kept\n");
+        QCOMPARE(::chmod(qPrintable(path()), 0644), 0);
+        Defaults defaults(path());
         defaults.setText(u"secret"_s, u"s3cret"_s);
-        QCOMPARE(contentOf(m_path), "[General]\nold=kept\n"); // written once, and not value by value
-        QCOMPARE(statusOf(m_path).st_mode & 0777, 0600U);
+        QCOMPARE(contentOf(path()), "[General]\nold=kept\n"); // written once, and not value by value
+        QCOMPARE(statusOf(path()).st_mode & 0777, 0600U);
         QVERIFY(defaults.save());
-        QCOMPARE(statusOf(m_path).st_mode & 0777, 0600U);
-        QCOMPARE(contentOf(m_path), "[General]\nold=kept\nsecret=s3cret\n");
+        QCOMPARE(statusOf(path()).st_mode & 0777, 0600U);
+        QCOMPARE(contentOf(path()), "[General]\nold=kept\nsecret=s3cret\n");
     }
 
     void readsAFileEditedByHand()
     {
-        put(m_path, "[General]\nempty=\nlist=Dear Ann, good "
+        put(path(), "[General]\nempty=\nlist=Dear Ann, good "
                     "day\non=true\nphone=0049171\nlarge=9223372036854775808\n");
-        const Defaults defaults(m_path);
+        const Defaults defaults(path());
         QVERIFY(!defaults.text(u"absent"_s) && !defaults.boolean(u"absent"_s));
         QCOMPARE(defaults.text(u"empty"_s), u""_s);
         QCOMPARE(defaults.text(u"list"_s), u"Dear Ann, good day"_s);
@@ -82,13 +78,13 @@ private Q_SLOTS:
 
     void saysWhenItCannotSave()
     {
-        QVERIFY(QDir().mkpath(m_path));
-        Defaults defaults(m_path);
+        QVERIFY(QDir().mkpath(path()));
+        Defaults defaults(path());
         defaults.setText(u"k"_s, u"a, @value"_s);
         QVERIFY(!defaults.save() && defaults.text(u"k"_s) == u"a, @value"_s);
-        QVERIFY(QDir().rmdir(m_path));
+        QVERIFY(QDir().rmdir(path()));
         QVERIFY2(defaults.save(), "the obstacle is gone");
-        QCOMPARE(Defaults(m_path).text(u"k"_s), u"a, @value"_s);
+        QCOMPARE(Defaults(path()).text(u"k"_s), u"a, @value"_s);
     }
 
     void copiesADamagedFileBeforeItIsRewritten_data()
@@ -106,58 +102,58 @@ private Q_SLOTS:
     {
         const auto [bytes, isDamaged] = Table<QByteArray, bool>::cells();
         const QByteArrayList expected = isDamaged ? QByteArrayList{bytes} : QByteArrayList();
-        put(m_path, bytes);
+        put(path(), bytes);
+        const auto save = [](Defaults &defaults, const QString &value) {
+            defaults.setText(u"new"_s, value);
+            QVERIFY(defaults.save());
+        };
         for (int start = 1; start <= 2; ++start) {
-            Defaults defaults(m_path);
+            Defaults defaults(path());
             QCOMPARE(copies(), expected);
             QCOMPARE(defaults.takeNotices().size(), start == 1 ? expected.size() : 0);
-            defaults.setText(u"new"_s, u"1"_s);
-            QVERIFY(defaults.save());
+            save(defaults, u"1"_s);
         }
-        QVERIFY(contentOf(m_path).contains("new=1\n"));
-        Defaults defaults(m_path);
-        put(m_path, bytes + "more"); // another program, while this one runs
-        defaults.setText(u"new"_s, u"2"_s);
-        QVERIFY(defaults.save());
-        QVERIFY(copies().contains(bytes + "more"));
+        Defaults defaults(path());
+        put(path(), bytes + "more"); // another program, while this one runs
+        save(defaults, u"2"_s);
+        QVERIFY(contentOf(path()).contains("new=2\n") && copies().contains(bytes + "more"));
         QCOMPARE(defaults.eraseCopies(), QString());
-        defaults.setText(u"new"_s, u"3"_s);
-        QVERIFY(defaults.save());
-        QCOMPARE(contentOf(m_path), "[General]\nnew=3\n");
+        save(defaults, u"3"_s);
+        QCOMPARE(contentOf(path()), "[General]\nnew=3\n");
         QCOMPARE(copies(), QByteArrayList());
     }
 
     void leavesADamagedFileAloneThatCannotBeCopied()
     {
         const QByteArray bytes = "[General]\nk=value\nx=1\n"_ba + QByteArray(4096, '\0');
-        put(m_path, bytes);
+        put(path(), bytes);
         rlimit before = {};
         ::getrlimit(RLIMIT_FSIZE, &before);
         const rlimit full = {1000, before.rlim_max}; // the new content would fit
         const auto handler = ::signal(SIGXFSZ, SIG_IGN);
         ::setrlimit(RLIMIT_FSIZE, &full);
-        Defaults defaults(m_path);
+        Defaults defaults(path());
         defaults.setText(u"k"_s, u"new"_s);
         const bool isSaved = defaults.save();
         ::setrlimit(RLIMIT_FSIZE, &before);
         ::signal(SIGXFSZ, handler);
-        QVERIFY(!isSaved && contentOf(m_path) == bytes && defaults.takeNotices().size() == 1);
+        QVERIFY(!isSaved && contentOf(path()) == bytes && defaults.takeNotices().size() == 1);
         QCOMPARE(defaults.text(u"k"_s), u"new"_s);
         QVERIFY2(defaults.save(), "there is room again");
         QCOMPARE(copies(), {bytes});
-        QCOMPARE(Defaults(m_path).text(u"k"_s), u"new"_s);
+        QCOMPARE(Defaults(path()).text(u"k"_s), u"new"_s);
     }
 
     void leavesNoSecretOfAKilledSave()
     {
-        const QString folder = QFileInfo(m_path).path();
+        const QString folder = QFileInfo(path()).path();
         put(folder + u"/oblino.ini.backup"_s, "mine");
         QFile backup(folder + u"/oblino.ini.backup"_s);
         QVERIFY(backup.open(QIODevice::Append) &&
                 backup.setFileTime(QDateTime::currentDateTime().addSecs(-1), QFile::FileModificationTime));
         const pid_t saving = ::fork();
         if (saving == 0) {
-            Defaults defaults(m_path);
+            Defaults defaults(path());
             defaults.setText(u"twillioSecret"_s, u"s3cret"_s);
             killAtRenaming();
             ::_exit(defaults.save() ? 1 : 2);
@@ -166,9 +162,9 @@ private Q_SLOTS:
         QCOMPARE(::waitpid(saving, &status, 0), saving);
         QCOMPARE(WTERMSIG(status), SIGSYS); // which, as SIGKILL does, ends it there and then
         QCOMPARE(m_home->filesWith("s3cret").size(), 1);
-        QVERIFY(!m_home->filesWith("s3cret").contains(m_path));
+        QVERIFY(!m_home->filesWith("s3cret").contains(path()));
 
-        const Defaults defaults(m_path);
+        const Defaults defaults(path());
         QCOMPARE(m_home->filesWith("s3cret"), QStringList());
         QCOMPARE(QDir(folder).entryList(QDir::Files), (QStringList{u"oblino.ini"_s, u"oblino.ini.backup"_s}));
     }
@@ -178,17 +174,17 @@ private:
     [[nodiscard]] QByteArrayList copies() const
     {
         QByteArrayList contents;
-        for (const QFileInfo &file : QFileInfo(m_path).dir().entryInfoList(QDir::Files)) {
-            if (file.filePath() != m_path) {
-                contents += contentOf(file.filePath());
-                contents.last() += (statusOf(file.filePath()).st_mode & 0077) == 0 ? "" : " read by others";
-            }
+        for (const QFileInfo &file : QFileInfo(path()).dir().entryInfoList(QDir::Files)) {
+            const bool isPrivate = (statusOf(file.filePath()).st_mode & 0077) == 0;
+            if (file.filePath() != path())
+                contents += isPrivate ? contentOf(file.filePath()) : "read by others";
         }
         return contents;
     }
 
-    std::unique_ptr<TemporaryHome> m_home;
-    QString m_path;
+    [[nodiscard]] QString path() const { return m_home->path(u"config/oblino/oblino.ini"_s); }
+
+    std::optional<TemporaryHome> m_home;
 };
 
 OBLINO_TEST(tst_defaults, QCoreApplication)

@@ -133,24 +133,15 @@ private Q_SLOTS:
     {
         const QDate today(2024, 3, 31);
         Folders place;
-        const auto old = [&](int days, const char *reason) {
-            const QString day = today.addDays(-days).toString(Qt::ISODate);
-            put(u"%1/%2 09.05.01 [%3] plan.txt"_s.arg(place.paths[0], day, QLatin1StringView(reason)),
-                reason + QByteArray::number(days));
-        };
-        for (const auto &[reason, days] : {std::pair("daily", 0),
-                                           {"daily", 29},
-                                           {"daily", 30},
-                                           {"daily", 31},
-                                           {"daily", 400},
-                                           {"aside", 40},
-                                           {"aside", 41},
-                                           {"rescued", 50},
-                                           {"rescued", 51}})
-            old(days, reason);
+        for (const QByteArray old : {"daily 0", "daily 29", "daily 30", "daily 31", "daily 400", "aside 40",
+                                     "aside 41", "rescued 50", "rescued 51"}) {
+            const QByteArrayList words = old.split(' ');
+            const QString day = today.addDays(-words[1].toInt()).toString(Qt::ISODate);
+            put(u"%1/%2 09.05.01 [%3] plan.txt"_s.arg(place.paths[0], day, QLatin1StringView(words[0])), old);
+        }
         place.versions.prune(today);
-        QCOMPARE(contentsOf(place.versions.list()),
-                 (QByteArrayList{"daily0", "daily29", "daily30", "aside40", "rescued50", "rescued51"}));
+        QCOMPARE(contentsOf(place.versions.list()).join(", "),
+                 "daily 0, daily 29, daily 30, aside 40, rescued 50, rescued 51");
     }
 
     void looksInTheFoldersOfThisUser()
@@ -160,13 +151,12 @@ private Q_SLOTS:
             qputenv("XDG_STATE_HOME", state);
             return EarlierVersions::standardFolders(place.privateFolder, place.paths[1]);
         };
-        const QString home = QDir::homePath() + u"/.local/state/oblino"_s;
         QCOMPARE(folders(QFile::encodeName(place.folder.filePath(u"state"_s))),
                  place.paths.first(3) + QStringList(QDir::tempPath()));
-        QCOMPARE(folders("relative").value(2), home);
-        QCOMPARE(folders({}).value(2), home);
         QVERIFY(QDir(place.paths[1]).removeRecursively()); // the documents folder is away
-        QCOMPARE(folders({}), (QStringList{place.paths[0], home, QDir::tempPath()}));
+        const QString home = QDir::homePath() + u"/.local/state/oblino"_s;
+        for (const QByteArray state : {"", "relative"})
+            QCOMPARE(folders(state), (QStringList{place.paths[0], home, QDir::tempPath()}));
     }
 };
 

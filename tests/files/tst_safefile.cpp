@@ -16,12 +16,11 @@ const QByteArray oldText = "one\n";
 const QByteArray newText = QByteArray("two and a line\n").repeated(700);
 const QByteArray otherText = "three, something else again\n";
 
-/// The calls of this machine, but the user's file cannot be opened for writing, or the disk is full for it.
+/// The calls of this machine, but the user's file cannot be opened for writing.
 class RefusingFileCalls : public FileCalls
 {
 public:
     bool mayOpen = true;
-    bool hasSpace = true;
 
     int open(const QByteArray &path, int flags, mode_t mode) override
     {
@@ -29,14 +28,7 @@ public:
         const bool refuses = !mayOpen && path.endsWith("/plan.txt") && (flags & O_ACCMODE) != O_RDONLY;
         return refuses ? -1 : FileCalls::open(path, flags, mode);
     }
-    int reserve(int fd, off_t size) override
-    {
-        errno = ENOSPC;
-        return hasSpace ? FileCalls::reserve(fd, size) : -1;
-    }
 };
-
-using Obstacle = std::function<void(const Place &, RefusingFileCalls &, bool isThere)>;
 
 } // namespace
 
@@ -151,36 +143,27 @@ private Q_SLOTS:
         }
     }
 
-    void keepsTheTextOfAFileThatCannotBeSaved_data()
-    {
-        const auto rename = [](const QString &from, const QString &to) { QVERIFY(QFile::rename(from, to)); };
-        const Table<Obstacle> row;
-        row("its folder is away", [=](const Place &place, RefusingFileCalls &, bool isThere) {
-            const QString docs = QFileInfo(place.path).path();
-            isThere ? rename(docs, docs + u".away"_s) : rename(docs + u".away"_s, docs);
-        });
-        row("it may not be written",
-            [](const Place &, RefusingFileCalls &calls, bool isThere) { calls.mayOpen = !isThere; });
-        row("the disk is full",
-            [](const Place &, RefusingFileCalls &calls, bool isThere) { calls.hasSpace = !isThere; });
-    }
     void keepsTheTextOfAFileThatCannotBeSaved()
     {
-        const auto [obstruct] = Table<Obstacle>::cells();
-        const Place place(oldText);
-        RefusingFileCalls calls;
-        SafeFile file(place.path, place.privateFolder, calls);
-        QCOMPARE(file.read().bytes, oldText);
-        obstruct(place, calls, true);
-        for (const QByteArray &text : {otherText, newText}) {
-            const FileWriting saved = file.write(text);
-            QVERIFY(!saved.written && saved.error.startsWith(u"“plan.txt” could not be saved: "_s));
+        for (const bool isFolderAway : {false, true}) {
+            const Place place(oldText);
+            const QString docs = QFileInfo(place.path).path();
+            RefusingFileCalls calls;
+            SafeFile file(place.path, place.privateFolder, calls);
+            QCOMPARE(file.read().bytes, oldText);
+            calls.mayOpen = isFolderAway;
+            QVERIFY(!isFolderAway || QFile::rename(docs, docs + u".away"_s));
+            for (const QByteArray &text : {otherText, newText}) {
+                const FileWriting saved = file.write(text);
+                QVERIFY(!saved.written && saved.error.startsWith(u"“plan.txt” could not be saved: "_s));
+            }
+            const QStringList notices = SafeFile(place.path, place.privateFolder, calls).recover();
+            QVERIFY(notices.size() == 1 && notices.first().contains(u"could not be completed"_s));
+            calls.mayOpen = true;
+            QVERIFY(!isFolderAway || QFile::rename(docs + u".away"_s, docs));
+            QCOMPARE(SafeFile(place.path, place.privateFolder, calls).recover(), QStringList());
+            QVERIFY(contentOf(place.path) == newText && !QFile::exists(file.journalPath()));
         }
-        const QStringList notices = SafeFile(place.path, place.privateFolder, calls).recover();
-        QVERIFY(notices.size() == 1 && notices.first().contains(u"could not be completed"_s));
-        obstruct(place, calls, false);
-        QCOMPARE(SafeFile(place.path, place.privateFolder, calls).recover(), QStringList());
-        QVERIFY(contentOf(place.path) == newText && !QFile::exists(file.journalPath()));
     }
 
     void readsAFileThatAppearsAfterAFailedSave()
@@ -196,27 +179,23 @@ private Q_SLOTS:
         QCOMPARE(place.kept(), QByteArrayList{newText});
     }
 
-    void namesThePrivateFolderThatFails_data()
-    {
-        const Table<QString, QByteArray, bool> row;
-        row("the journal's", {}, oldText, false);
-        row("that of earlier versions", u"/recovery"_s, otherText, false);
-        row("that of earlier versions, of which only that of the day is missing", u"/recovery"_s, oldText,
-            true);
-    }
     void namesThePrivateFolderThatFails()
     {
-        const auto [folder, found, isSaved] = Table<QString, QByteArray, bool>::cells();
-        const Place place(oldText);
-        SafeFile file = place.file();
-        put(place.privateFolder + folder, "a file is in the way");
-        QCOMPARE(file.read().bytes, oldText);
-        put(place.path, found);
-        const FileWriting saved = file.write(newText);
-        QVERIFY(saved.written == isSaved && contentOf(place.path) == (isSaved ? newText : found));
-        const QString told = isSaved ? saved.notices.value(0) : saved.error;
-        QVERIFY2(told.contains(u'“' + place.privateFolder + folder + u"” could not be written"_s),
-                 qPrintable(told));
+        const QString recovery = u"/recovery"_s; // where at first the version of the day alone is missing
+        for (const auto &[folder, found, isSaved] : {std::tuple(recovery, oldText, true),
+                                                     {recovery, otherText, false},
+                                                     {QString(), oldText, false}}) {
+            const Place place(oldText);
+            SafeFile file = place.file();
+            put(place.privateFolder + folder, "a file is in the way");
+            QCOMPARE(file.read().bytes, oldText);
+            put(place.path, found);
+            const FileWriting saved = file.write(newText);
+            QVERIFY(saved.written == isSaved && contentOf(place.path) == (isSaved ? newText : found));
+            const QString told = isSaved ? saved.notices.value(0) : saved.error;
+            QVERIFY2(told.contains(u'“' + place.privateFolder + folder + u"” could not be written"_s),
+                     qPrintable(told));
+        }
     }
 };
 
