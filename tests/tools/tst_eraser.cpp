@@ -171,22 +171,20 @@ private Q_SLOTS:
     void waitsForTheCloud()
     {
         Eraser eraser;
-        const auto whileWaiting = [&eraser](const std::function<void()> &deed) {
+        const auto hold = [&eraser](Request request, const std::function<void()> &deed) {
+            eraser.cloud.setFate(request, Fate::Hold);
             QTimer::singleShot(100, eraser.window.get(), [&eraser, deed] {
                 deed();
                 eraser.cloud.release();
             });
         };
-        eraser.cloud.setFate(Request::Query, Fate::Hold);
-        whileWaiting([&] { eraser.erase({"deleteTasks"}); });
+        hold(Request::Query, [&] { eraser.erase({"deleteTasks"}); });
         QVERIFY(eraser.store.syncToCloudFromLocal());
         QCOMPARE(eraser.told(), QStringList()); // else it would go on arriving there
 
-        eraser.cloud.setFate(Request::Delete, Fate::Hold);
         bool wasHeld = false;
-        whileWaiting([&] {
+        hold(Request::Delete, [&] {
             eraser.window->close();
-            eraser.window->reject();
             wasHeld = eraser.window->isVisible() && !eraser.window->isEnabled();
         });
         eraser.erase({"deleteICloud"});

@@ -138,23 +138,21 @@ private Q_SLOTS:
         if (::geteuid() != 0)
             QSKIP("Only root can give a link to another user.");
         const auto [owner, folderOwner, mode, isFollowed] = Table<uid_t, uid_t, mode_t, bool>::cells();
-        Board board;
-        const QString target = board.home.path(u"target"_s);
-        const QByteArray picture = pngOf(size, Qt::green);
-        TemporaryHome::write(target, picture);
-        QVERIFY(QFile::link(target, board.board));
-        QCOMPARE(::lchown(QFile::encodeName(board.board), owner, owner), 0);
-        const QByteArray folder = QFile::encodeName(board.home.documents());
+        const ToolHome home;
+        const QString target = home.home.path(u"target"_s);
+        TemporaryHome::write(target, pngOf(size, Qt::green));
+        QVERIFY(QFile::link(target, home.board));
+        QCOMPARE(::lchown(QFile::encodeName(home.board), owner, owner), 0);
+        const QByteArray folder = QFile::encodeName(home.home.documents());
         QVERIFY(::chown(folder, folderOwner, folderOwner) == 0 && ::chmod(folder, mode) == 0);
 
-        board.reopen();
-        QCOMPARE(board.shown().pixelColor(50, 50), QColor(isFollowed ? Qt::green : Qt::white));
-        board.stroke(dash);
-        QCOMPARE(TemporaryHome::content(target) == picture, !isFollowed);
-        QCOMPARE(board.notice().contains(u"Not saved: it is a link of another user"_s), !isFollowed);
-        QCOMPARE(WhiteboardFile(board.home.privateFolder()).erase(board.board).isEmpty(), isFollowed);
+        WhiteboardFile file(home.home.privateFolder());
+        QCOMPARE(file.read(home.board, size).picture.isNull(), !isFollowed);
+        const FileWriting writing = file.write("other", home.board);
+        QCOMPARE(TemporaryHome::content(target) == "other", isFollowed);
+        QCOMPARE(writing.reason.startsWith(u"it is a link of another user"_s), !isFollowed);
+        QCOMPARE(file.erase(home.board).isEmpty(), isFollowed);
         QCOMPARE(QFile::exists(target), !isFollowed);
-        board.window->discard();
     }
 
     void textsAreTakenOutOfAPng()
@@ -194,6 +192,7 @@ private Q_SLOTS:
             calls.arm(0, 0);
             const QString at = u"call %1: %2"_s.arg(call).arg(board.notice());
             QVERIFY2(board.window->isUnsaved() || board.at({{100, 200}, {50, 50}}) == drawn, qPrintable(at));
+            QCOMPARE(board.shown().pixelColor(100, 200), QColor(Qt::black));
             QVERIFY2(board.window->saveNow().isEmpty() && !board.window->isUnsaved(), qPrintable(at));
             QCOMPARE(board.at({{100, 200}, {50, 50}}), drawn);
             QVERIFY2(!other || board.home.kept().contains(*other), qPrintable(at));
