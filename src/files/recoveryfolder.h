@@ -17,8 +17,6 @@ class RecoveryFolder
 public:
     RecoveryFolder(QString path, FileCalls &calls);
 
-    [[nodiscard]] QString path() const { return m_path; }
-
     /// Keeps `bytes` as a new file named after `name`, the time and the reason.
     /// @return the path of that file
     QString keep(const QByteArray &bytes, const QString &name, VersionReason reason);

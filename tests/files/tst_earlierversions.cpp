@@ -1,4 +1,3 @@
-#include <support/faultyfilecalls.h>
 #include <support/place.h>
 #include <support/testmain.h>
 #include <support/unprivileged.h>
@@ -91,25 +90,6 @@ private Q_SLOTS:
             const bool isPrivate = blocked == 0 || blocked == 2;
             QVERIFY(!isPrivate || statusOf(place.paths[blocked]).st_mode == (S_IFDIR | 0700U));
         }
-    }
-
-    void rescuesWhicheverCallFails()
-    {
-        bool struck = true;
-        int call = 1;
-        for (; struck; ++call) {
-            for (const int fault : {EIO, ENOSPC, EINTR, FaultyFileCalls::half}) {
-                const Folders place;
-                FaultyFileCalls calls;
-                EarlierVersions versions(u"plan.txt"_s, place.paths, calls);
-                calls.arm(call, fault);
-                const QString path = versions.rescue("unsaved");
-                struck = calls.hasStruck();
-                QCOMPARE(place.filesWith("unsaved"), QStringList(path));
-                QVERIFY2(calls.names.empty() && calls.bytes.empty(), "a power cut loses nothing");
-            }
-        }
-        QVERIFY2(call > 8, qPrintable(QString::number(call)));
     }
 
     void takesNothingOfOthersInASharedFolder()

@@ -10,7 +10,6 @@
 #include <sys/prctl.h>
 
 #include <csignal>
-#include <functional>
 
 namespace oblino {
 
@@ -99,8 +98,6 @@ public:
         if (message.member() != QLatin1String("Read") || message.arguments() != appearance)
             return false;
         request = message;
-        if (onRead)
-            onRead();
         if (answer != Answer::Withheld)
             reply(message);
         return true;
@@ -109,8 +106,7 @@ public:
 
     Answer answer = Answer::Given;
     uint scheme = 0;
-    QDBusMessage request;         ///< the last one
-    std::function<void()> onRead; ///< called before the answer
+    QDBusMessage request; ///< the last one
 
 private:
     const QString service = QStringLiteral("org.freedesktop.portal.Desktop");

@@ -30,22 +30,19 @@ ViewControllerDestroy::ViewControllerDestroy(ErasableData erasable, QWidget *par
 {
     m_ui->setupUi(this);
     m_categories = {
-        {DataKind::Tasks, m_ui->deleteTasks, QStringLiteral("\nTasks"), [this] { return eraseTasks(); },
-         &dTask},
-        {DataKind::Notes, m_ui->deleteNotes, QStringLiteral("\nNotes"), [this] { return eraseNotes(); },
-         &dNotes},
-        {DataKind::Whiteboard, m_ui->deleteWhiteboard, QStringLiteral("\nWhiteboard"),
-         [this] { return eraseWhiteboard(); }, &dWhiteboard},
-        {DataKind::Clients, m_ui->deleteClients, QStringLiteral("\nClients"),
+        {DataKind::Tasks, m_ui->deleteTasks, "\nTasks", [this] { return eraseTasks(); }, &dTask},
+        {DataKind::Notes, m_ui->deleteNotes, "\nNotes", [this] { return eraseNotes(); }, &dNotes},
+        {DataKind::Whiteboard, m_ui->deleteWhiteboard, "\nWhiteboard", [this] { return eraseWhiteboard(); },
+         &dWhiteboard},
+        {DataKind::Clients, m_ui->deleteClients, "\nClients",
          [this] { return eraseContacts<Clients>(QStringLiteral("Error Deleting Clients Records")); },
          &dClients},
-        {DataKind::TeamMembers, m_ui->deleteTeamMembers, QStringLiteral("\nTeamMembers"),
+        {DataKind::TeamMembers, m_ui->deleteTeamMembers, "\nTeamMembers",
          [this] { return eraseContacts<TeamMembers>(QStringLiteral("Error Deleting Team Members Records")); },
          &dTeamMembers},
-        {DataKind::Settings, m_ui->deleteSettings, QStringLiteral("\nSettings"),
-         [this] { return eraseSettings(); }, &dSettings},
-        {DataKind::Cloud, m_ui->deleteICloud, QStringLiteral("\niCloud"), [this] { return eraseCloud(); },
-         &dICloud},
+        {DataKind::Settings, m_ui->deleteSettings, "\nSettings", [this] { return eraseSettings(); },
+         &dSettings},
+        {DataKind::Cloud, m_ui->deleteICloud, "\niCloud", [this] { return eraseCloud(); }, &dICloud},
     };
     connect(m_ui->deleteAll, &QCheckBox::clicked, this, [this] { pressAll(m_ui->deleteAll); });
     connect(m_ui->eraseButton, &QPushButton::clicked, this, [this] { OKErase(m_ui->eraseButton); });
@@ -91,7 +88,7 @@ void ViewControllerDestroy::OKErase(QObject * /*sender*/)
     QString list;
     for (Category &category : m_categories) {
         *category.isChosen = category.box->isChecked();
-        list += *category.isChosen ? category.listLine : QString();
+        list += QLatin1String(*category.isChosen ? category.listLine : "");
     }
     if (list.isEmpty()) {
         close();

@@ -64,7 +64,7 @@ private:
     {
         DataKind kind;
         QCheckBox *box;
-        QString listLine;
+        const char *listLine;
         std::function<bool()> erase; // returns whether all of it went
         bool *isChosen;              // for the erasure under way
     };
