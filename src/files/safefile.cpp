@@ -16,6 +16,20 @@ namespace oblino {
 
 using namespace Qt::Literals::StringLiterals;
 
+namespace {
+
+template<typename Work>
+Quarantine quarantined(Work work)
+{
+    try {
+        return {work(), {}, {}};
+    } catch (const FileError &error) {
+        return {{}, error.notWritable(), error.message()};
+    }
+}
+
+} // namespace
+
 SafeFile::SafeFile(QString path, const QString &privateFolder, FileCalls &calls)
     : m_path(std::move(path))
     , m_privateFolder(QDir(privateFolder).absolutePath())
@@ -44,20 +58,13 @@ EarlierVersions SafeFile::versions() const
 
 Quarantine SafeFile::quarantine(const QByteArray &bytes)
 {
-    try {
-        return {m_recovery.keep(bytes, fileName(), VersionReason::Quarantined), {}, {}};
-    } catch (const FileError &error) {
-        return {{}, error.notWritable(), error.message()};
-    }
+    return quarantined([&] { return m_recovery.keep(bytes, fileName(), VersionReason::Quarantined); });
 }
 
 Quarantine SafeFile::quarantineFile()
 {
-    try {
-        return {m_recovery.move(resolveSymlinks(m_path), fileName(), VersionReason::Unread), {}, {}};
-    } catch (const FileError &error) {
-        return {{}, error.notWritable(), error.message()};
-    }
+    return quarantined(
+        [&] { return m_recovery.move(resolveSymlinks(m_path), fileName(), VersionReason::Unread); });
 }
 
 FileReading SafeFile::look()
