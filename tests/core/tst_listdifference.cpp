@@ -58,35 +58,6 @@ private Q_SLOTS:
         QCOMPARE(differenceText(ComparedList(listOf(today)).since(earlier)), expected);
         QCOMPARE(differenceText(ComparedList(listOf(today, true), true).since(earlier)), expected);
     }
-
-    void comparesWhatTheFileWouldHold()
-    {
-        const ComparedList earlier(listOf({"A a¦b"}));
-        QList<task> today = listOf({"A"});
-        today.first().name = u"a|b"_s; // as the cloud may bring it
-        today.first().date = today.first().date.addSecs(3600);
-        QCOMPARE(ComparedList(today).since(earlier), ListDifference());
-        today.first().color = Color(1, 0.5, 0.2, 1);
-        QCOMPARE(differenceWords(ComparedList(today).since(earlier)), u"today: 1 task changed"_s);
-    }
-
-    void readsTheTasksOfAnyText_data()
-    {
-        const Texts data;
-        data("a list", row("A") + row("B"), u"AB"_s);
-        data("cut short", row("A") + row("B").chopped(5), u"A"_s);
-        data("a row of other bytes", row("A") + "\xff" + row("B") + row("C"), u"AC"_s);
-        data("rows set aside",
-             "== 2026-10-01 10:31:07 ltodolist.txt ==\n" + row("A") + "junk^\n" +
-                 "== 2026-10-02 09:00:00 ltodolist.txt ==\n" + row("B") + "\n",
-             u"AB"_s);
-        data("a heading in a description", "3/7/24|Paint|== a ==\n" + row("A").sliced(28), u"A"_s);
-    }
-    void readsTheTasksOfAnyText()
-    {
-        const auto [text, keys] = Texts::cells();
-        QCOMPARE(keysOf(tasksInText(text, {}, false)), keys);
-    }
 };
 
 OBLINO_TEST(tst_listdifference, QCoreApplication)

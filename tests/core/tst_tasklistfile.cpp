@@ -265,33 +265,6 @@ private Q_SLOTS:
         QVERIFY(home.kept().contains(theirs));
     }
 
-    void keepsTheListWhereSavingFails()
-    {
-        for (const QByteArray &odd : {"odd^"_ba, ""_ba}) {
-            const QByteArray bytes = row() + odd;
-            TemporaryHome home;
-            TemporaryHome::write(home.listPath(), bytes);
-            Run run(home);
-            run.disk.isFull = true;
-            run.read();
-            add(run.store, {.key = u"b"_s});
-            run.setDark(true);
-            (void)run.file.takeNotices();
-            for (int time = 0; time < 2; ++time) {
-                QVERIFY(!run.file.saveToFile());
-                QVERIFY(run.file.hasUnsavedChanges() && !run.file.trouble().isEmpty());
-                QVERIFY(!run.file.invertedColors());
-                QCOMPARE(keysOf(run.store.tasks()), u"KEYb"_s);
-                QCOMPARE(TemporaryHome::content(home.listPath()), bytes);
-            }
-            run.disk.isFull = false;
-            QVERIFY(run.file.saveToFile());
-            QVERIFY(!run.file.hasUnsavedChanges() && run.file.invertedColors());
-            QVERIFY(TemporaryHome::content(home.listPath()).startsWith(row()));
-            QCOMPARE(run.aside(), odd);
-        }
-    }
-
     void takesHalfASaveOfItsOwnForNoOtherProgram()
     {
         for (const bool looksBetween : {false, true}) {
@@ -314,39 +287,6 @@ private Q_SLOTS:
             QCOMPARE(keysOf(run.store.tasks()), u"cd"_s);
             QVERIFY(TemporaryHome::content(home.listPath()).startsWith(third));
         }
-    }
-
-    void saysThatASaveIsStillUnfinishedAtTheNextStart()
-    {
-        TemporaryHome home;
-        TemporaryHome::write(home.listPath(), row());
-        Run before(home);
-        before.read();
-        before.store.setTasks({});
-        before.disk.wholeWrites = 2; // the version of the day and the journal
-        add(before.store, {.key = u"b"_s});
-        QVERIFY(!before.file.saveToFile());
-        Run run(home);
-        run.disk.isFull = true;
-        run.read();
-        QCOMPARE(keysOf(run.store.tasks()), u"b"_s);
-        QVERIFY(run.file.hasUnsavedChanges());
-        const QString state = run.file.saveState(QLocale::c());
-        QVERIFY2(state.startsWith(u"Not saved: "_s), qPrintable(state));
-        run.disk.isFull = false;
-        QVERIFY(run.file.saveToFile() && run.file.saveState(QLocale::c()).startsWith(u"Saved "_s));
-    }
-
-    void worksWithoutADocumentsFolder()
-    {
-        TemporaryHome home;
-        Run run(home, false, false);
-        run.read();
-        add(run.store, {.color = Color(0.25, 0, 0, 1)});
-        run.setDark(true);
-        QVERIFY(run.file.saveToFile() && run.file.invertedColors());
-        QCOMPARE(run.store.tasks().first().color.red(), 0.75);
-        QVERIFY(!run.file.takeNotices().isEmpty());
     }
 
     void tracesWhatItReadsAndWrites()

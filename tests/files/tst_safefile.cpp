@@ -165,38 +165,6 @@ private Q_SLOTS:
             QVERIFY(contentOf(place.path) == newText && !QFile::exists(file.journalPath()));
         }
     }
-
-    void readsAFileThatAppearsAfterAFailedSave()
-    {
-        const Place place(otherText);
-        const QString docs = QFileInfo(place.path).path();
-        QVERIFY(QFile::rename(docs, docs + u".away"_s));
-        SafeFile file = place.file();
-        QVERIFY(file.read().outcome == Outcome::Missing && !file.write(newText).written);
-        QVERIFY(QFile::rename(docs + u".away"_s, docs));
-        QVERIFY(file.read().bytes == otherText && file.write("next").written);
-        QVERIFY(contentOf(place.path) == "next" && place.keptDaily() == QByteArrayList{otherText});
-        QCOMPARE(place.kept(), QByteArrayList{newText});
-    }
-
-    void namesThePrivateFolderThatFails()
-    {
-        const QString recovery = u"/recovery"_s; // where at first the version of the day alone is missing
-        for (const auto &[folder, found, isSaved] : {std::tuple(recovery, oldText, true),
-                                                     {recovery, otherText, false},
-                                                     {QString(), oldText, false}}) {
-            const Place place(oldText);
-            SafeFile file = place.file();
-            put(place.privateFolder + folder, "a file is in the way");
-            QCOMPARE(file.read().bytes, oldText);
-            put(place.path, found);
-            const FileWriting saved = file.write(newText);
-            QVERIFY(saved.written == isSaved && contentOf(place.path) == (isSaved ? newText : found));
-            const QString told = isSaved ? saved.notices.value(0) : saved.error;
-            QVERIFY2(told.contains(u'“' + place.privateFolder + folder + u"” could not be written"_s),
-                     qPrintable(told));
-        }
-    }
 };
 
 OBLINO_TEST(tst_safefile, QCoreApplication)

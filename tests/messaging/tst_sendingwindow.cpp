@@ -290,40 +290,6 @@ private Q_SLOTS:
         }
     }
 
-    void runsOnWhenItIsClosed()
-    {
-        Window w;
-        w.show();
-        w.click("allClients");
-        w.gateway.answers.acquire(ScriptedGateway::all - 1);
-        w.click(toClients);
-        QTRY_COMPARE(w.gateway.sent().size(), 2);
-        w.controller->close();
-        w.controller.reset();
-        w.show();
-        QCOMPARE(w.enabled(), u"000"_s);
-        QCOMPARE(w.status(), u"Steps Performed:2 of 15 Sending Schedule#:1"_s);
-        const auto &bar = w.find<QProgressBar>("progressBar");
-        QCOMPARE((QList{bar.minimum(), bar.value(), bar.maximum()}), (QList{0, 2, 15}));
-        w.gateway.answers.release(ScriptedGateway::all);
-        QTRY_COMPARE(w.enabled(), everyButton);
-        QCOMPARE(bar.value(), 15);
-        QCOMPARE(w.gateway.sent().size(), 7);
-    }
-
-    void staysWhereReturnIsPressedAndADayCannotBeRead()
-    {
-        Window w;
-        w.show();
-        type(w.find<QLineEdit>("smsText"), u"hello"_s, Qt::Key_Return);
-        QVERIFY(w.controller->isVisible());
-        w.clickRow("clientsTable", 0);
-        type(w.find<DateField>("endSendDate"), u"32.1."_s);
-        w.click(toClients);
-        QCOMPARE(w.status(), u"“32.1.” is not a date."_s);
-        QVERIFY(w.script.asked.isEmpty());
-    }
-
     void countsTheCharactersThatAreLeft()
     {
         const QString longOne = u'e' + QString(50, u'\u0301');

@@ -150,19 +150,6 @@ private Q_SLOTS:
         }
     }
 
-    void showsTheSecretOnlyWhileAsked()
-    {
-        Window w;
-        w.type("passPhrase", u"abc"_s);
-        const QLineEdit &secret = w.field("passPhrase");
-        QVERIFY(!secret.displayText().contains(u'a'));
-        w.click("showSecretButton");
-        QCOMPARE(secret.displayText(), u"abc"_s);
-        w.click("saveButton");
-        w.reopen();
-        QVERIFY(!secret.displayText().contains(u'a'));
-    }
-
     void sendsATestMessageWithWhatTheFormShows_data()
     {
         const Table<Reply, QString> row;

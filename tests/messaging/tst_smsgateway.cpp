@@ -141,33 +141,6 @@ private Q_SLOTS:
             QCOMPARE(QString::number(characterCount(texts[i])) + u' ' + smsText(texts[i]), expected[i]);
     }
 
-    void cutsAfterThe160thCharacterAndNeverWithinOne_data()
-    {
-        const Table<QString, QString> row;
-        const QString most(159, u'a');
-        const QString eight = u"मेरा नाम 😀 "_s;
-        for (const QString &character : {u"z"_s, u"😀"_s, u"👩🏽‍🚀"_s, u"🇩🇪"_s, u"\r\n"_s, u"नि"_s,
-                                         u'e' + QString(300, u'\u0301'), QString(QChar(0xD83D))}) {
-            row(qPrintable(u"after letters: "_s + character.left(9)), most + character + u'z',
-                most + character);
-            row(qPrintable(u"only: "_s + character.left(9)), character.repeated(161),
-                character.repeated(160));
-        }
-        row("a flag after an emoji", QString(158, u'x') + u"😀🇩🇪!"_s, QString(158, u'x') + u"😀🇩🇪"_s);
-        row("an emoji after Devanagari", u"क"_s.repeated(159) + u"😀!"_s, u"क"_s.repeated(159) + u"😀"_s);
-        row("8 characters of 11 code points", eight.repeated(25), eight.repeated(20));
-    }
-    void cutsAfterThe160thCharacterAndNeverWithinOne()
-    {
-        const auto [text, expected] = Table<QString, QString>::cells();
-        Account a;
-        a.server.setReply({Reply::answer("fine")});
-        QVERIFY(a.send(text));
-        QCOMPARE(a.server.requests().constFirst().body.split('=').constLast(),
-                 QUrl::toPercentEncoding(expected));
-        QCOMPARE(smsText(expected), expected);
-    }
-
     void sendsNothingToAnAddressThatCannotBe()
     {
         Account a;

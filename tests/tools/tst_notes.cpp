@@ -178,19 +178,6 @@ private Q_SLOTS:
         QCOMPARE(notes.saved(), "ab");
     }
 
-    void withoutADocumentsFolderTheTextIsUnsaved()
-    {
-        ToolHome home;
-        Documents none(std::nullopt, home.home.privateFolder());
-        ViewControllerNotes pad(home.store, none);
-        QTest::keyClicks(&find<QPlainTextEdit>(pad, "textEdit"), u"a"_s);
-        QCOMPARE(tracesOf([&] { QVERIFY(pad.saveToFile() && pad.isUnsaved()); }), "");
-        QCOMPARE(find<NoticeLabel>(pad, "notice").notice(), u"Not saved: there is no documents folder."_s);
-        QVERIFY(pad.saveNow().contains(u"no documents folder"_s));
-        QCOMPARE(TemporaryHome::content(pad.rescue()), "a");
-        pad.discard();
-    }
-
     void whateverCallFailsTheTextIsInTheFileOrStillUnsaved_data()
     {
         const Table<QByteArray, Bytes, QString, int>

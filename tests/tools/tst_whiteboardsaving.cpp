@@ -124,37 +124,6 @@ private Q_SLOTS:
         QCOMPARE(TemporaryHome::content(board.board), rescued);
     }
 
-    void aLinkOfAnotherUserInASharedFolderIsNotFollowed_data()
-    {
-        const Table<uid_t, uid_t, mode_t, bool> row; // owners of link and folder, folder's mode, followed
-        row("our own in a shared folder", ::geteuid(), 0, 01777, true);
-        row("another's in our folder", nobody, ::geteuid(), 0755, true);
-        row("another's in a folder for all, sticky", nobody, 0, 01777, false);
-        row("another's in a group's folder", nobody, ::geteuid(), 0775, false);
-        row("another's in that user's folder", nobody, nobody, 0755, false);
-    }
-    void aLinkOfAnotherUserInASharedFolderIsNotFollowed()
-    {
-        if (::geteuid() != 0)
-            QSKIP("Only root can give a link to another user.");
-        const auto [owner, folderOwner, mode, isFollowed] = Table<uid_t, uid_t, mode_t, bool>::cells();
-        const ToolHome home;
-        const QString target = home.home.path(u"target"_s);
-        TemporaryHome::write(target, pngOf(size, Qt::green));
-        QVERIFY(QFile::link(target, home.board));
-        QCOMPARE(::lchown(QFile::encodeName(home.board), owner, owner), 0);
-        const QByteArray folder = QFile::encodeName(home.home.documents());
-        QVERIFY(::chown(folder, folderOwner, folderOwner) == 0 && ::chmod(folder, mode) == 0);
-
-        WhiteboardFile file(home.home.privateFolder());
-        QCOMPARE(file.read(home.board, size).picture.isNull(), !isFollowed);
-        const FileWriting writing = file.write("other", home.board);
-        QCOMPARE(TemporaryHome::content(target) == "other", isFollowed);
-        QCOMPARE(writing.reason.startsWith(u"it is a link of another user"_s), !isFollowed);
-        QCOMPARE(file.erase(home.board).isEmpty(), isFollowed);
-        QCOMPARE(QFile::exists(target), !isFollowed);
-    }
-
     void textsAreTakenOutOfAPng()
     {
         const QByteArray picture = "\x89PNG\r\n\x1a\n" + chunk("IHDR", "size") + chunk("IDAT", "pixels");

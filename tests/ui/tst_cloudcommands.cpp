@@ -118,18 +118,6 @@ private Q_SLOTS:
         QTRY_COMPARE(main.cause(), main.file + u": file is not a database"_s);
     }
 
-    void deletesTheRecordWithTheTask()
-    {
-        CloudWindow main;
-        main.command("updateToCloudAction");
-        main.clickRow(u"apple"_s);
-        main.command("deleteAction");
-        QCOMPARE(main.saved(), u"pear"_s);
-        main.command("updateFromCloudAction");
-        QCOMPARE(main.lastAsked(), u"Sync from iCloud succesfully!"_s);
-        QCOMPARE(main.saved(), u"pear"_s);
-    }
-
     void holdsItsCommandsWhileItWaits()
     {
         CloudWindow main(400ms);

@@ -11,8 +11,6 @@
 
 using namespace oblino;
 using Changes = Table<const char *, int, const char *, const char *, QString, QString>;
-using Presses = Table<std::function<void(QMessageBox *)>, std::optional<int>>;
-using Refusals = Table<int, bool, const char *, QString>;
 
 namespace {
 
@@ -25,17 +23,6 @@ const QList<Row> fourTasks = {
 
 constexpr int globalAll = 6;
 
-/// Which of the buttons for a task are enabled.
-QString enabled(const MainWindow &main)
-{
-    QStringList names;
-    for (const char *name : {"edit", "delete", "hide", "share", "clone", "close"}) {
-        if (main.button((QByteArray(name) + "Button").constData()).isEnabled())
-            names += QLatin1String(name);
-    }
-    return names.join(u' ');
-}
-
 } // namespace
 
 class tst_mainwindow : public QObject
@@ -43,15 +30,6 @@ class tst_mainwindow : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void startsEmptyWithNothingToCommand()
-    {
-        const MainWindow main({});
-        QCOMPARE(main.shown(), QString());
-        QCOMPARE(enabled(main), QString());
-        QVERIFY(main.window->findChild<QLabel *>(u"emptyTitle"_s)->isVisible());
-        QVERIFY(!QFile::exists(main.home.listPath()));
-    }
-
     void startsSortedByDateWithElevenColumns()
     {
         QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
@@ -62,20 +40,6 @@ private Q_SLOTS:
             row += main.cell(0, column);
         QCOMPARE(row.join(u'|'), u"3/7/26|09:30|17:00|a|Acme|Dana|one...|Open|High|3/9/26|KEY-a"_s);
         QCOMPARE(TemporaryHome::content(main.home.listPath()), main.listAtStart);
-    }
-
-    void showsTheChosenView()
-    {
-        MainWindow main(fourTasks);
-        main.clickRow(u"apple"_s);
-        QTest::keyClicks(&main.views(), u"c"_s);
-        QCOMPARE(main.shown(), u"apple"_s);
-        QCOMPARE(enabled(main), QString());
-        main.views().setFocus();
-        QTest::keyClick(&main.views(), Qt::Key_Down);
-        QTest::keyClick(&main.views(), Qt::Key_Down);
-        QCOMPARE(main.shown(), u"date"_s);
-        QCOMPARE(main.views().currentText(), u"Hidden Open"_s);
     }
 
     void searchesAsOneTypesUntilTheFieldIsEmptied()
@@ -92,19 +56,6 @@ private Q_SLOTS:
                 QTest::mouseClick(main.searchField().findChildren<QToolButton *>().last(), Qt::LeftButton);
             QCOMPARE(main.shown(), u"apple banana cherry"_s);
         }
-    }
-
-    void enablesCommandsOnlyForATaskThatIsSelectedAndShown()
-    {
-        MainWindow main(fourTasks);
-        main.clickRow(u"banana"_s);
-        const QString all = u"edit delete hide share clone close"_s;
-        QCOMPARE(enabled(main), all);
-        QTest::keyClicks(&main.searchField(), u"ban"_s);
-        QCOMPARE(main.selectedName(), u"banana"_s);
-        QCOMPARE(enabled(main), all);
-        QTest::keyClicks(&main.searchField(), u"x"_s);
-        QCOMPARE(enabled(main), QString());
     }
 
     void changesTheListAndTheFile_data()
@@ -141,52 +92,53 @@ private Q_SLOTS:
         QCOMPARE(main.selectedName(), view == globalAll ? QLatin1String(name) : QLatin1String());
     }
 
-    void refusesToMove_data()
-    {
-        const Refusals row;
-        row("up elsewhere", 0, true, "upperButton", u"Change to Global-All View to order Tasks."_s);
-        row("down elsewhere", 0, true, "downerButton", u"Change to the Global-All View to order Tasks."_s);
-        row("nothing selected", globalAll, false, "upperButton", u"Select a Task."_s);
-        row("the selected task is gone", globalAll, true, "downerButton", u"Select a Task."_s);
-    }
-
-    void refusesToMove()
-    {
-        const auto [view, selects, button, message] = Refusals::cells();
-        MainWindow main(fourTasks);
-        main.views().setCurrentIndex(view);
-        if (selects)
-            main.clickRow(u"banana"_s);
-        if (selects && view == globalAll)
-            main.click("deleteButton");
-        const QString before = main.shown();
-        main.click(button);
-        QCOMPARE(main.questions.asked.last().informativeText, message);
-        QCOMPARE(main.questions.asked.last().buttons, QStringList(u"OK"_s));
-        QCOMPARE(main.shown(), before);
-    }
-
-    void showsWhetherTheSelectedTaskIsHidden()
+    void closesAndHidesAndMovesOnlyWhatItCan()
     {
         MainWindow main(fourTasks);
+        const auto said = [&main](const char *button) {
+            main.click(button);
+            return main.questions.asked.isEmpty() ? QString()
+                                                  : main.questions.asked.takeLast().informativeText;
+        };
+        QCOMPARE(said("upperButton"), u"Change to Global-All View to order Tasks."_s);
+        QCOMPARE(said("downerButton"), u"Change to the Global-All View to order Tasks."_s);
         main.views().setCurrentIndex(globalAll);
+        QCOMPARE(said("upperButton"), u"Select a Task."_s);
         main.clickRow(u"date"_s);
         QCOMPARE(main.button("hideButton").toolTip(), u"UNHIDE"_s);
-        main.click("hideButton");
+        QCOMPARE(said("hideButton"), u""_s);
         QCOMPARE(main.button("hideButton").toolTip(), u"HIDE"_s);
-        QVERIFY(!main.store.tasks().last().hidden);
+        for (const QString &expected : {u""_s, u"Task already closed"_s}) {
+            main.clickRow(u"banana"_s);
+            QCOMPARE(said("closeButton"), expected);
+            QCOMPARE(main.cell(1, 7), u"Closed"_s);
+        }
+        main.clickRow(u"banana"_s);
+        main.click("deleteButton");
+        main.questions.asked.clear();
+        QCOMPARE(said("downerButton"), u"Select a Task."_s);
+        QCOMPARE(main.saved(), u"apple cherry date"_s);
     }
 
-    void closesATaskOnce()
+    void answersOnlyWhatWasPressed()
     {
-        MainWindow main(fourTasks);
-        for (int time = 0; time < 2; ++time) {
-            main.clickRow(u"banana"_s);
-            main.click("closeButton");
-            QCOMPARE(main.cell(1, 7), u"Closed"_s);
-            QCOMPARE(main.questions.asked.size(), time);
-        }
-        QCOMPARE(main.questions.asked.last().informativeText, u"Task already closed"_s);
+        // In an event loop of the application's, as in the program.
+        const auto answerTo = [this](const std::function<void(QMessageBox *)> &press) {
+            std::optional<int> answer = -2;
+            QTimer::singleShot(0, this, [&] {
+                QTimer::singleShot(0, this, [&press] {
+                    press(qobject_cast<QMessageBox *>(QApplication::activeModalWidget()));
+                });
+                answer = MessageBoxAlert().ask({u"<b>?</b>"_s, {}, {u"Yes"_s, u"No"_s}, 1});
+                QCoreApplication::exit(0);
+            });
+            QApplication::exec();
+            return answer;
+        };
+        QCOMPARE(answerTo([](auto *box) { QTest::mouseClick(box->buttons().at(0), Qt::LeftButton); }), 0);
+        for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Escape})
+            QCOMPARE(answerTo([key](auto *box) { QTest::keyClick(box, key); }), 1);
+        QCOMPARE(answerTo([](auto *) { QCoreApplication::exit(0); }), std::nullopt);
     }
 
     void deletesOnlyOnAnExplicitYes()
@@ -203,36 +155,6 @@ private Q_SLOTS:
             QCOMPARE(asked.buttons, QStringList({u"Yes"_s, u"No"_s}));
             QCOMPARE(main.saved(), u"apple banana cherry date"_s);
         }
-    }
-
-    void answersOnlyWhatWasPressed_data()
-    {
-        const Presses row;
-        row(
-            "Yes by mouse", [](QMessageBox *box) { QTest::mouseClick(box->buttons().at(0), Qt::LeftButton); },
-            0);
-        row(
-            "Return takes the harmless one", [](QMessageBox *box) { QTest::keyClick(box, Qt::Key_Return); },
-            1);
-        row(
-            "Escape too", [](QMessageBox *box) { QTest::keyClick(box, Qt::Key_Escape); }, 1);
-        row(
-            "the event loop ends", [](QMessageBox *) { QCoreApplication::exit(0); }, std::nullopt);
-    }
-
-    void answersOnlyWhatWasPressed()
-    {
-        const auto [press, expected] = Presses::cells();
-        std::optional<int> answer = -2;
-        // In an event loop of the application's, as in the program.
-        QTimer::singleShot(0, this, [&, press = press] {
-            QTimer::singleShot(
-                0, this, [&press] { press(qobject_cast<QMessageBox *>(QApplication::activeModalWidget())); });
-            answer = MessageBoxAlert().ask({u"<b>?</b>"_s, {}, {u"Yes"_s, u"No"_s}, 1});
-            QCoreApplication::exit(0);
-        });
-        QApplication::exec();
-        QCOMPARE(answer, expected);
     }
 
     void deletesTheTaskItAskedAboutThoughTheListChangedMeanwhile()
@@ -301,20 +223,6 @@ private Q_SLOTS:
         }
     }
 
-    void takesInWhatOthersChange()
-    {
-        MainWindow main(fourTasks);
-        QTest::keyClicks(&main.searchField(), u"fig"_s);
-        main.store.addTask({}, QDateTime::currentDateTime(), u"fig"_s, {}, Color(),
-                           QDateTime::currentDateTime(), 0, 0, {}, {}, false, 8, 0, 9, 0, {}, {});
-        main.notifications.post(u"reload"_s);
-        QCOMPARE(main.shown(), u"fig"_s);
-        QCOMPARE(main.saved(), u"apple banana cherry date fig"_s);
-        main.store.setLastMessage(u"-iCloud:Update Complete!-"_s);
-        main.notifications.post(u"update"_s);
-        QCOMPARE(main.status(), u"-iCloud:Update Complete!-"_s);
-    }
-
     void saysWhatIsBecomingOfRowsThatCannotBeRead()
     {
         MainWindow main({});
@@ -324,18 +232,8 @@ private Q_SLOTS:
                  qPrintable(main.notice()));
         main.clickRow(u"apple"_s);
         main.click("cloneButton");
-        const QList<EarlierVersion> kept = main.documents.versions(u"ltodolist.txt"_s).list();
-        QVERIFY(!kept.isEmpty() && kept.first().reason == VersionReason::Quarantined);
-        QVERIFY(main.notice().contains(kept.first().path));
-        QCOMPARE(TemporaryHome::content(kept.first().path), "broken|row^");
-    }
-
-    void asksTheApplicationToEndWhenItIsClosed()
-    {
-        const MainWindow main({});
-        const QSignalSpy ended(main.window.get(), &ViewController::terminationRequested);
-        QVERIFY(main.window->close());
-        QCOMPARE(ended.size(), 1);
+        QVERIFY(main.home.kept().contains("broken|row^"));
+        QVERIFY2(main.notice().contains(main.home.privateFolder()), qPrintable(main.notice()));
     }
 
     void canBeReadByAScreenReader()

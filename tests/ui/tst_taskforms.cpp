@@ -191,17 +191,6 @@ private Q_SLOTS:
         QCOMPARE(TemporaryHome::content(main.home.listPath()), row);
     }
 
-    void savesTheTextsThatItShows()
-    {
-        MainWindow main({{.name = "apple"}});
-        const QByteArray row = "3/7/26|apple||1.0|1.0|1.0|1.0|3/9/26|1|0|Done|low|K|false|9|30|17|0||^";
-        TemporaryHome::write(main.home.listPath(), row);
-        main.interfaceChange();
-        click(openEdit(main), "saveButton");
-        QCOMPARE(TemporaryHome::content(main.home.listPath()),
-                 QByteArray(row).replace("Done|low", "Closed|Low"));
-    }
-
     void checksDatesEachFormInItsWay_data()
     {
         const Checks row;
@@ -252,17 +241,6 @@ private Q_SLOTS:
         type(find<DateField>(form, "dtTaskDueDate"), u"4/2/2026"_s, Qt::Key_Return);
         QCOMPARE(main.questions.asked.size(), 1);
         QVERIFY(TemporaryHome::content(main.home.listPath()).contains("|4/2/26|"));
-    }
-
-    void saysQuietlyThatATaskEndsBeforeItStarts()
-    {
-        MainWindow main({});
-        QWidget &form = openAdd(main);
-        auto &notice = find<NoticeLabel>(form, "timesNotice");
-        type(find<TimeField>(form, "endTime"), u"7:30"_s);
-        QVERIFY(notice.isVisible());
-        type(find<DateField>(form, "dtTaskDueDate"), u"+1"_s);
-        QVERIFY(!notice.isVisible());
     }
 
     void refusesAColourThatHidesTheDescription()
@@ -398,23 +376,6 @@ private Q_SLOTS:
         }
     }
 
-    void theWheelChangesNothingThatIsNotChosen()
-    {
-        MainWindow main({});
-        WheelGuard guard;
-        qApp->installEventFilter(&guard);
-        QWidget &form = openAdd(main);
-        for (const char *name : {"inTaskStatus", "dtTaskDate", "endTime"}) {
-            auto &field = find<QWidget>(form, name);
-            QWheelEvent turn(QPointF(5, 5), field.mapToGlobal(QPointF(5, 5)), {}, {0, -120}, {}, {},
-                             Qt::NoScrollPhase, false);
-            QApplication::sendEvent(&field, &turn);
-            QVERIFY2(!turn.isAccepted(), name);
-        }
-        QTest::keyClick(&form, Qt::Key_Escape);
-        QVERIFY(main.questions.asked.isEmpty()); // nothing has changed
-    }
-
     void sharesWhatTheFormShowsUnderANewKeyAndKeepsIt()
     {
         QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
@@ -437,16 +398,6 @@ private Q_SLOTS:
                  "Sent with Oblino. Download from the App Store for Mac:\n\n" OBLINO_STORE_ADDRESS ""_s);
         QTest::keyClick(&form, Qt::Key_Escape);
         QCOMPARE(main.saved(), u"plum"_s);
-    }
-
-    void sharesFromTheListWhenTheMouseGoesDown()
-    {
-        MainWindow main(oneTask);
-        RecordingPicker picker;
-        main.store.setSharingPicker(&picker);
-        main.clickRow(u"apple"_s);
-        QTest::mousePress(&main.button("shareButton"), Qt::LeftButton);
-        QTRY_COMPARE(picker.texts.size(), 1);
     }
 };
 

@@ -93,24 +93,6 @@ private Q_SLOTS:
         QCOMPARE(main.selectedName(), u"banana"_s);
     }
 
-    void startsWithItsFirstRow()
-    {
-        const MainWindow main(someTasks);
-        QVERIFY(main.table().hasFocus());
-        QCOMPARE(main.selectedName(), QString());
-        press(main, "Down");
-        QCOMPARE(main.selectedName(), u"apple"_s);
-        for (const auto &[keys, name] : {std::pair("End", u"cherry"_s),
-                                         {"Right", u"cherry"_s},
-                                         {"Home", u"apple"_s},
-                                         {"Ctrl+End", u"cherry"_s},
-                                         {"Ctrl+Home", u"apple"_s}}) {
-            press(main, keys);
-            QCOMPARE(main.selectedName(), name);
-        }
-        QCOMPARE(main.table().currentIndex().column(), 1);
-    }
-
     void findsANameAsItIsTyped_data()
     {
         const Searches row;
@@ -219,17 +201,6 @@ private Q_SLOTS:
         main.notifications.post(u"update"_s);
         main.interfaceChange();
         QCOMPARE(main.status(), QString());
-    }
-
-    void reversesWhatWasSortedLast()
-    {
-        const MainWindow main(someTasks);
-        clickHeader(main.table(), 3);
-        main.clickRow(u"banana"_s);
-        main.click("cloneButton");
-        QCOMPARE(main.shown(), u"apple banana cherry banana"_s);
-        press(main, "Ctrl+Shift+R");
-        QCOMPARE(main.shown(), u"cherry banana banana apple"_s);
     }
 
     void tracesARowOnceAReload()
