@@ -88,7 +88,7 @@ Application::~Application()
 
 void Application::start()
 {
-    m_portal.settle(portalTime);
+    m_portal.waitForAnswer(portalTime);
     followAppearance();
     connect(&Appearance::standard(), &Appearance::changed, this, [this] {
         followAppearance();

@@ -3,6 +3,8 @@
 #include <QMouseEvent>
 #include <QPainter>
 
+#include <algorithm>
+
 namespace oblino {
 
 namespace {
@@ -19,6 +21,12 @@ void paintArrow(QPainter *painter, const QPoint &centre, bool up)
 }
 
 } // namespace
+
+int tableRowHeight(const QWidget &table)
+{
+    constexpr int usual = 36;
+    return std::max(usual, table.fontMetrics().height() * 2);
+}
 
 TableHeader::TableHeader(QWidget *parent)
     : QHeaderView(Qt::Horizontal, parent)

@@ -4,6 +4,9 @@
 
 namespace oblino {
 
+/// The height of the rows of every table, in pixels: 36 for the usual font size, more for a larger one.
+[[nodiscard]] int tableRowHeight(const QWidget &table);
+
 /// The header of a table: titles stand where the texts below them stand, and a small arrow points up
 /// where the column is sorted ascending, down where it is sorted descending.
 class TableHeader : public QHeaderView

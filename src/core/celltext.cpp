@@ -20,7 +20,7 @@ QString tracedTime(const char *label, qint64 hour, qint64 minute)
 QString cellText(const task &t, const QString &identifier, const QLocale &locale)
 {
     if (identifier == CellIdentifiers::DateCell)
-        return locale.toString(t.date.date(), QLocale::ShortFormat);
+        return shortDate(t.date, locale);
     if (identifier == CellIdentifiers::StartTime)
         return tracedTime("Start Time", t.startHour, t.startMin);
     if (identifier == CellIdentifiers::EndTime)
@@ -38,7 +38,7 @@ QString cellText(const task &t, const QString &identifier, const QLocale &locale
     if (identifier == CellIdentifiers::PriorityCell)
         return t.priorityName;
     if (identifier == CellIdentifiers::DueCell)
-        return locale.toString(t.due.date(), QLocale::ShortFormat);
+        return shortDate(t.due, locale);
     if (identifier == CellIdentifiers::KeyCell)
         return t.key;
     return {};

@@ -27,6 +27,11 @@ DayOrder compareDays(QDate first, QDate second)
     return DayOrder::Descending;
 }
 
+QString shortDate(const QDateTime &moment, const QLocale &locale)
+{
+    return locale.toString(moment.date(), QLocale::ShortFormat);
+}
+
 QString twoDigitTime(qint64 hour, qint64 minute)
 {
     return twoDigits(hour) + QLatin1Char(':') + twoDigits(minute);

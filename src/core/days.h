@@ -1,6 +1,7 @@
 #pragma once
 
-#include <QDate>
+#include <QDateTime>
+#include <QLocale>
 #include <QString>
 
 namespace oblino {
@@ -10,6 +11,9 @@ enum class DayOrder { Ascending, Same, Descending };
 /// Compares two calendar days, and traces "ASCENDING" when the first comes first, "SAME" when they are equal,
 /// "DESCENDING" when it comes last.
 DayOrder compareDays(QDate first, QDate second);
+
+/// The day of the moment in the short form of the locale.
+[[nodiscard]] QString shortDate(const QDateTime &moment, const QLocale &locale = QLocale());
 
 /// The time of day as two two-digit numbers joined by a colon: 9 and 5 give 09:05.
 [[nodiscard]] QString twoDigitTime(qint64 hour, qint64 minute);

@@ -27,26 +27,26 @@ QString taskCount(qsizetype tasks)
 QString differenceText(const ListDifference &difference)
 {
     QStringList parts;
-    const auto say = [&parts](QChar sign, qsizetype tasks) {
+    const auto add = [&parts](QChar sign, qsizetype tasks) {
         if (tasks > 0)
             parts += sign + QString::number(tasks);
     };
-    say(u'+', difference.added);
-    say(u'−', difference.removed);
-    say(u'≠', difference.changed);
+    add(u'+', difference.added);
+    add(u'−', difference.removed);
+    add(u'≠', difference.changed);
     return parts.isEmpty() ? QStringLiteral("same") : parts.join(QLatin1Char(' '));
 }
 
 QString differenceWords(const ListDifference &difference)
 {
     QStringList parts;
-    const auto say = [&parts](qsizetype tasks, const QString &word) {
+    const auto add = [&parts](qsizetype tasks, const QString &word) {
         if (tasks > 0)
             parts += taskCount(tasks) + word;
     };
-    say(difference.added, QStringLiteral(" more"));
-    say(difference.removed, QStringLiteral(" fewer"));
-    say(difference.changed, QStringLiteral(" changed"));
+    add(difference.added, QStringLiteral(" more"));
+    add(difference.removed, QStringLiteral(" fewer"));
+    add(difference.changed, QStringLiteral(" changed"));
     return QStringLiteral("today: ") +
            (parts.isEmpty() ? QStringLiteral("the same") : parts.join(QStringLiteral(", ")));
 }

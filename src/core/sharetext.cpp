@@ -8,16 +8,14 @@ namespace oblino {
 QString shareText(const task &t, const QString &title, const QString &footer, const QString &messageKey,
                   const QLocale &locale)
 {
-    const auto day = [&locale](const QDateTime &moment) {
-        return locale.toString(moment.date(), QLocale::ShortFormat);
-    };
     return title + QStringLiteral("\n\nSchedule: ") + t.name + QStringLiteral("\nStart Date: ") +
-           day(t.date) + QStringLiteral("\nStart Time: ") + twoDigitTime(t.startHour, t.startMin) +
-           QStringLiteral("\nEnd Time: ") + twoDigitTime(t.endHour, t.endMin) +
-           QStringLiteral("\nDue Date: ") + day(t.due) + QStringLiteral("\nDescription: ") + t.desc +
-           QStringLiteral("\n\nClient: ") + t.client + QStringLiteral("\nTeam Member: ") + t.teamMember +
-           QStringLiteral("\n\nTask Key: ") + t.key + QStringLiteral("\nMessage Key: ") + messageKey +
-           QStringLiteral("\n\n") + footer + QStringLiteral("\n\n") + shareClosing();
+           shortDate(t.date, locale) + QStringLiteral("\nStart Time: ") +
+           twoDigitTime(t.startHour, t.startMin) + QStringLiteral("\nEnd Time: ") +
+           twoDigitTime(t.endHour, t.endMin) + QStringLiteral("\nDue Date: ") + shortDate(t.due, locale) +
+           QStringLiteral("\nDescription: ") + t.desc + QStringLiteral("\n\nClient: ") + t.client +
+           QStringLiteral("\nTeam Member: ") + t.teamMember + QStringLiteral("\n\nTask Key: ") + t.key +
+           QStringLiteral("\nMessage Key: ") + messageKey + QStringLiteral("\n\n") + footer +
+           QStringLiteral("\n\n") + shareClosing();
 }
 
 QString shareClosing()

@@ -61,7 +61,7 @@ PortalAppearance::PortalAppearance(Appearance &appearance, const QDBusConnection
 
 PortalAppearance::~PortalAppearance() = default;
 
-void PortalAppearance::settle(std::chrono::milliseconds atMost)
+void PortalAppearance::waitForAnswer(std::chrono::milliseconds atMost)
 {
     if (!m_firstAnswer || m_firstAnswer->isFinished())
         return takeAnswer();

@@ -22,12 +22,12 @@ class PortalAppearance : public QObject
     Q_OBJECT
 
 public:
-    /// Asks the portal at once; the answer is waited for only in settle().
+    /// Asks the portal at once; the answer is waited for only in waitForAnswer().
     PortalAppearance(Appearance &appearance, const QDBusConnection &bus, QObject *parent = nullptr);
     ~PortalAppearance() override;
 
     /// Waits for the first answer, at most so long.
-    void settle(std::chrono::milliseconds atMost);
+    void waitForAnswer(std::chrono::milliseconds atMost);
 
 private Q_SLOTS:
     void settingChanged(const QString &group, const QString &key, const QDBusVariant &value);

@@ -12,7 +12,7 @@ namespace oblino {
 
 namespace {
 
-QString words(const char *text)
+QString tr(const char *text)
 {
     return QCoreApplication::translate("MessagingSettings", text);
 }
@@ -24,13 +24,13 @@ QStringList missingSettings(const QString &sid, const QString &secret, const QSt
 {
     QStringList missing;
     if (sid.isEmpty())
-        missing += words("the account SID");
+        missing += tr("the account SID");
     if (secret.isEmpty())
-        missing += words("the secret");
+        missing += tr("the secret");
     if (sendingPhoneNo.isEmpty())
-        missing += words("the sending number");
+        missing += tr("the sending number");
     if (!isOn)
-        missing += words("the switch that allows sending");
+        missing += tr("the switch that allows sending");
     return missing;
 }
 

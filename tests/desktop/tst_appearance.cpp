@@ -55,7 +55,7 @@ private Q_SLOTS:
         portal.answer = answer;
         Appearance appearance;
         PortalAppearance follower(appearance, m_programBus);
-        follower.settle(answer == Answer::Withheld ? 50ms : 20s);
+        follower.waitForAnswer(answer == Answer::Withheld ? 50ms : 20s);
         QCOMPARE(isDark(appearance), expected);
         if (answer == Answer::Withheld) {
             QTRY_COMPARE(portal.request.member(), u"Read"_s);
@@ -70,7 +70,7 @@ private Q_SLOTS:
         QGuiApplication::setPalette(QPalette(Qt::white));
         Appearance appearance;
         PortalAppearance follower(appearance, m_programBus);
-        follower.settle(20s);
+        follower.waitForAnswer(20s);
         FakePortal portal(m_portalBus); // which starts later than the program
         const QSignalSpy changes(&appearance, &Appearance::changed);
         portal.change(1, u"org.freedesktop.other"_s);

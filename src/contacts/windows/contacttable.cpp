@@ -7,13 +7,10 @@
 #include <QPainter>
 #include <QTextOption>
 
-#include <algorithm>
-
 namespace oblino {
 
 namespace {
 
-constexpr int usualRowHeight = 36; // pixels, for the usual font size
 constexpr int messageMargin = 24;
 
 } // namespace
@@ -98,7 +95,7 @@ void ContactTable::closeEditor(QWidget *editor, QAbstractItemDelegate::EndEditHi
 
 void ContactTable::setRowHeight()
 {
-    verticalHeader()->setDefaultSectionSize(std::max(usualRowHeight, fontMetrics().height() * 2));
+    verticalHeader()->setDefaultSectionSize(tableRowHeight(*this));
 }
 
 void ContactTable::announceMessage()

@@ -6,6 +6,7 @@
 #include <contacts/windows/contactlist.h>
 #include <contacts/windows/contacttable.h>
 #include <controls/datefield.h>
+#include <core/days.h>
 #include <core/filedays.h>
 #include <core/taskmanager.h>
 #include <messaging/sendingsettings.h>
@@ -205,9 +206,7 @@ void ViewControllerSending::sendSchedules(SendingJob job, const QString &nobodyS
                  .rangeEnd = m_ui->endSendDate->date().startOfDay(),
                  .title = m_store.getMessageTitle(),
                  .footer = m_store.getMessageFooter(),
-                 .shortDate = [locale = QLocale()](const QDateTime &moment) {
-                     return locale.toString(moment.date(), QLocale::ShortFormat);
-                 }};
+                 .shortDate = [](const QDateTime &moment) { return shortDate(moment); }};
     showRange(job);
     const bool confirmed =
         isConfirmed(QStringLiteral("Are you sure that you want to send Schedules via SMS using Twilio?"),

@@ -36,7 +36,7 @@ QString problemOfHost(const QString &hosts)
 }
 
 // A warning, hidden where there are no words.
-void showWarning(QLabel *label, const QString &words)
+void showWarning(QLabel *label, const QString &message)
 {
     constexpr QRgb onLight = 0xffa8201a;
     constexpr QRgb onDark = 0xffffb4a9;
@@ -45,14 +45,14 @@ void showWarning(QLabel *label, const QString &words)
     colours.setColor(QPalette::Active, QPalette::WindowText, color);
     colours.setColor(QPalette::Inactive, QPalette::WindowText, color);
     label->setPalette(colours);
-    label->setText(words);
-    label->setVisible(!words.isEmpty());
+    label->setText(message);
+    label->setVisible(!message.isEmpty());
 }
 
-void showFieldError(QWidget *field, QLabel *label, const QString &words)
+void showFieldError(QWidget *field, QLabel *label, const QString &message)
 {
-    showWarning(label, words);
-    field->setAccessibleDescription(words);
+    showWarning(label, message);
+    field->setAccessibleDescription(message);
 }
 
 } // namespace
@@ -218,7 +218,7 @@ bool CloudAccountWindow::inputIsGood()
         QLabel *label;
         QString problem;
     };
-    const auto unless = [](bool good, const QString &words) { return good ? QString() : words; };
+    const auto unless = [](bool good, const QString &message) { return good ? QString() : message; };
     const std::array checks = {
         Check{m_ui->hostField, m_ui->hostProblem, problemOfHost(account.host)},
         Check{m_ui->portField, m_ui->portProblem,

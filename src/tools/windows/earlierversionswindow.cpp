@@ -45,10 +45,10 @@ public:
     }
 };
 
-void enable(QPushButton *button, const QString &whyNot, const QString &toolTip)
+void enable(QPushButton *button, const QString &reason, const QString &toolTip)
 {
-    button->setEnabled(whyNot.isEmpty());
-    button->setToolTip(whyNot.isEmpty() ? toolTip : whyNot);
+    button->setEnabled(reason.isEmpty());
+    button->setToolTip(reason.isEmpty() ? toolTip : reason);
 }
 
 } // namespace
@@ -233,16 +233,16 @@ void EarlierVersionsWindow::enableButtons()
     const QString noVersion = selectedRow() < 0 ? tr("Select a version first.") : QString();
     // A list on its way to or from the cloud must not change meanwhile.
     const bool isHeld = kind() == DataKind::Tasks && m_data.store.isWaitingForCloud();
-    QString whyNot = isHeld ? tr("The cloud is being waited for.") : noVersion;
-    if (whyNot.isEmpty())
-        whyNot = restoringError(m_content);
-    enable(m_ui->restoreButton, whyNot,
+    QString reason = isHeld ? tr("The cloud is being waited for.") : noVersion;
+    if (reason.isEmpty())
+        reason = restoringError(m_content);
+    enable(m_ui->restoreButton, reason,
            isWhole(m_content.reason)
                ? tr("Put this version in place of what there is now, which is kept first")
                : tr("Put the tasks of this version into the list, which is kept first"));
-    if (whyNot.isEmpty() && m_ui->look->selectedTasks().isEmpty())
-        whyNot = tr("Select tasks of the version first.");
-    enable(m_ui->restoreTasksButton, whyNot, tr("Put the selected tasks into the list, which is kept first"));
+    if (reason.isEmpty() && m_ui->look->selectedTasks().isEmpty())
+        reason = tr("Select tasks of the version first.");
+    enable(m_ui->restoreTasksButton, reason, tr("Put the selected tasks into the list, which is kept first"));
     enable(m_ui->deleteButton, noVersion, tr("Delete this version, after a question"));
 }
 

@@ -6,15 +6,7 @@
 
 #include <QHeaderView>
 
-#include <algorithm>
-
 namespace oblino {
-
-namespace {
-
-constexpr int rowHeight = 28; // pixels, for the usual font size
-
-} // namespace
 
 VersionLook::VersionLook(QWidget *parent)
     : QStackedWidget(parent)
@@ -33,7 +25,7 @@ void VersionLook::prepareTable()
     table->setModel(&m_model);
     table->setItemDelegate(new TaskCellDelegate(table));
     table->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
-    table->verticalHeader()->setDefaultSectionSize(std::max(rowHeight, fontMetrics().height() * 3 / 2));
+    table->verticalHeader()->setDefaultSectionSize(tableRowHeight(*this));
     table->horizontalHeader()->setStretchLastSection(true);
     table->horizontalHeader()->setSortIndicator(-1, Qt::AscendingOrder);
     const QList<int> letters = {13, 7, 7, 26, 15, 13, 22, 12, 13, 11, 36};

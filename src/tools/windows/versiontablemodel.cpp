@@ -1,6 +1,7 @@
 #include <tools/windows/versiontablemodel.h>
 
 #include <base/datakind.h>
+#include <core/days.h>
 
 #include <QLocale>
 
@@ -26,8 +27,7 @@ QString VersionTableModel::timeText(const QDateTime &time)
     QString format = locale.timeFormat(QLocale::ShortFormat);
     if (!format.contains(QLatin1String("ss")))
         format.replace(QLatin1String("mm"), QLatin1String("mm:ss"));
-    return locale.toString(time.date(), QLocale::ShortFormat) + QLatin1Char(' ') +
-           locale.toString(time.time(), format);
+    return shortDate(time, locale) + QLatin1Char(' ') + locale.toString(time.time(), format);
 }
 
 void VersionTableModel::show(DataKind kind, const QList<EarlierVersion> &versions)

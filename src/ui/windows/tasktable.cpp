@@ -17,8 +17,6 @@ namespace oblino {
 
 namespace {
 
-constexpr int usualRowHeight = 36; // pixels, for the usual font size
-
 // A width for each column, from texts that are likely to stand in it.
 QList<int> firstWidths(QFont font)
 {
@@ -71,7 +69,7 @@ void TaskTable::setModel(QAbstractItemModel *model)
 // Columns keep what the user has made of their widths.
 void TaskTable::fitToFont()
 {
-    verticalHeader()->setDefaultSectionSize(std::max(usualRowHeight, fontMetrics().height() * 2));
+    verticalHeader()->setDefaultSectionSize(tableRowHeight(*this));
     QHeaderView *header = horizontalHeader();
     header->setMinimumSectionSize(fontMetrics().horizontalAdvance(QStringLiteral("00:00")));
     const QList<int> widths = firstWidths(font());

@@ -221,14 +221,14 @@ bool TaskWindow::mayConfirm()
     return m_form->date() == date;
 }
 
-void TaskWindow::forgetChosenDates()
+void TaskWindow::clearChosenDates()
 {
     m_dateWasChosen = m_dueDateWasChosen = false;
 }
 
 void TaskWindow::beginAfresh()
 {
-    forgetChosenDates();
+    clearChosenDates();
     m_shown = m_form->entered();
 }
 

@@ -74,7 +74,7 @@ protected:
     void beginAfresh();
     [[nodiscard]] bool isChanged() const;
     /// The dates in the form are those that it began with.
-    void forgetChosenDates();
+    void clearChosenDates();
     [[nodiscard]] bool windowShouldClose() override { return mayClose(); }
     void focusInEvent(QFocusEvent *event) override;
 

@@ -131,7 +131,7 @@ void ViewController::ChangeView()
     reinitForSearching();
     reload();
     m_ui->tblView->goToRow(0);
-    say({});
+    showMessage({});
 }
 
 void ViewController::reloadTableData()

@@ -170,7 +170,7 @@ private:
     void restoreSelection(const QString &key);
     void changeList();
     void showAdded();
-    void say(const QString &message);
+    void showMessage(const QString &message);
     void endSearch();
     void moveSelected(bool up, const QString &elsewhereMessage);
     void showHideCommand(bool hidden);

@@ -61,7 +61,7 @@ void ViewController::showHideCommand(bool hidden)
 // The end of every command that changes the list.
 void ViewController::changeList()
 {
-    say({});
+    showMessage({});
     reinitForSearching();
     reload();
     disableSelectionButtons();
@@ -97,7 +97,7 @@ void ViewController::moveSelected(bool up, const QString &elsewhereMessage)
     m_store.setSelected(key);
     if (const int row = rowOfKey(key); row >= 0)
         m_ui->tblView->selectRow(row);
-    say({});
+    showMessage({});
     saveToFile();
 }
 
@@ -192,7 +192,7 @@ void ViewController::newTask()
 void ViewController::editTask()
 {
     if (!showsSelection())
-        return say(selectFirst);
+        return showMessage(selectFirst);
     auto *form = new ViewControllerEdit(formContext(), this);
     form->setAttribute(Qt::WA_DeleteOnClose);
     connect(form, &QDialog::finished, this, &ViewController::lookAtFile, Qt::QueuedConnection);
@@ -218,7 +218,7 @@ void ViewController::copyTask()
     if (!showsSelection())
         return;
     QGuiApplication::clipboard()->setText(m_store.shareTextOfSelected());
-    say(tr("Copied “%1” as text.").arg(m_store.getSelectedTask().name));
+    showMessage(tr("Copied “%1” as text.").arg(m_store.getSelectedTask().name));
 }
 
 void ViewController::copyKey()
@@ -226,7 +226,7 @@ void ViewController::copyKey()
     if (!showsSelection())
         return;
     QGuiApplication::clipboard()->setText(m_store.getSelectedTask().key);
-    say(tr("Task key copied."));
+    showMessage(tr("Task key copied."));
 }
 
 void ViewController::about()

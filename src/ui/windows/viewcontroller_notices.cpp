@@ -35,11 +35,12 @@ void ViewController::showAdded()
         return;
     if (const int row = rowOfKey(added.last().key); row >= 0)
         m_ui->tblView->goToRow(row);
-    say(addedText(added, viewIndex(), m_store.isSearching() ? m_store.searchTerm() : QString(), today()));
+    showMessage(
+        addedText(added, viewIndex(), m_store.isSearching() ? m_store.searchTerm() : QString(), today()));
 }
 
 // In the status line, where an empty message takes back the last one.
-void ViewController::say(const QString &message)
+void ViewController::showMessage(const QString &message)
 {
     if (!message.isEmpty())
         statusMessageLabel->setText(message);

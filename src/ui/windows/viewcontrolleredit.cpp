@@ -141,7 +141,7 @@ void ViewControllerEdit::interfaceModeChanged()
 void ViewControllerEdit::ResetToOriginal()
 {
     trace("Reset");
-    forgetChosenDates();
+    clearChosenDates();
     if (selectOwnTask())
         showFields(m_store.getSelectedTask());
 }
