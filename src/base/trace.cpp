@@ -19,7 +19,7 @@ namespace {
 
 constexpr qsizetype flushAt = 1 << 20; // bytes
 constexpr qsizetype dropAt = 16 << 20; // bytes waiting for a reader that does not read
-constexpr size_t pipeAtomic = 4096;    // bytes; a pipe that polls writable takes this much without waiting
+constexpr qsizetype pipeAtomic = 4096; // bytes; a pipe that polls writable takes this much without waiting
 
 // The null device keeps nothing. The system's log keeps too much; the service manager names the stream to it
 // by device and inode, in decimal.
@@ -62,6 +62,7 @@ struct Output
             ::close(terminal);
         struct stat status = {};
         wanted = ::fstat(newDescriptor, &status) == 0 && isWanted(status);
+        atOnce = S_ISREG(status.st_mode) ? dropAt : pipeAtomic;
         // A terminal that polls writable can still make a writer wait. Only a description of our own may be
         // told not to: the other one is shared with the shell.
         const QByteArray path = "/proc/self/fd/" + QByteArray::number(newDescriptor);
@@ -80,8 +81,8 @@ struct Output
     {
         qsizetype done = 0;
         while (done < buffer.size() && isReady()) {
-            const auto size = std::min(static_cast<size_t>(buffer.size() - done), pipeAtomic);
-            const ssize_t written = ::write(descriptor, buffer.constData() + done, size);
+            const auto size = std::min(buffer.size() - done, atOnce);
+            const ssize_t written = ::write(descriptor, buffer.constData() + done, static_cast<size_t>(size));
             if (written >= 0) {
                 done += written;
             } else if (errno == EAGAIN) {
@@ -97,6 +98,7 @@ struct Output
     QMutex mutex;
     QByteArray buffer;
     int descriptor = -1;
+    qsizetype atOnce = pipeAtomic;
     bool isTerminal = false;
     int terminal = -1; // opened here
     std::atomic<bool> wanted = false;

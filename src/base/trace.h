@@ -7,6 +7,7 @@
 
 #include <concepts>
 #include <type_traits>
+#include <utility>
 
 namespace oblino {
 
@@ -90,7 +91,9 @@ void trace(const Values &...values)
 {
     if (!Trace::enabled())
         return;
-    QByteArray line;
+    thread_local QByteArray spare; // with the room of the last line
+    QByteArray line = std::exchange(spare, {});
+    line.resize(0);
     auto append = [&line, first = true](const auto &value) mutable {
         if (!first)
             line += ' ';
@@ -102,6 +105,7 @@ void trace(const Values &...values)
     };
     (append(values), ...);
     Trace::writeLine(line);
+    spare = std::move(line);
 }
 
 } // namespace oblino
