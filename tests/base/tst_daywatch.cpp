@@ -1,11 +1,6 @@
-#include <support/testmain.h>
-#include <support/timezone.h>
 
 #include <base/daywatch.h>
-
-#include <QSignalSpy>
-
-using namespace oblino;
+#include <support/test.h>
 
 class tst_daywatch : public QObject
 {

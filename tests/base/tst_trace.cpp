@@ -1,14 +1,11 @@
-#include <support/testmain.h>
-#include <support/traces.h>
+
+#include <support/test.h>
 
 #include <fcntl.h>
 #include <pty.h>
 #include <sys/stat.h>
 #include <termios.h>
 #include <unistd.h>
-
-using namespace oblino;
-using namespace Qt::Literals::StringLiterals;
 
 namespace {
 

@@ -1,10 +1,6 @@
 #include <base/typedday.h>
 #include <base/typedtime.h>
-#include <support/table.h>
-#include <support/testmain.h>
-
-using namespace oblino;
-using namespace Qt::Literals::StringLiterals;
+#include <support/test.h>
 
 namespace {
 

@@ -1,12 +1,8 @@
-#include <support/testmain.h>
 
 #include <controls/noticelabel.h>
+#include <support/test.h>
 
 #include <QAccessible>
-#include <QVBoxLayout>
-
-using namespace oblino;
-using namespace Qt::Literals::StringLiterals;
 
 class tst_noticelabel : public QObject
 {

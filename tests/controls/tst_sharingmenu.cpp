@@ -1,12 +1,8 @@
-#include <support/temporaryhome.h>
-#include <support/testmain.h>
 
 #include <controls/sharingmenu.h>
+#include <support/test.h>
 
 #include <QtWidgets>
-
-using namespace oblino;
-using namespace Qt::Literals::StringLiterals;
 
 class tst_sharingmenu : public QObject
 {

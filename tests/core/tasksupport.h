@@ -1,15 +1,9 @@
 #pragma once
 
 #include <support/store.h>
-#include <support/table.h>
-#include <support/testmain.h>
-#include <support/traces.h>
-
-#include <ctime>
+#include <support/test.h>
 
 namespace oblino {
-
-using namespace Qt::Literals::StringLiterals;
 
 inline QString add(TaskManager &store, const task &t)
 {

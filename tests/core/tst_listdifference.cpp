@@ -3,8 +3,6 @@
 #include <core/listdifference.h>
 #include <core/tasklistreader.h>
 
-using namespace oblino;
-
 using Lists = Table<QByteArrayList, QByteArrayList, QString>;
 using Texts = Table<QByteArray, QString>;
 

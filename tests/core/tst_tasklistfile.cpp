@@ -5,9 +5,6 @@
 #include <core/taskrowreader.h>
 
 #include <cerrno>
-#include <limits>
-
-using namespace oblino;
 
 using Bytes = Table<QByteArray>;
 using Rows = Table<QByteArray, QByteArray, QByteArray>;

@@ -2,8 +2,6 @@
 
 #include <core/taskmerge.h>
 
-using namespace oblino;
-
 using Merges = Table<QByteArray, QByteArray, QByteArray, QByteArray, QByteArray>;
 
 namespace {

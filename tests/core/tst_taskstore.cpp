@@ -3,8 +3,6 @@
 #include <core/tasklistwriter.h>
 #include <core/taskrowreader.h>
 
-using namespace oblino;
-
 namespace {
 
 QByteArray exampleRow(const QByteArray &key)

@@ -4,10 +4,6 @@
 #include <core/tasksearch.h>
 #include <core/taskviews.h>
 
-#include <QRandomGenerator>
-
-using namespace oblino;
-
 using Orders = Table<QString, QList<task>, QString, QString>;
 using Texts = QList<QString>;
 using Pairs = QList<std::pair<qint64, qint64>>;

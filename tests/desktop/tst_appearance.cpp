@@ -1,17 +1,12 @@
 #include <support/privatebus.h>
-#include <support/table.h>
-#include <support/testmain.h>
+#include <support/test.h>
 
 #include <base/appearance.h>
 #include <desktop/portalappearance.h>
 
 #include <QGuiApplication>
 #include <QPalette>
-#include <QSignalSpy>
 
-using namespace oblino;
-using namespace Qt::Literals::StringLiterals;
-using namespace std::chrono_literals;
 using Answer = FakePortal::Answer;
 
 namespace {

@@ -1,10 +1,8 @@
 #include <support/privatebus.h>
-#include <support/testmain.h>
+#include <support/test.h>
 
 #include <desktop/keyring.h>
 
-using namespace oblino;
-using namespace Qt::Literals::StringLiterals;
 using Outcome = PasswordStore::Outcome;
 
 class tst_keyring : public QObject

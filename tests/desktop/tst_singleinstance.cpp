@@ -1,19 +1,12 @@
 #include <support/place.h>
-#include <support/table.h>
-#include <support/testmain.h>
+#include <support/test.h>
 
 #include <desktop/singleinstance.h>
-
-#include <QSignalSpy>
 
 #include <sys/file.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <future>
-
-using namespace oblino;
-using namespace Qt::Literals::StringLiterals;
 using Claim = SingleInstance::Claim;
 
 class tst_singleinstance : public QObject

@@ -1,13 +1,10 @@
-#include <support/testmain.h>
 
 #include <desktop/soundplayer.h>
+#include <support/test.h>
 
 #include <QAudioDevice>
 #include <QGuiApplication>
 #include <QMediaDevices>
-
-using namespace oblino;
-using namespace Qt::Literals::StringLiterals;
 
 class tst_soundplayer : public QObject
 {

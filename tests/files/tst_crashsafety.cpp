@@ -1,13 +1,10 @@
 #include <support/faultyfilecalls.h>
 #include <support/place.h>
-#include <support/table.h>
-#include <support/testmain.h>
+#include <support/test.h>
 
 #include <files/journal.h>
 #include <files/sha256.h>
 
-using namespace oblino;
-using namespace Qt::Literals::StringLiterals;
 using State = Journal::State;
 using Text = std::optional<QByteArray>;
 

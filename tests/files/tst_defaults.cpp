@@ -1,6 +1,5 @@
 #include <support/place.h>
-#include <support/table.h>
-#include <support/testmain.h>
+#include <support/test.h>
 
 #include <files/defaults.h>
 
@@ -12,12 +11,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <array>
 #include <csignal>
-#include <cstddef>
-
-using namespace oblino;
-using namespace Qt::Literals::StringLiterals;
 
 namespace {
 

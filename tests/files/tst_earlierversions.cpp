@@ -1,13 +1,11 @@
 #include <support/place.h>
-#include <support/testmain.h>
+#include <support/test.h>
 #include <support/unprivileged.h>
 
 #include <files/earlierversions.h>
 
 #include <unistd.h>
 
-using namespace oblino;
-using namespace Qt::Literals::StringLiterals;
 using Reason = VersionReason;
 
 namespace {

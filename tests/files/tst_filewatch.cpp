@@ -1,15 +1,7 @@
 #include <support/place.h>
-#include <support/testmain.h>
+#include <support/test.h>
 
 #include <files/filewatch.h>
-
-#include <QSignalSpy>
-
-#include <functional>
-
-using namespace oblino;
-using namespace Qt::Literals::StringLiterals;
-using namespace std::chrono_literals;
 
 class tst_filewatch : public QObject
 {

@@ -1,12 +1,7 @@
 #include <support/faultyfilecalls.h>
 #include <support/place.h>
-#include <support/table.h>
-#include <support/testmain.h>
+#include <support/test.h>
 
-#include <functional>
-
-using namespace oblino;
-using namespace Qt::Literals::StringLiterals;
 using Outcome = FileReading::Outcome;
 using Deed = std::function<void(const Place &)>;
 

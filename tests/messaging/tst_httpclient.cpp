@@ -1,16 +1,8 @@
 #include <messaging/httpclient.h>
 #include <support/httpsserver.h>
-#include <support/table.h>
-#include <support/testmain.h>
+#include <support/test.h>
 
-#include <QDeadlineTimer>
 #include <QTcpServer>
-
-#include <future>
-
-using namespace oblino;
-using namespace Qt::Literals::StringLiterals;
-using namespace std::chrono_literals;
 
 namespace {
 

@@ -6,17 +6,9 @@
 #include <messaging/windows/viewcontrollersending.h>
 #include <support/scriptedalert.h>
 #include <support/store.h>
-#include <support/table.h>
-#include <support/testmain.h>
+#include <support/test.h>
 #include <support/widgets.h>
 #include <ui/uiutil.h>
-
-#include <QSignalSpy>
-
-#include <atomic>
-
-using namespace oblino;
-using namespace Qt::Literals::StringLiterals;
 
 namespace {
 

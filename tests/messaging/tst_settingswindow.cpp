@@ -5,16 +5,11 @@
 #include <support/httpsserver.h>
 #include <support/scriptedalert.h>
 #include <support/store.h>
-#include <support/table.h>
-#include <support/testmain.h>
-#include <support/traces.h>
+#include <support/test.h>
 #include <support/widgets.h>
 #include <ui/uiutil.h>
 
 #include <QNetworkProxy>
-
-using namespace oblino;
-using namespace Qt::Literals::StringLiterals;
 
 namespace {
 

@@ -4,18 +4,8 @@
 #include <messaging/smsmessage.h>
 #include <support/httpsserver.h>
 #include <support/store.h>
-#include <support/table.h>
-#include <support/testmain.h>
-#include <support/traces.h>
+#include <support/test.h>
 
-#include <QDeadlineTimer>
-#include <QProcess>
-
-#include <future>
-#include <limits>
-
-using namespace oblino;
-using namespace Qt::Literals::StringLiterals;
 using Answers = Table<Reply, bool, QString, QByteArray>;
 
 namespace {

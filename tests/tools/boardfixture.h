@@ -1,13 +1,12 @@
 #pragma once
 
 #include "toolhome.h"
+#include <support/test.h>
 
 #include <base/sharingpicker.h>
 #include <controls/colorbutton.h>
 #include <controls/noticelabel.h>
 #include <tools/windows/viewcontrollerwhiteboard.h>
-
-#include <QPointer>
 
 namespace oblino {
 

@@ -2,13 +2,12 @@
 
 #include <support/scriptedalert.h>
 #include <support/store.h>
+#include <support/test.h>
 #include <support/widgets.h>
 
 #include <base/notificationcenter.h>
 #include <core/tasklistfile.h>
 #include <ui/uiutil.h>
-
-#include <QBuffer>
 
 namespace oblino {
 

@@ -1,14 +1,7 @@
 #include "toolhome.h"
 
-#include <support/testmain.h>
-
 #include <base/noticelog.h>
 #include <tools/windows/earlierversionswindow.h>
-
-#include <QSignalSpy>
-
-using namespace oblino;
-using namespace Qt::Literals::StringLiterals;
 
 namespace {
 

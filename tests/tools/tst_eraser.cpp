@@ -3,7 +3,6 @@
 
 #include <cloud/taskcloud.h>
 #include <support/scriptedcontainer.h>
-#include <support/testmain.h>
 
 #include <records/sqlcloudcontainer.h>
 #include <tools/windows/viewcontrollerdestroy.h>
@@ -11,8 +10,6 @@
 #include <QSqlDatabase>
 #include <QSqlQuery>
 
-using namespace oblino;
-using namespace Qt::Literals::StringLiterals;
 using Request = ScriptedContainer::Request;
 using Fate = ScriptedContainer::Fate;
 

@@ -2,18 +2,10 @@
 
 #include <support/faultyfilecalls.h>
 #include <support/place.h>
-#include <support/table.h>
-#include <support/testmain.h>
-#include <support/traces.h>
 
 #include <controls/noticelabel.h>
 #include <tools/windows/viewcontrollernotes.h>
 
-#include <QPointer>
-
-using namespace oblino;
-using namespace Qt::Literals::StringLiterals;
-using namespace std::chrono_literals;
 using Bytes = std::optional<QByteArray>;
 
 namespace {

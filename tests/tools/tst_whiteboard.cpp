@@ -1,11 +1,5 @@
 #include "boardfixture.h"
 
-#include <support/testmain.h>
-#include <support/traces.h>
-
-using namespace oblino;
-using namespace Qt::Literals::StringLiterals;
-
 class tst_whiteboard : public QObject
 {
     Q_OBJECT

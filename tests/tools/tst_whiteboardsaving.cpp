@@ -1,19 +1,12 @@
 #include "boardfixture.h"
 
 #include <support/faultyfilecalls.h>
-#include <support/table.h>
-#include <support/testmain.h>
-#include <support/traces.h>
 #include <support/unprivileged.h>
 
 #include <tools/pngtext.h>
 
-#include <QtEndian>
-
 #include <sys/stat.h>
 
-using namespace oblino;
-using namespace Qt::Literals::StringLiterals;
 using Bytes = std::optional<QByteArray>;
 
 namespace {

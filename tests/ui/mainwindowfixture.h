@@ -2,6 +2,7 @@
 
 #include <support/scriptedalert.h>
 #include <support/store.h>
+#include <support/test.h>
 #include <support/widgets.h>
 
 #include <base/notificationcenter.h>
@@ -11,8 +12,6 @@
 #include <ui/windows/viewcontroller.h>
 
 namespace oblino {
-
-using namespace Qt::Literals::StringLiterals;
 
 /// A row of the task list file; fields that do not matter to a test have fixed values.
 struct Row

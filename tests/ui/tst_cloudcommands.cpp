@@ -2,17 +2,8 @@
 
 #include <cloud/taskcloud.h>
 #include <support/scriptedcontainer.h>
-#include <support/testmain.h>
 
 #include <records/sqlcloudcontainer.h>
-
-#include <QTimer>
-
-#include <array>
-
-using namespace oblino;
-using namespace Qt::Literals::StringLiterals;
-using namespace std::chrono_literals;
 
 namespace {
 

@@ -1,15 +1,7 @@
 #include "mainwindowfixture.h"
 
-#include <support/table.h>
-#include <support/testmain.h>
-
 #include <controls/messageboxalert.h>
 
-#include <QSignalSpy>
-
-#include <functional>
-
-using namespace oblino;
 using Changes = Table<const char *, int, const char *, const char *, QString, QString>;
 
 namespace {

@@ -1,13 +1,7 @@
 #include "mainwindowfixture.h"
 
-#include <support/table.h>
-#include <support/testmain.h>
-
 #include <ui/windows/viewcontrolleredit.h>
 
-#include <functional>
-
-using namespace oblino;
 using Deed = std::function<void(const MainWindow &)>;
 using Deeds = Table<Deed>;
 using Changes = Table<QByteArray, QString>;

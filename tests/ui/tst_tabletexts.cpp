@@ -1,10 +1,7 @@
-#include <support/table.h>
-#include <support/testmain.h>
 
+#include <support/test.h>
 #include <ui/tabletexts.h>
 
-using namespace oblino;
-using namespace Qt::Literals::StringLiterals;
 using Empties = Table<EmptyTable, QString>;
 using Additions = Table<int, bool, int, const char *, QString>;
 

@@ -2,9 +2,6 @@
 #include "mainwindowfixture.h"
 
 #include <config.h>
-#include <support/table.h>
-#include <support/testmain.h>
-#include <support/timezone.h>
 
 #include <base/sharingpicker.h>
 #include <controls/colorbutton.h>
@@ -16,7 +13,6 @@
 #include <ui/windows/viewcontrolleradd.h>
 #include <ui/windows/viewcontrolleredit.h>
 
-using namespace oblino;
 using Bytes = Table<QByteArray>;
 using Typing = Table<const char *, QString, QByteArray>;
 using Names = Table<QString, Qt::Key, QString, bool>;

@@ -1,13 +1,5 @@
 #include "mainwindowfixture.h"
 
-#include <support/table.h>
-#include <support/testmain.h>
-#include <support/timezone.h>
-#include <support/traces.h>
-
-#include <functional>
-
-using namespace oblino;
 using Deed = std::function<void(const MainWindow &)>;
 using Deeds = Table<Deed>;
 using Searches = Table<QString, const char *>;
