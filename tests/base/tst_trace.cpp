@@ -41,18 +41,6 @@ class tst_trace : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void separatesValuesBySingleBlanks()
-    {
-        const QByteArray traces = tracesOf([] {
-            trace("Dark Mode:", true, quint8(65), -1, qsizetype(1) << 40, 0.1, 1234567.0);
-            trace(u"Café"_s, "x"_ba, QString(), QStringList{u"a"_s, u"b"_s}, QList<QList<int>>{{1, 2}, {}});
-            trace([] { return u"result"_s; }, QDateTime(QDate(2024, 2, 29), QTime(8, 5)));
-        });
-        QCOMPARE(traces, "Dark Mode: true 65 -1 1099511627776 0.1 1234567\n"
-                         "Café x  [a, b] [[1, 2], []]\n"
-                         "result 2024-02-29T08:05:00\n");
-    }
-
     // In the system's log the texts of tasks would be kept, for longer and for more readers than the user
     // thinks.
     void evaluatesOnlyWhatSomebodyReads()

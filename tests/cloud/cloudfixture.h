@@ -2,7 +2,7 @@
 
 #include <support/cloudrequests.h>
 #include <support/scriptedcontainer.h>
-#include <support/temporaryhome.h>
+#include <support/test.h>
 
 #include <base/appearance.h>
 #include <base/notificationcenter.h>

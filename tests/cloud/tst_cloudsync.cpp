@@ -1,24 +1,9 @@
 #include "cloudfixture.h"
 
 #include <support/secondconnection.h>
-#include <support/table.h>
-#include <support/testmain.h>
-#include <support/traces.h>
 
 #include <core/tasklistreader.h>
 #include <core/tasklistwriter.h>
-
-#include <QRegularExpression>
-#include <QSet>
-#include <QSignalSpy>
-#include <QTimer>
-
-#include <functional>
-#include <limits>
-
-using namespace oblino;
-using namespace Qt::Literals::StringLiterals;
-using namespace std::chrono_literals;
 
 namespace {
 
@@ -88,18 +73,6 @@ private Q_SLOTS:
             QVERIFY(fieldsOf(cloud.store.tasks().at(i)) == fieldsOf(tasks.at(i)));
             QVERIFY(cloud.store.tasks().at(i).color == (darkDown ? light.inverted() : light));
         }
-    }
-
-    void rewritesWhatIsThereAndAddsTheRest()
-    {
-        Cloud cloud;
-        cloud.put({named("A"), named("B"), named("B")});
-        const QString before = namesOf(cloud.records());
-        cloud.store.setTasks({named("A"), named("B", "changed"), named("C")});
-        QVERIFY(cloud.store.syncToCloudFromLocal());
-        QVERIFY(namesOf(cloud.records()).startsWith(before));
-        QCOMPARE(cloud.field("key"), u"A B B C"_s);
-        QCOMPARE(cloud.field("name"), u"Name changed changed Name"_s);
     }
 
     void mergesByKey()
@@ -192,30 +165,6 @@ private Q_SLOTS:
             QCOMPARE(names.join(u' '), u"one two three four"_s);
             QCOMPARE(different.size(), 4);
         }
-    }
-
-    void takesColorsThatAreNoNumbersForMissing()
-    {
-        Cloud cloud;
-        cloud.put({named("A")});
-        runAt(cloud.place, u"UPDATE \"cloud_private_Task\" SET \"colorRed\" = 9e999, "
-                           "\"colorBlue\" = -9e999, \"colorAlpha\" = 9e999"_s);
-        QVERIFY(cloud.store.syncToLocalFromCloud());
-        QVERIFY(cloud.store.tasks().value(0).color == Color(1, 0.3, 1, 1));
-        CloudRecord record = newTaskRecord(named("A"), false);
-        record.setValue(u"colorGreen"_s, std::numeric_limits<double>::quiet_NaN());
-        QVERIFY(taskOfRecord(record, false).color == Color(0.1, 1, 0.7, 0.5));
-    }
-
-    void doesNothingWithNothing()
-    {
-        Cloud cloud;
-        QVERIFY(cloud.store.syncToCloudFromLocal());
-        cloud.store.setTasks({named("A")});
-        QVERIFY(!cloud.store.syncToLocalFromCloud());
-        QVERIFY(!cloud.store.deleteAllTasksToCloud());
-        QVERIFY(!cloud.told.contains("reload"));
-        QCOMPARE(keys(cloud.store.tasks()), u"A"_s);
     }
 
     void deletesEveryRecordOfAKey()
@@ -350,17 +299,6 @@ private Q_SLOTS:
         QTRY_COMPARE(successes.size(), 1);
         QCOMPARE(failures.size(), 1);
         QVERIFY(!cloud.store.lastMessage().contains(u"Cannot Login"_s));
-    }
-
-    void hasNothingToSayOfATaskThatWasNeverThere()
-    {
-        Cloud cloud;
-        const QSignalSpy failures(&cloud.store, &TaskManager::cloudFailed);
-        QVERIFY(cloud.store.deleteTaskToCloud(u"A"_s));
-        QTRY_COMPARE(failures.size(), 1);
-        QCOMPARE(failures.first().first().toString(), QString());
-        QVERIFY(!cloud.store.deleteAllTasksToCloud());
-        QCOMPARE(failures.value(1).value(0).toString(), u"There are no tasks in the cloud."_s);
     }
 
     void tracesEachOperation()

@@ -1,9 +1,10 @@
 #pragma once
 
+#include <support/test.h>
+
 #include <QSqlDatabase>
 #include <QSqlError>
 #include <QSqlQuery>
-#include <QStringList>
 
 namespace oblino {
 

@@ -1,8 +1,7 @@
 #pragma once
 
 #include <contacts/contactstore.h>
-
-#include <QTest>
+#include <support/test.h>
 
 namespace oblino {
 

@@ -2,20 +2,13 @@
 #include "storecontacts.h"
 
 #include <support/place.h>
-#include <support/table.h>
-#include <support/testmain.h>
+#include <support/test.h>
 #include <support/unprivileged.h>
 
-#include <QScopeGuard>
-
 #include <csignal>
-#include <functional>
 
 #include <sys/fsuid.h>
 #include <sys/resource.h>
-
-using namespace oblino;
-using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
@@ -93,17 +86,6 @@ private Q_SLOTS:
         const QStringList texts = {u"'; DROP TABLE Clients; --"_s, u"a\0b"_s, u"😀\n|^\"%1?"_s,
                                    QString(1'000'000, u'x'), QString()};
         QCOMPARE(Disk(texts).names(), texts);
-    }
-
-    void deletesEveryContactOfAnEntityAtOnce()
-    {
-        const Disk disk({u"secret name"_s, u"b"_s});
-        Opened store(disk);
-        addContact(store.clients, u"pending"_s);
-        QCOMPARE(store.batchDelete(Clients::fetchRequest()), QString());
-        QVERIFY(!contentOf(disk.file).contains("secret name"));
-        QCOMPARE(store.save(), QString());
-        QCOMPARE(disk.names(), QStringList());
     }
 
     void givesNoContactTheKeyOfADeletedOne()

@@ -3,16 +3,8 @@
 
 #include <contacts/windows/viewcontrollerclientmgmt.h>
 #include <contacts/windows/viewcontrollerteammgmt.h>
-#include <support/temporaryhome.h>
-#include <support/testmain.h>
-#include <support/traces.h>
+#include <support/test.h>
 #include <support/widgets.h>
-
-#include <QSignalSpy>
-
-using namespace oblino;
-using namespace Qt::Literals::StringLiterals;
-using namespace std::chrono_literals;
 
 namespace {
 
@@ -138,22 +130,6 @@ private Q_SLOTS:
             QTest::keySequence(QApplication::focusWidget(), QKeySequence::Paste);
         }
         QVERIFY(stored(home) == odd + u":8 a b  cX: "_s + megabyte + u"X: a b c d:"_s);
-    }
-
-    void saysWhyItShowsNothing()
-    {
-        const TemporaryHome home;
-        const QString file = home.privateFolder() + u"/Model.sqlite"_s;
-        QVERIFY(QDir().mkpath(home.privateFolder()));
-        TemporaryHome::write(file, "Not at all");
-        const QByteArray traces = tracesOf([&home] {
-            const Window window(home);
-            const QString words = window.table->accessibleDescription();
-            QVERIFY2(words.contains(u"could not be opened"_s), qPrintable(words));
-            QVERIFY(!find<QPushButton>(*window.controller, "addButton").isEnabled());
-            window.click("okButton");
-        });
-        QVERIFY(traces.startsWith("Unable to Add Persistent Store " + file.toUtf8()));
     }
 
     void outlivesItsClosingUntilItsEditsAreInTheStore()

@@ -117,27 +117,6 @@ private Q_SLOTS:
         QCOMPARE(copies(), QByteArrayList());
     }
 
-    void leavesADamagedFileAloneThatCannotBeCopied()
-    {
-        const QByteArray bytes = "[General]\nk=value\nx=1\n"_ba + QByteArray(4096, '\0');
-        put(path(), bytes);
-        rlimit before = {};
-        ::getrlimit(RLIMIT_FSIZE, &before);
-        const rlimit full = {1000, before.rlim_max}; // the new content would fit
-        const auto handler = ::signal(SIGXFSZ, SIG_IGN);
-        ::setrlimit(RLIMIT_FSIZE, &full);
-        Defaults defaults(path());
-        defaults.setText(u"k"_s, u"new"_s);
-        const bool isSaved = defaults.save();
-        ::setrlimit(RLIMIT_FSIZE, &before);
-        ::signal(SIGXFSZ, handler);
-        QVERIFY(!isSaved && contentOf(path()) == bytes && defaults.takeNotices().size() == 1);
-        QCOMPARE(defaults.text(u"k"_s), u"new"_s);
-        QVERIFY2(defaults.save(), "there is room again");
-        QCOMPARE(copies(), {bytes});
-        QCOMPARE(Defaults(path()).text(u"k"_s), u"new"_s);
-    }
-
     void leavesNoSecretOfAKilledSave()
     {
         const QString folder = QFileInfo(path()).path();

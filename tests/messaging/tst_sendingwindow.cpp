@@ -131,17 +131,6 @@ class tst_sendingwindow : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void offersSchedulesOnceNothingIsMissing()
-    {
-        Window w;
-        w.store.setTwilioSecret({});
-        w.show();
-        const QString why = u"Tools \u25b8 Messaging Settings still needs the secret."_s;
-        QCOMPARE(w.enabled(), u"001"_s);
-        QCOMPARE(w.find<QPushButton>(toClients).toolTip(), why);
-        QCOMPARE(w.status(), why);
-    }
-
     void asksBeforeItSends_data()
     {
         const Questions row; // those of the other kind do not count
@@ -243,24 +232,6 @@ private Q_SLOTS:
             QTRY_COMPARE(w.enabled(), everyButton); // whatever it was before
             QCOMPARE(w.told() == error, failing == 3);
         }
-    }
-
-    void tellsOfProgressThirtyTimesASecondUntilItIsStopped()
-    {
-        Window w;
-        w.gateway.answers.acquire(ScriptedGateway::all);
-        w.show();
-        w.click("allTeamMembers");
-        const QSignalSpy progress(&w.run, &SendingRun::progressed);
-        const QDeadlineTimer earliest(900);
-        const QDeadlineTimer latest(4000);
-        w.click(toAll);
-        QTRY_VERIFY(progress.size() >= 30);
-        QVERIFY(earliest.hasExpired() && !latest.hasExpired());
-        w.run.stop();
-        w.gateway.answers.release(ScriptedGateway::all);
-        QTRY_COMPARE(w.enabled(), everyButton);
-        QCOMPARE(w.gateway.sent().size(), 1);
     }
 
     void selectsAllAndNone()

@@ -121,30 +121,6 @@ private Q_SLOTS:
         QCOMPARE(w.store.getDelay(), stored);
     }
 
-    void forgetsWhatIsNotSaved()
-    {
-        using Clicks = QList<const char *>;
-        for (const auto &[clicks, stored] : {std::pair(Clicks{}, filled),
-                                             {Clicks{"cancelButton"}, filled},
-                                             {Clicks{"resetButton"}, filled},
-                                             {Clicks{"resetButton", "saveButton"}, blank}}) {
-            Window w;
-            w.fill();
-            w.click("saveButton");
-            w.reopen();
-            w.type("secureID", u"other"_s);
-            for (const char *button : clicks)
-                w.click(button);
-            if (clicks == Clicks{} || clicks == Clicks{"resetButton"})
-                QTest::keyClick(&w.window, Qt::Key_Escape);
-            QVERIFY(!w.window.isVisible());
-            QCOMPARE(w.stored(), stored);
-            w.reopen();
-            w.click("saveButton");
-            QCOMPARE(w.stored(), stored);
-        }
-    }
-
     void sendsATestMessageWithWhatTheFormShows_data()
     {
         const Table<Reply, QString> row;

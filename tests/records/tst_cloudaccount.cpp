@@ -1,10 +1,7 @@
 #include <support/cloudrequests.h>
 #include <support/fakepasswordstore.h>
 #include <support/postgresserver.h>
-#include <support/table.h>
-#include <support/temporaryhome.h>
-#include <support/testmain.h>
-#include <support/traces.h>
+#include <support/test.h>
 
 #include <records/cloudsession.h>
 #include <records/windows/cloudaccountwindow.h>
@@ -13,18 +10,10 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
-#include <QDirIterator>
 #include <QLabel>
 #include <QLineEdit>
-#include <QSignalSpy>
 #include <QTcpServer>
 #include <QTcpSocket>
-#include <QTimer>
-
-#include <functional>
-
-using namespace oblino;
-using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
@@ -117,17 +106,6 @@ private Q_SLOTS:
             !(QFile::permissions(home.path(u"config/cloud.ini"_s)) & (QFile::ReadGroup | QFile::ReadOther)));
     }
 
-    void weakensNothingThatWasMisspelt()
-    {
-        const TemporaryHome home;
-        const QString path = home.path(u"cloud.ini"_s);
-        TemporaryHome::write(path, "host= , h ,\nport=65536\ndatabase=d\nuser=u\ntls=disabled\n");
-        QCOMPARE(CloudAccounts(path).load(),
-                 (CloudAccount{u"h"_s, 5432, u"d"_s, u"u"_s, TlsMode::VerifyFull}));
-        TemporaryHome::write(path, "host=h\nuser=u\n");
-        QCOMPARE(CloudAccounts(path).load(), CloudAccount{});
-    }
-
     void knowsWhatKeyringAndUserSay_data()
     {
         const auto nothing = [](Desktop &) {};
@@ -163,18 +141,6 @@ private Q_SLOTS:
         QCOMPARE(desktop.keyring.passwords.value(annsKey), stored);
     }
 
-    void saysWhenTheKeyringTakesNoPassword()
-    {
-        Desktop desktop(annsAccount);
-        desktop.keyring.exists = false;
-        const QSignalSpy failures(desktop.session.get(), &CloudSession::rememberingFailed);
-        desktop.session->setPassword(u"secret"_s, true);
-        desktop.keyring.answer();
-        QCOMPARE(failures.size(), 1);
-        QCOMPARE(desktop.state(), u"secret"_s);
-        QVERIFY(!desktop.session->isRemembered() && !desktop.session->canRemember());
-    }
-
     void refusesWhatCannotBeAnAccount_data()
     {
         const Table<const char *, QString, const char *> row;
@@ -198,24 +164,6 @@ private Q_SLOTS:
         QVERIFY(desktop.window->isVisible() && desktop.find(problem).isVisible());
         QVERIFY(desktop.find(field).hasFocus());
         QCOMPARE(desktop.accounts.load(), CloudAccount{});
-    }
-
-    void holdsTheAccountWhileTheCloudIsInUse()
-    {
-        Desktop desktop(CloudAccount{});
-        desktop.openWindow();
-        desktop.enter(annsAccount);
-        desktop.session->setInUse(true);
-        QVERIFY(!desktop.find("okButton").isEnabled());
-        QVERIFY(desktop.find("okButton").toolTip().contains(u"The cloud is being used."_s));
-        QTest::keyClick(&desktop.find("passwordField"), Qt::Key_Return);
-        desktop.window->accept();
-        QVERIFY(desktop.window->isVisible());
-        QCOMPARE(desktop.accounts.load(), CloudAccount{});
-        desktop.session->setInUse(false);
-        QCOMPARE(desktop.find("okButton").toolTip(), QString());
-        QTest::keyClick(&desktop.find("passwordField"), Qt::Key_Return);
-        QCOMPARE(desktop.accounts.load(), annsAccount);
     }
 
     void tellsThePasswordToServerAndKeyringAlone_data()
@@ -311,29 +259,6 @@ private Q_SLOTS:
         QCOMPARE(save(desktop.session->container(), note(u"one"_s)), u""_s);
         desktop.keyring.answer();
         QVERIFY(!desktop.keyring.passwords.values().contains(QString())); // the refused one
-    }
-
-    void asksForThePasswordOnceARun_data()
-    {
-        const Prompted typed = [](QWidget *prompt, Desktop &) {
-            QTest::keyClicks(prompt->findChild<QLineEdit *>(), u"typed"_s);
-            QTest::keyClick(prompt, Qt::Key_Return);
-        };
-        const Prompted answered = [](QWidget *, Desktop &desktop) { desktop.keyring.answer(); };
-        const Prompted gone = [](QWidget *, Desktop &desktop) { desktop.window.reset(); };
-        const Table<Prompted, QString> row;
-        row("typed", typed, u"typed"_s);
-        row("the keyring answers after all", answered, u"old"_s);
-        row("its window goes", gone, u"needed"_s);
-    }
-    void asksForThePasswordOnceARun()
-    {
-        const auto [act, state] = Table<Prompted, QString>::cells();
-        Desktop desktop(annsAccount);
-        desktop.openWindow();
-        QTimer::singleShot(0, qApp, [&, act = act] { act(QApplication::activeModalWidget(), desktop); });
-        QCOMPARE(ensurePassword(*desktop.session, desktop.window.get()), state != u"needed"_s);
-        QCOMPARE(desktop.state(), state);
     }
 };
 

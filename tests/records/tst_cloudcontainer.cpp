@@ -1,19 +1,8 @@
 #include <support/cloudrequests.h>
 #include <support/postgresserver.h>
-#include <support/testmain.h>
+#include <support/test.h>
 
 #include <records/sqlcloudcontainer.h>
-
-#include <QDateTime>
-#include <QFileInfo>
-#include <QRandomGenerator>
-
-#include <array>
-#include <ctime>
-#include <limits>
-
-using namespace oblino;
-using namespace Qt::Literals::StringLiterals;
 
 namespace {
 
@@ -200,31 +189,6 @@ private Q_SLOTS:
         QTRY_COMPARE(answers.use_count(), 1); // then nobody is left who could answer
         QCOMPARE(answers->good, answered);
         QVERIFY(runAt(m_place, u"SELECT count(*) FROM "_s + table).toInt() >= answered);
-    }
-
-    // They collide as they make the tables, and as they write what they have read.
-    void sharesItsRecordsWithOthers()
-    {
-        for (int round = 0; round < 3; ++round) {
-            const StoreLocation place = newPlace();
-            const std::array containers = {containerAt(place), containerAt(place), containerAt(place)};
-            std::array<QString, 3> failures;
-            for (int i = 0; i < 150; ++i) {
-                const QString owner = QString::number(i % 3);
-                for (std::size_t which = 0; which < containers.size(); ++which) {
-                    CloudDatabase &database = containers.at(which)->privateCloudDatabase();
-                    const auto answer = [&words = failures.at(which)](const auto &, const auto &failure) {
-                        words += errorMessage(failure);
-                    };
-                    database.performQuery({&noteType(), {u"owner"_s, owner}}, answer);
-                    database.saveRecord(note(QString::number(i % 7), u"owner"_s, owner), answer);
-                }
-            }
-            for (const auto &container : containers)
-                QCOMPARE(statusOf(*container), AccountStatus::Available);
-            QCOMPARE(failures, (std::array<QString, 3>()));
-            QCOMPARE(std::get<0>(find(*containers.front())).size(), 7);
-        }
     }
 
 private:

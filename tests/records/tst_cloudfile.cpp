@@ -1,18 +1,10 @@
 #include <support/cloudrequests.h>
 #include <support/secondconnection.h>
-#include <support/table.h>
-#include <support/temporaryhome.h>
-#include <support/testmain.h>
+#include <support/test.h>
 
 #include <records/sqlcloudcontainer.h>
 
-#include <QFile>
-
 #include <sys/stat.h>
-
-using namespace oblino;
-using namespace Qt::Literals::StringLiterals;
-using namespace std::chrono_literals;
 
 /// Cloud records in a file of this machine.
 class tst_cloudfile : public QObject

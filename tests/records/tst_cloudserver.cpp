@@ -1,16 +1,8 @@
 #include <support/cloudrequests.h>
 #include <support/postgresserver.h>
-#include <support/table.h>
-#include <support/testmain.h>
+#include <support/test.h>
 
 #include <records/sqlcloudcontainer.h>
-
-#include <QElapsedTimer>
-#include <QFile>
-
-using namespace oblino;
-using namespace Qt::Literals::StringLiterals;
-using namespace std::chrono_literals;
 
 namespace {
 
@@ -127,16 +119,6 @@ private Q_SLOTS:
                        "WHEN 2 THEN RAISE SQLSTATE '40P01'; ELSE RETURN new; END CASE; END $$"_s);
         runAt(m_place,
               u"CREATE TRIGGER collision BEFORE INSERT ON %1 EXECUTE FUNCTION collide()"_s.arg(table));
-        QCOMPARE(save(*container, note(u"two"_s)), u""_s);
-        QCOMPARE(namesIn(*container), u"one two"_s);
-    }
-
-    void opensADroppedConnectionAgain()
-    {
-        const auto container = newContainer();
-        QCOMPARE(save(*container, note(u"one"_s)), u""_s);
-        runAt(m_place, u"SELECT pg_terminate_backend(pid) FROM pg_stat_activity "
-                       "WHERE datname = current_database() AND pid <> pg_backend_pid()"_s);
         QCOMPARE(save(*container, note(u"two"_s)), u""_s);
         QCOMPARE(namesIn(*container), u"one two"_s);
     }

@@ -49,19 +49,6 @@ class tst_notes : public QObject
 private Q_SLOTS:
     void initTestCase() { useMemoryForTemporaryFiles(); }
 
-    void theFirstPadIsEmptyMakesTheFileAndIsGoneOnceItIsClosed()
-    {
-        std::unique_ptr<Notes> notes;
-        const QByteArray traces = tracesOf([&] { notes = std::make_unique<Notes>(); });
-        QVERIFY2(traces.startsWith("Error ") && traces.count('\n') == 1, traces);
-        QVERIFY(!QFile::exists(notes->notes));
-        notes->type(u"Call Dana"_s);
-        QTest::keyClick(&notes->edit(), Qt::Key_Return, Qt::ShiftModifier);
-        QCOMPARE(tracesOf([&] { notes->close(); }), "Write File\n");
-        QCOMPARE(notes->saved(), "Call Dana\n");
-        QVERIFY(!notes->pad);
-    }
-
     void aTextKeepsItsBytesAndItsLineEnds_data()
     {
         const Table<QByteArray, QString, QByteArray> row; // in the file, then in the pad, then in the file

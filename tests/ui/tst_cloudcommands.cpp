@@ -109,23 +109,6 @@ private Q_SLOTS:
         QTRY_COMPARE(main.cause(), main.file + u": file is not a database"_s);
     }
 
-    void holdsItsCommandsWhileItWaits()
-    {
-        CloudWindow main(400ms);
-        main.clickRow(u"apple"_s);
-        main.container.setFate(Request::Query, Fate::Hold);
-        const auto enabled = [&main] {
-            return std::array{main.action("deleteAction").isEnabled(), main.table().isEnabled(),
-                              main.action("updateToCloudAction").isEnabled()};
-        };
-        auto meanwhile = enabled();
-        QTimer::singleShot(100, main.window.get(), [&] { meanwhile = enabled(); });
-        main.command("updateToCloudAction");
-        QCOMPARE(meanwhile, (std::array{false, false, false}));
-        QCOMPARE(enabled(), (std::array{true, true, true}));
-        QCOMPARE(main.lastAsked(), u"Error sync to iCloud!"_s);
-    }
-
     void losesNothingWhenItIsClosedInTheMiddle()
     {
         CloudWindow main;

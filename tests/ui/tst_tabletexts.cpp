@@ -10,31 +10,6 @@ class tst_tabletexts : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void tellsWhyATableIsEmpty_data()
-    {
-        const Empties row;
-        row("no task at all", {u"Open"_s, u"fence"_s, 0, 0},
-            u"No tasks yet|Add the first one with Task ▸ New Task… (Ctrl+N)."_s);
-        row("a view", {u"Closed"_s, {}, 1200, 1200},
-            u"No tasks in the view Closed|Your 1,200 tasks are in other views; Global-All (Ctrl+7) shows them."_s);
-        row("a view, for one task", {u"Open"_s, {}, 1, 1},
-            u"No tasks in the view Open|Your task is in another view; Global-All (Ctrl+7) shows it."_s);
-        row("a search", {u"Open"_s, u"%1"_s, 3, 0},
-            u"No task matches “%1”|Press Esc in the search field to end the search."_s);
-        row("a search in a view", {u"Due Today"_s, u"fence"_s, 3, 1},
-            u"No task in the view Due Today matches “fence”|1 task in another view does; Global-All (Ctrl+7) "
-            "shows it."_s);
-        row("with several elsewhere", {u"Closed"_s, u"%1"_s, 9, 2},
-            u"No task in the view Closed matches “%1”|2 tasks in other views do; Global-All (Ctrl+7) shows "
-            "them."_s);
-    }
-    void tellsWhyATableIsEmpty()
-    {
-        const auto [table, expected] = Empties::cells();
-        const EmptyText text = emptyText(table);
-        QCOMPARE(text.title + u'|' + text.advice, expected);
-    }
-
     void tellsWhereAnAddedTaskIs_data()
     {
         Additions row; // the status, whether hidden, the view that is shown, the search

@@ -249,23 +249,6 @@ private Q_SLOTS:
         }
     }
 
-    void followsTheAppearanceWhileItIsOpen()
-    {
-        MainWindow main(oneTask);
-        QWidget &edit = openEdit(main);
-        main.appearance.setInterfaceStyle(u"Dark"_s);
-        QVERIFY(find<ColorButton>(edit, "color").color() == Color(0.9, 1 - 0.5019607843137255, 1, 1));
-        QVERIFY(find<DescriptionView>(edit, "txtTaskDescription").textColor() == Color(1, 1, 1, 1));
-        main.appearance.setInterfaceStyle(std::nullopt);
-        click(edit, "saveButton");
-        QCOMPARE(TemporaryHome::content(main.home.listPath()), main.listAtStart);
-
-        QWidget &add = openAdd(main);
-        pick(add, Qt::red);
-        main.appearance.setInterfaceStyle(u"Dark"_s);
-        QVERIFY(find<ColorButton>(add, "color").color() == Color(0, 0, 0, 1));
-    }
-
     void writesToTheTaskItWasOpenedFor()
     {
         for (const bool isGone : {false, true}) {
@@ -352,23 +335,6 @@ private Q_SLOTS:
             QCOMPARE(main.questions.asked.size(), questions);
             QCOMPARE(form->isVisible(), stays);
             QCOMPARE(main.window->close(), !stays);
-        }
-    }
-
-    void goesOnWithTheDayWhileNothingIsEntered()
-    {
-        for (const bool isTouched : {false, true}) {
-            auto west = std::make_unique<TimeZone>("WST12"); // where it is the day before
-            MainWindow main({});
-            QWidget &form = openAdd(main);
-            const QDate before = QDate::currentDate();
-            if (isTouched)
-                QTest::keyClicks(&find<QLineEdit>(form, "txtTaskName"), u"x"_s);
-            west.reset();
-            const TimeZone east("EST-14");
-            QVERIFY(QDate::currentDate() > before);
-            main.notifications.post(u"dayChanged"_s);
-            QCOMPARE(find<DateField>(form, "dtTaskDate").date(), isTouched ? before : QDate::currentDate());
         }
     }
 

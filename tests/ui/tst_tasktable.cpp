@@ -124,27 +124,6 @@ private Q_SLOTS:
         QCOMPARE(find<QLineEdit>(*form, "txtTaskName").text(), u"banana"_s);
     }
 
-    void followsTheFont()
-    {
-        const auto measures = [](const MainWindow &main) {
-            const QHeaderView &header = *main.table().horizontalHeader();
-            return QList<int>{
-                main.table().rowHeight(0),   header.height(),
-                header.minimumSectionSize(), header.sectionSize(3),
-                header.sectionSize(9),       find<QLabel>(*main.window, "emptyTitle").fontInfo().pixelSize()};
-        };
-        const QFont usual = QApplication::font();
-        const MainWindow main(someTasks);
-        const QList<int> before = measures(main);
-        QFont large = usual;
-        large.setPointSizeF(usual.pointSizeF() * 2.5);
-        QApplication::setFont(large);
-        const MainWindow fresh(someTasks);
-        QTRY_COMPARE(measures(main), measures(fresh));
-        QApplication::setFont(usual);
-        QTRY_COMPARE(measures(main), before);
-    }
-
     void movesOnWithTheDay()
     {
         // Between these zones it is never the same day.
