@@ -4,8 +4,6 @@
 #include <core/tasklistwriter.h>
 #include <core/taskrowreader.h>
 
-#include <cerrno>
-
 using Bytes = Table<QByteArray>;
 using Rows = Table<QByteArray, QByteArray, QByteArray>;
 
@@ -14,16 +12,7 @@ namespace {
 // Real files, but nobody waits for the disk itself.
 struct Disk : FileCalls
 {
-    ssize_t pwrite(int fd, const char *data, size_t size, off_t offset) override
-    {
-        errno = ENOSPC;
-        if (wholeWrites-- == 0)
-            return FileCalls::pwrite(fd, data, size / 2, offset);
-        return isFull || wholeWrites < 0 ? -1 : FileCalls::pwrite(fd, data, size, offset);
-    }
     int fsync(int) override { return 0; }
-    bool isFull = false;
-    int wholeWrites = std::numeric_limits<int>::max(); // after which one is cut off, and no other done
 };
 
 // One run of the program on a home: a store, and the file that it reads and saves.
@@ -260,30 +249,6 @@ private Q_SLOTS:
         QVERIFY(run.file.saveToFile());
         QVERIFY(TemporaryHome::content(home.listPath()).contains("|wide|"));
         QVERIFY(home.kept().contains(theirs));
-    }
-
-    void takesHalfASaveOfItsOwnForNoOtherProgram()
-    {
-        for (const bool looksBetween : {false, true}) {
-            TemporaryHome home;
-            const QByteArray third = row({{13, "c"}});
-            TemporaryHome::write(home.listPath(), row({{13, "a"}}) + row({{13, "b"}}) + third);
-            Run run(home);
-            run.read();
-            add(run.store, {.key = u"d"_s});
-            QVERIFY(run.file.saveToFile());
-            run.store.setTasks(run.store.tasks().mid(1));
-            run.disk.wholeWrites = 1; // that of the journal
-            QVERIFY(!run.file.saveToFile());
-            if (looksBetween)
-                QVERIFY(!run.file.takeUpChanges());
-            QCOMPARE(keysOf(run.store.tasks()), u"bcd"_s);
-            run.disk.wholeWrites = std::numeric_limits<int>::max();
-            run.store.setTasks(run.store.tasks().mid(1));
-            QVERIFY(run.file.saveToFile());
-            QCOMPARE(keysOf(run.store.tasks()), u"cd"_s);
-            QVERIFY(TemporaryHome::content(home.listPath()).startsWith(third));
-        }
     }
 
     void tracesWhatItReadsAndWrites()

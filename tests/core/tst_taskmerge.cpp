@@ -68,17 +68,6 @@ private Q_SLOTS:
             QCOMPARE(wordsOf(merge.overruled), overruled);
         }
     }
-
-    void comparesTasksAsTheFileHoldsThem()
-    {
-        task known = listOf("a1").first();
-        task here = known;
-        here.date = here.date.addSecs(3600); // a time of day, which the file does not keep
-        here.name = u"1"_s;
-        task there = known;
-        there.hidden = true;
-        QVERIFY(mergedTasks({known}, {here}, {there}, false).tasks.first().hidden);
-    }
 };
 
 OBLINO_TEST(tst_taskmerge, QCoreApplication)

@@ -192,29 +192,6 @@ private Q_SLOTS:
         QCOMPARE(main.views().currentText(), u"Global-All"_s);
     }
 
-    void followsTheAppearanceDuringASearch()
-    {
-        for (const bool saveFails : {false, true}) {
-            MainWindow main({{.name = "apple", .color = "0.25|0.1|0.0|0.5"}, {.name = "pear"}});
-            QTest::keyClicks(&main.searchField(), u"pp"_s);
-            if (saveFails) {
-                main.clickRow(u"apple"_s);
-                QFile::remove(main.home.listPath());
-                QVERIFY(QDir().mkdir(main.home.listPath()));
-                main.click("cloneButton");
-                QVERIFY(main.notice().contains(u"could not be saved"_s));
-            }
-            main.appearance.setInterfaceStyle(u"Dark"_s);
-            QVERIFY(main.store.tasks().first().color == Color(0.75, 0.9, 1, 0.5));
-            main.appearance.setInterfaceStyle(std::nullopt);
-            QVERIFY(main.store.tasks().first().color == Color(0.25, 0.1, 0, 0.5));
-            if (!saveFails)
-                QCOMPARE(TemporaryHome::content(main.home.listPath()), main.listAtStart);
-            main.searchField().clear();
-            QCOMPARE(main.store.tasks().size(), saveFails ? 3 : 2);
-        }
-    }
-
     void saysWhatIsBecomingOfRowsThatCannotBeRead()
     {
         MainWindow main({});

@@ -226,19 +226,6 @@ private Q_SLOTS:
         QCOMPARE((QByteArrayList{cells.value(0), cells.value(7)}), (QByteArrayList{"4/1/26", "4/3/26"}));
     }
 
-    void asksOnceWhenTheSecondDateIsLeft()
-    {
-        MainWindow main(oneTask);
-        QWidget &form = openEdit(main);
-        type(find<DateField>(form, "dtTaskDate"), u"4/1/2026"_s);
-        type(find<DateField>(form, "dtTaskDueDate"), u"3/31/2026"_s);
-        QTRY_COMPARE(main.questions.asked.size(), 1);
-        QCOMPARE(main.questions.asked.at(0).informativeText, u"Select a Due Date after Start Date"_s);
-        type(find<DateField>(form, "dtTaskDueDate"), u"4/2/2026"_s, Qt::Key_Return);
-        QCOMPARE(main.questions.asked.size(), 1);
-        QVERIFY(TemporaryHome::content(main.home.listPath()).contains("|4/2/26|"));
-    }
-
     void refusesAColourThatHidesTheDescription()
     {
         MainWindow main({});
@@ -294,25 +281,6 @@ private Q_SLOTS:
         QCOMPARE(find<QWidget>(form, "unknownClient").isVisible(), isUnknown);
         click(form, "addButton");
         QCOMPARE(TemporaryHome::content(main.home.listPath()).split('|').value(18), saved.toUtf8());
-    }
-
-    void addsAnUnknownName()
-    {
-        MainWindow main({});
-        QWidget &form = openAdd(main);
-        find<QComboBox>(form, "client").setFocus();
-        QTest::keyClicks(&find<QComboBox>(form, "client"), u"Zoe"_s);
-        pressOn(form, Qt::Key_Tab);
-        auto &unknown = find<QWidget>(form, "unknownClient");
-        QTest::mouseClick(unknown.findChild<QPushButton *>(), Qt::LeftButton);
-        auto &number = find<QInputDialog>(form, "phoneNumber");
-        number.setTextValue(u"+1 555"_s);
-        number.accept();
-        QVERIFY(!unknown.isVisible());
-        QCOMPARE(find<QComboBox>(form, "client").currentText(), u"Zoe"_s);
-        ContactStore stored(main.home.privateFolder());
-        QCOMPARE(stored.loadPersistentStores().error, QString());
-        QCOMPARE(stored.viewContext()->objects(Clients::fetchRequest())->text(0, PhoneNoColumn), u"+1 555"_s);
     }
 
     void asksOnceBeforeWhatWasEnteredIsLost_data()
