@@ -35,32 +35,40 @@ struct StartedApplication
         showActive(*window);
     }
 
-    void choose(const char *action) const { window->findChild<QAction *>(QLatin1String(action))->trigger(); }
+    void choose(const char *action) const { find<QAction>(*window, action).trigger(); }
 
     SingleInstance instance{QDir::homePath() + QStringLiteral("/private")};
     Application application{instance};
     ViewController *window = nullptr;
 };
 
-/// Does something and presses buttons of the questions that come, in their order. @return the questions
-inline QStringList answering(const QStringList &buttons, const std::function<void()> &action)
+/// Does something and answers the questions that come, in their order: presses buttons, chooses files to save
+/// in; an empty file cancels. @return the questions
+inline QStringList answering(const QStringList &answers, const std::function<void()> &action)
 {
     QStringList asked;
+    QPointer<QWidget> last;
     QTimer timer;
     QObject::connect(&timer, &QTimer::timeout, &timer, [&] {
-        const auto *box = qobject_cast<QMessageBox *>(QApplication::activeModalWidget());
-        if (!box || asked.size() == buttons.size())
+        auto *dialog = qobject_cast<QDialog *>(QApplication::activeModalWidget());
+        if (!dialog || dialog == last || asked.size() == answers.size())
             return;
-        const QString wanted = buttons.at(asked.size());
-        asked += box->text();
-        for (QAbstractButton *button : box->buttons()) {
-            if (button->text() == wanted)
+        last = dialog;
+        const QString answer = answers.at(asked.size());
+        const auto *box = qobject_cast<QMessageBox *>(dialog);
+        asked += box ? box->text() : dialog->windowTitle();
+        for (QAbstractButton *button : box ? box->buttons() : QList<QAbstractButton *>()) {
+            if (button->text() == answer)
                 QTest::mouseClick(button, Qt::LeftButton);
         }
+        if (!box && !answer.isEmpty())
+            find<QLineEdit>(*dialog, "fileNameEdit").setText(answer);
+        if (!box)
+            answer.isEmpty() ? dialog->reject() : dialog->accept();
     });
     timer.start(5);
     action();
-    (void)QTest::qWaitFor([&] { return asked.size() == buttons.size(); });
+    (void)QTest::qWaitFor([&] { return asked.size() == answers.size(); });
     return asked;
 }
 

@@ -2,8 +2,8 @@
 
 #include <QHostAddress>
 #include <QRandomGenerator>
-#include <QSslServer>
 #include <QSslSocket>
+#include <QTcpServer>
 #include <QTimer>
 
 #include <openssl/evp.h>
@@ -11,6 +11,7 @@
 
 #include <unistd.h>
 
+#include <functional>
 #include <memory>
 
 namespace oblino {
@@ -57,6 +58,37 @@ Certificate made(const char *name, int extension, const QByteArray &value, const
             QSslKey(keyBytes, QSsl::Ec, QSsl::Der)};
 }
 
+// Speaks TLS at once or, as a proxy that leads every name to itself, after CONNECT.
+class Listener : public QTcpServer
+{
+public:
+    Listener(const QSslConfiguration &configuration, const std::function<void(QSslSocket *)> &serve)
+        : m_configuration(configuration)
+        , m_serve(serve)
+    {
+    }
+
+protected:
+    void incomingConnection(qintptr descriptor) override
+    {
+        auto *socket = new QSslSocket(this);
+        socket->setSslConfiguration(m_configuration);
+        connect(socket, &QSslSocket::disconnected, socket, &QObject::deleteLater);
+        connect(socket, &QSslSocket::encrypted, socket, [this, socket] { m_serve(socket); });
+        connect(socket, &QSslSocket::readyRead, socket, [socket] {
+            if (socket->mode() == QSslSocket::UnencryptedMode && socket->peek(1) != "C")
+                socket->startServerEncryption();
+            else if (socket->mode() == QSslSocket::UnencryptedMode && socket->readAll().endsWith("\r\n\r\n"))
+                socket->write("HTTP/1.1 200 OK\r\n\r\n");
+        });
+        socket->setSocketDescriptor(descriptor);
+    }
+
+private:
+    const QSslConfiguration m_configuration;
+    const std::function<void(QSslSocket *)> m_serve;
+};
+
 } // namespace
 
 Certificate Certificate::authority()
@@ -97,12 +129,7 @@ HttpsServer::HttpsServer(const Certificate &certificate)
     QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
     configuration.setLocalCertificate(certificate.certificate);
     configuration.setPrivateKey(certificate.key);
-    auto *server = new QSslServer;
-    server->setSslConfiguration(configuration);
-    QObject::connect(server, &QTcpServer::pendingConnectionAvailable, server, [this, server] {
-        while (auto *socket = qobject_cast<QSslSocket *>(server->nextPendingConnection()))
-            serve(socket);
-    });
+    auto *server = new Listener(configuration, [this](QSslSocket *socket) { serve(socket); });
     QObject::connect(&m_thread, &QThread::finished, server, &QObject::deleteLater);
     server->listen(QHostAddress::LocalHost);
     m_port = server->serverPort();
@@ -134,7 +161,6 @@ void HttpsServer::serve(QSslSocket *socket)
     auto received = std::make_shared<QByteArray>();
     QObject::connect(socket, &QSslSocket::readyRead, socket,
                      [this, socket, received] { read(socket, *received); });
-    QObject::connect(socket, &QSslSocket::disconnected, socket, &QObject::deleteLater);
     read(socket, *received);
 }
 

@@ -57,6 +57,7 @@ struct Request
 };
 
 /// An HTTPS server on 127.0.0.1 in a thread of its own, which keeps what it was sent.
+/// As a proxy it is every server.
 class HttpsServer
 {
 public:
