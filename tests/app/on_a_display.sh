@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# on_a_display.sh <program>: on a virtual display and with real keys, starts the program in an empty home, adds a
+# on_a_display.sh <program>: without a display the program says so. On a virtual display and with real keys, starts the program in an empty home, adds a
 # task, quits, starts again and sees the task there. Then a task that could not be saved is saved when the display
 # goes away under the program.
 set -euo pipefail
@@ -7,6 +7,8 @@ program=$1
 here=$(dirname "$(readlink -f "$0")")
 . "$here/../../scripts/setup.sh"
 . "$here/../../scripts/display.sh"
+said=$(env -u DISPLAY -u WAYLAND_DISPLAY -u QT_QPA_PLATFORM "$program" 2>&1) && fail "it started without a display"
+[ "$said" = "oblino: no display: neither DISPLAY nor WAYLAND_DISPLAY is set" ] || fail "without a display it said: $said"
 start_display
 export HOME=$work XDG_RUNTIME_DIR=$work DBUS_SESSION_BUS_ADDRESS=unix:path=/nonexistent QT_QPA_PLATFORM=xcb
 list=$work/Documents/ltodolist.txt
@@ -46,6 +48,12 @@ start
 within_20_s grep -q 'Number of Rows: 1' "$traces"
 quit
 grep -c 'Paint fence' "$list" | grep -qx 1
+
+"$program" <&- >&- 2>&- &
+started=$!
+focus Oblino
+[ "$(readlink "/proc/$started/fd/1")" = /dev/null ] || fail "traces go into what the program opened"
+quit
 
 rm "$list"
 mkdir "$list" # nobody can write the list while a folder is in its place
