@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
-# on_a_display.sh <program>: without a display the program says so. On a virtual display and with real keys, starts the program in an empty home, adds a
-# task, quits, starts again and sees the task there. Then a task that could not be saved is saved when the display
-# goes away under the program.
+# on_a_display.sh <program>: without a display the program says so. On a virtual display and with real keys, starts it
+# in an empty home, adds a task, quits, starts again and sees the task there. Then a task that could not be saved is
+# saved when the display goes away under the program.
 set -euo pipefail
 program=$1
 here=$(dirname "$(readlink -f "$0")")

@@ -7,9 +7,7 @@
 
 #include <contacts/windows/viewcontrollerclientmgmt.h>
 #include <core/taskmanager.h>
-#include <files/documents.h>
 #include <messaging/windows/viewcontrollersending.h>
-#include <tools/notesfile.h>
 
 #include <QTcpServer>
 #include <QTcpSocket>
@@ -205,8 +203,6 @@ private Q_SLOTS:
         }));
         QCOMPARE(StartedApplication().window->findChild<QMessageBox *>() != nullptr, isOffered);
         setWritable(paths, true);
-        for (const QString &name : {TaskListFile::name, NotesFile::name}) // which the process goes on with
-            QVERIFY(Documents::standard().file(name)->write({}).written);
         for (const QString &path : m_elsewhere)
             QFile::remove(path);
         QDir(contactsFolder()).removeRecursively();

@@ -3,6 +3,7 @@
 #include <support/httpsserver.h>
 #include <support/testmain.h>
 #include <support/timezone.h>
+#include <support/traces.h>
 
 #include <base/appearance.h>
 #include <files/documents.h>
@@ -70,7 +71,8 @@ private Q_SLOTS:
             QVERIFY(!format.isImageFormat() || drawn(format.toImageFormat().name()).width() > 10);
         view.verticalScrollBar()->setValue(500);
         const QImage light = drawn(u"qrc:/icons/close-task.svg"_s);
-        Appearance::standard().setInterfaceStyle(u"Dark"_s);
+        const QByteArray traces = tracesOf([] { Appearance::standard().setInterfaceStyle(u"Dark"_s); });
+        QVERIFY(traces.startsWith("Dark mode change\n"));
         QTRY_VERIFY(drawn(u"qrc:/icons/close-task.svg"_s) != light);
         QCOMPARE(view.verticalScrollBar()->value(), 500);
         Appearance::standard().setInterfaceStyle({});
@@ -184,9 +186,8 @@ private Q_SLOTS:
         const QStringList asked = answering({u"Yes"_s, u"OK"_s}, [&eraser] { click(eraser, "eraseButton"); });
         QCOMPARE(asked.last(), u"All Selected Records Deleted Successfully!"_s);
         QCOMPARE(shown() + find<QLineEdit>(settings, "passPhrase").text(), QString());
-        settings.close();
-        team.close();
-        window().close();
+        for (QWidget *open : {&settings, &team, static_cast<QWidget *>(&window())})
+            open->close();
         QCOMPARE(m_home.filesWith("Berg"), QStringList());
         QVERIFY(!QFile::exists(m_board) && !QFile::exists(m_notes));
         QCOMPARE(TemporaryHome::content(m_home.listPath()), QByteArray());
