@@ -67,9 +67,8 @@ int main(int argc, char **argv)
 {
     const QCoreApplication application(argc, argv);
     Trace::setDescriptor(::open("/dev/null", O_WRONLY | O_CLOEXEC));
-    const Certificate authority = Certificate::authority();
     const QString host = QStringLiteral("127.0.0.1");
-    HttpsServer server(authority.issue("IP:127.0.0.1"));
+    HttpsServer server;
     server.setReply({Reply::answer("fine")});
 
     const QTemporaryDir folder;
@@ -78,12 +77,12 @@ int main(int argc, char **argv)
     TaskManager settings(defaults, appearance);
     settings.setTwilioSID(QStringLiteral("AC1"));
     settings.setTwilioSendingPhoneNo(number);
-    HttpClient client(authority.trust());
+    HttpClient client(Certificate::loopback().trust());
     SmsGateway gateway(settings, client, host, server.port());
 
     QNetworkAccessManager manager;
     QNetworkRequest request(*smsUrl(host, server.port(), QStringLiteral("AC1"), {}));
-    request.setSslConfiguration(authority.trust());
+    request.setSslConfiguration(Certificate::loopback().trust());
     request.setHeader(QNetworkRequest::ContentTypeHeader,
                       QByteArrayLiteral("application/x-www-form-urlencoded"));
 

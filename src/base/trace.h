@@ -7,7 +7,6 @@
 
 #include <concepts>
 #include <type_traits>
-#include <utility>
 
 namespace oblino {
 
@@ -91,9 +90,7 @@ void trace(const Values &...values)
 {
     if (!Trace::enabled())
         return;
-    thread_local QByteArray spare; // with the room of the last line
-    QByteArray line = std::exchange(spare, {});
-    line.resize(0);
+    QByteArray line; // not one for every line: what is thread_local is gone when the last ones are written
     auto append = [&line, first = true](const auto &value) mutable {
         if (!first)
             line += ' ';
@@ -105,7 +102,6 @@ void trace(const Values &...values)
     };
     (append(values), ...);
     Trace::writeLine(line);
-    spare = std::move(line);
 }
 
 } // namespace oblino

@@ -19,12 +19,7 @@ HttpAnswer answerTo(HttpClient &client, const QUrl &url, const QByteArray &body 
     return client.post({url, u"user"_s, u"pass:word"_s, body});
 }
 
-const Certificate &authority()
-{
-    static const Certificate made = Certificate::authority();
-    return made;
-}
-
+const QSslConfiguration trust = Certificate::loopback().trust();
 const QByteArray wholeAnswer = Reply::answer("whole");
 
 } // namespace
@@ -72,8 +67,8 @@ private Q_SLOTS:
     void sendsExactlyOneRequestWhateverTheServerDoes()
     {
         const auto [reply, expected, limits] = Table<Reply, Body, HttpLimits>::cells();
-        HttpsServer server(m_certificate);
-        HttpClient client(authority().trust(), limits);
+        HttpsServer server;
+        HttpClient client(trust, limits);
         server.setReply(reply);
         const HttpAnswer answer = answerTo(client, address(server.port()), "first");
         QCOMPARE(answer.body, expected);
@@ -87,9 +82,9 @@ private Q_SLOTS:
 
     void sendsTheFormAndTheCredentialsAndNothingElse()
     {
-        HttpsServer server(m_certificate);
+        HttpsServer server;
         server.setReply({Reply::answer("", "200 OK", "Set-Cookie: a=b\r\n")});
-        HttpClient client(authority().trust());
+        HttpClient client(trust);
         for (const QByteArray &body : {"a=b&c"_ba, QByteArray()}) {
             QCOMPARE(answerTo(client, address(server.port()), body).status, 200);
             const QByteArray expected =
@@ -114,8 +109,8 @@ private Q_SLOTS:
     void losesNothingToAServerThatEndsConnections()
     {
         const auto [end, pause] = Table<End, unsigned long>::cells();
-        HttpsServer server(m_certificate);
-        HttpClient client(authority().trust(), {1s});
+        HttpsServer server;
+        HttpClient client(trust, {1s});
         server.setReply({wholeAnswer, end});
         for (int i = 0; i < 60; ++i) {
             QCOMPARE(answerTo(client, address(server.port())).body, "whole");
@@ -126,8 +121,8 @@ private Q_SLOTS:
 
     void usesConnectionsAgainOfAServerThatKeepsThem()
     {
-        HttpsServer server(m_certificate);
-        HttpClient client(authority().trust(), {30s, 60s, 200ms});
+        HttpsServer server;
+        HttpClient client(trust, {30s, 60s, 200ms});
         server.setReply({wholeAnswer});
         const QDeadlineTimer latest(20s);
         while (server.requests().size() < server.connections() + 50) {
@@ -147,11 +142,12 @@ private Q_SLOTS:
 
     void sendsNothingToAServerThatItCannotTrust()
     {
-        for (const char *names : {"IP:127.0.0.1", "DNS:example.org,IP:127.0.0.2"}) {
-            const bool isNamed = names == "IP:127.0.0.1"_ba;
-            HttpsServer server(authority().issue(names));
+        const Certificate stranger(u"IP:127.0.0.1"_s);
+        const Certificate other(u"DNS:example.org,IP:127.0.0.2"_s);
+        for (const auto &[shown, trusted] : {std::pair(&stranger, &other), {&other, &other}}) {
+            HttpsServer server(*shown);
             server.setReply({wholeAnswer});
-            HttpClient client((isNamed ? Certificate::authority() : authority()).trust());
+            HttpClient client(trusted->trust());
             const HttpAnswer answer = answerTo(client, address(server.port()));
             QVERIFY(!answer.body && !answer.error.isEmpty());
             QCOMPARE(server.requests().size(), 0);
@@ -162,7 +158,7 @@ private Q_SLOTS:
     {
         QTcpServer server;
         QVERIFY(server.listen(QHostAddress::LocalHost));
-        HttpClient client(authority().trust(), {1s});
+        HttpClient client(trust, {1s});
         for (const QString &url : {u"http://127.0.0.1:%1/a"_s, u"127.0.0.1:%1"_s,
                                    u"https://user@127.0.0.1:%1/a"_s, u"https://:word@127.0.0.1:%1/a"_s}) {
             const HttpAnswer answer = answerTo(client, address(server.serverPort(), url));
@@ -174,8 +170,8 @@ private Q_SLOTS:
 
     void endsAtOnceAndTellsOfWhatWasUnderWay()
     {
-        HttpsServer silent(m_certificate);
-        HttpClient client(authority().trust());
+        HttpsServer silent;
+        HttpClient client(trust);
         auto answer =
             std::async(std::launch::async, [&] { return answerTo(client, address(silent.port())); });
         QTRY_COMPARE(silent.requests().size(), 1);
@@ -188,8 +184,7 @@ private Q_SLOTS:
     }
 
 private:
-    const Certificate m_certificate = authority().issue("IP:127.0.0.1");
-    HttpsServer m_other{m_certificate};
+    HttpsServer m_other;
 };
 
 OBLINO_TEST(tst_httpclient, QCoreApplication)

@@ -1,13 +1,13 @@
 #include <support/httpsserver.h>
 
+#include <QFile>
 #include <QHostAddress>
+#include <QProcess>
 #include <QRandomGenerator>
 #include <QSslSocket>
 #include <QTcpServer>
+#include <QTemporaryDir>
 #include <QTimer>
-
-#include <openssl/evp.h>
-#include <openssl/x509v3.h>
 
 #include <unistd.h>
 
@@ -16,47 +16,9 @@
 
 namespace oblino {
 
+using namespace Qt::Literals::StringLiterals;
+
 namespace {
-
-template<typename Type, void (*release)(Type *)>
-using Owned = std::unique_ptr<Type, decltype([](Type *object) { release(object); })>;
-using Key = Owned<EVP_PKEY, EVP_PKEY_free>;
-
-template<typename Type, int (*encode)(const Type *, unsigned char **)>
-QByteArray encoded(const Type *object)
-{
-    QByteArray bytes(encode(object, nullptr), '\0');
-    auto *end = reinterpret_cast<unsigned char *>(bytes.data());
-    encode(object, &end);
-    return bytes;
-}
-
-// Without an issuer it signs itself.
-Certificate made(const char *name, int extension, const QByteArray &value, const Certificate *issuer)
-{
-    constexpr long day = 24L * 60 * 60;
-    const Key key(EVP_EC_gen("P-256"));
-    const Owned<X509, X509_free> certificate(X509_new());
-    X509_set_version(certificate.get(), X509_VERSION_3);
-    X509_gmtime_adj(X509_getm_notBefore(certificate.get()), -day);
-    X509_gmtime_adj(X509_getm_notAfter(certificate.get()), day);
-    X509_set_pubkey(certificate.get(), key.get());
-    X509_NAME *subject = X509_get_subject_name(certificate.get());
-    X509_NAME_add_entry_by_txt(subject, "CN", MBSTRING_ASC, reinterpret_cast<const unsigned char *>(name), -1,
-                               -1, 0);
-    const Owned<X509_EXTENSION, X509_EXTENSION_free> extended(
-        X509V3_EXT_conf_nid(nullptr, nullptr, extension, value.constData()));
-    X509_add_ext(certificate.get(), extended.get(), -1);
-    const QByteArray keyBytes = encoded<EVP_PKEY, i2d_PrivateKey>(key.get());
-    const QByteArray issuersBytes = issuer ? issuer->key.toDer() : keyBytes;
-    const auto *start = reinterpret_cast<const unsigned char *>(issuersBytes.constData());
-    const Key issuersKey(d2i_AutoPrivateKey(nullptr, &start, issuersBytes.size()));
-    X509 *issuing = issuer ? static_cast<X509 *>(issuer->certificate.handle()) : certificate.get();
-    X509_set_issuer_name(certificate.get(), X509_get_subject_name(issuing));
-    X509_sign(certificate.get(), issuersKey.get(), EVP_sha256());
-    return {QSslCertificate(encoded<X509, i2d_X509>(certificate.get()), QSsl::Der),
-            QSslKey(keyBytes, QSsl::Ec, QSsl::Der)};
-}
 
 // Speaks TLS at once or, as a proxy that leads every name to itself, after CONNECT.
 class Listener : public QTcpServer
@@ -91,14 +53,26 @@ private:
 
 } // namespace
 
-Certificate Certificate::authority()
+Certificate::Certificate(const QString &names)
 {
-    return made("an authority of the tests", NID_basic_constraints, "critical,CA:TRUE", nullptr);
+    const QTemporaryDir folder;
+    QFile keyFile(folder.filePath(u"key"_s));
+    QFile file(folder.filePath(u"certificate"_s));
+    QProcess openssl;
+    openssl.start(u"openssl"_s, {u"req"_s, u"-x509"_s, u"-newkey"_s, u"ec"_s, u"-pkeyopt"_s,
+                                 u"ec_paramgen_curve:prime256v1"_s, u"-nodes"_s, u"-subj"_s,
+                                 u"/CN=a server of the tests"_s, u"-addext"_s, u"subjectAltName="_s + names,
+                                 u"-keyout"_s, keyFile.fileName(), u"-out"_s, file.fileName()});
+    if (!openssl.waitForFinished() || !keyFile.open(QIODevice::ReadOnly) || !file.open(QIODevice::ReadOnly))
+        qFatal("openssl made no certificate: %s", openssl.readAllStandardError().constData());
+    certificate = QSslCertificate(file.readAll());
+    key = QSslKey(keyFile.readAll(), QSsl::Ec);
 }
 
-Certificate Certificate::issue(const QByteArray &names) const
+const Certificate &Certificate::loopback()
 {
-    return made("a server of the tests", NID_subject_alt_name, names, this);
+    static const Certificate made(u"IP:127.0.0.1"_s);
+    return made;
 }
 
 QSslConfiguration Certificate::trust() const

@@ -13,19 +13,18 @@ class QSslSocket;
 
 namespace oblino {
 
-/// A certificate of a test's own, with its key.
+/// A certificate of a test's own, which its key has signed.
 struct Certificate
 {
+    /// @param names  as in "DNS:localhost,IP:127.0.0.1"
+    explicit Certificate(const QString &names);
+    /// That of this machine, made once.
+    static const Certificate &loopback();
+    /// A configuration that trusts this certificate alone.
+    [[nodiscard]] QSslConfiguration trust() const;
+
     QSslCertificate certificate;
     QSslKey key;
-
-    /// An authority, signed by itself.
-    static Certificate authority();
-    /// A server's certificate that this authority has signed.
-    /// @param names  as in "DNS:localhost,IP:127.0.0.1"
-    [[nodiscard]] Certificate issue(const QByteArray &names) const;
-    /// A configuration that trusts this authority alone.
-    [[nodiscard]] QSslConfiguration trust() const;
 };
 
 /// What a server does with a request: it writes bytes, and then keeps the connection or ends it.
@@ -61,7 +60,7 @@ struct Request
 class HttpsServer
 {
 public:
-    explicit HttpsServer(const Certificate &certificate);
+    explicit HttpsServer(const Certificate &certificate = Certificate::loopback());
     HttpsServer(const HttpsServer &) = delete;
     HttpsServer &operator=(const HttpsServer &) = delete;
     ~HttpsServer();
