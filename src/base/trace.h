@@ -90,7 +90,8 @@ void trace(const Values &...values)
 {
     if (!Trace::enabled())
         return;
-    QByteArray line; // not one for every line: what is thread_local is gone when the last ones are written
+    QByteArray line; // not one for all lines: what is thread_local is gone when the last ones are written
+    line.reserve(128);
     auto append = [&line, first = true](const auto &value) mutable {
         if (!first)
             line += ' ';

@@ -131,21 +131,6 @@ private Q_SLOTS:
         }
     }
 
-    void takesDefaultsForWhatARecordLacks()
-    {
-        Cloud cloud;
-        cloud.put({named("A")});
-        runAt(cloud.place, u"UPDATE \"cloud_private_Task\" SET \"client\" = NULL, "
-                           "\"colorRed\" = NULL, \"status\" = 'words', \"date\" = 'words'"_s);
-        QVERIFY(cloud.store.syncToLocalFromCloud());
-        const task merged = cloud.store.tasks().value(0);
-        const task made;
-        QCOMPARE(merged.client, made.client);
-        QCOMPARE(merged.status, 0);
-        QCOMPARE(merged.name, u"Name"_s);
-        QVERIFY(merged.color == Color(1, 0.3, 0.7, 0.5) && merged.date.isValid());
-    }
-
     // A key that is made of the record's name is the same with the next merge.
     void givesEachRecordWithoutAKeyATaskOfItsOwn()
     {

@@ -11,29 +11,6 @@ class tst_sharingmenu : public QObject
 private Q_SLOTS:
     void initTestCase() { m_picture.fill(Qt::red); }
 
-    void theMenuOpensBesideItsButtonWithinTheScreen()
-    {
-        using Edge = SharingPicker::Edge;
-        const TemporaryHome home;
-        SharingMenu sharing(home.path(u"drafts"_s));
-        const QRect screen = QGuiApplication::primaryScreen()->availableGeometry();
-        for (const QPoint &place :
-             {screen.center(), screen.topLeft(), screen.bottomRight() - QPoint(79, 29)}) {
-            for (const Edge edge : {Edge::Left, Edge::Top}) {
-                QWidget button;
-                button.setWindowFlag(Qt::FramelessWindowHint);
-                button.setGeometry(QRect(place, QSize(80, 30)));
-                button.show();
-                sharing.show({u"a"_s}, &button, edge);
-                const QRect menu = button.findChild<QMenu *>(u"sharingMenu"_s)->geometry();
-                QVERIFY(screen.contains(menu) && !menu.intersects(button.geometry()));
-                const bool isAside =
-                    edge == Edge::Left ? menu.right() < button.x() : menu.bottom() < button.y();
-                QVERIFY(isAside || place != screen.center());
-            }
-        }
-    }
-
     void theMenuOutlivesTheWindowAndCopiesPictureAndText()
     {
         QWidget main;

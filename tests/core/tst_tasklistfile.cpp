@@ -212,31 +212,6 @@ private Q_SLOTS:
         QCOMPARE(run.file.invertedColors(), run.store.inDarkMode());
     }
 
-    void saysWhatItSetsAside_data()
-    {
-        const Table<QByteArray, QString, QString> row;
-        row("unreadable", "odd^", u"1 row of ltodolist.txt cannot be read."_s,
-            u"1 row of ltodolist.txt could not be read and now lie in %1."_s);
-        row("too long", ::row({}, 21) + ::row({}, 21),
-            u"2 rows of ltodolist.txt with more than a task in them: "_s,
-            u"2 rows of ltodolist.txt with more than a task in them now lie as found in %1."_s);
-    }
-    void saysWhatItSetsAside()
-    {
-        const auto [bytes, before, after] = Table<QByteArray, QString, QString>::cells();
-        TemporaryHome home;
-        TemporaryHome::write(home.listPath(), bytes);
-        Run run(home);
-        run.read();
-        const QString found = run.file.takeNotices().join(u'\n');
-        QVERIFY2(found.startsWith(before) && found.count(u" of ltodolist"_s) == 1, qPrintable(found));
-        QVERIFY(run.file.saveToFile());
-        const QDir recovery(home.privateFolder() + u"/recovery"_s);
-        const QFileInfoList kept = recovery.entryInfoList({u"*aside*"_s}, QDir::Files);
-        QCOMPARE(kept.size(), 1);
-        QCOMPARE(run.file.takeNotices(), QStringList{after.arg(kept.first().filePath())});
-    }
-
     void keepsTheLongRowsOfAnotherProgram()
     {
         TemporaryHome home;

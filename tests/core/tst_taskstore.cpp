@@ -70,17 +70,6 @@ private Q_SLOTS:
         }
     }
 
-    void makesAKeyForATaskWithoutOne()
-    {
-        Store s;
-        const QString key = add(s.store, example({}));
-        const QRegularExpression uuid(
-            u"^[0-9A-F]{8}-[0-9A-F]{4}-4[0-9A-F]{3}-[89AB][0-9A-F]{3}-[0-9A-F]{12}$"_s);
-        QVERIFY2(uuid.match(key).hasMatch(), qPrintable(key));
-        QCOMPARE(s.store.tasks().last().key, key);
-        QVERIFY(add(s.store, example({})) != key);
-    }
-
     void startsATaskWithItsDefaultsAndTheLastTimes()
     {
         const auto rowOf = [](task t) {

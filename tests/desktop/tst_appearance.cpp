@@ -30,36 +30,6 @@ private Q_SLOTS:
         QDBusConnection::disconnectFromBus(m_portalBus.name());
     }
 
-    void startsAsThePortalOrElseThePaletteSays_data()
-    {
-        const Table<uint, Answer, bool, bool>
-            row; // scheme, answer, whether the palette and the result are dark
-        row("no preference", 0, Answer::Given, true, false);
-        row("prefers dark", 1, Answer::Given, false, true);
-        row("unknown to this day", 3, Answer::Given, true, false);
-        row("no such setting, dark palette", 2, Answer::Error, true, true);
-        row("no such setting, light palette", 1, Answer::Error, false, false);
-        row("no answer, dark palette", 2, Answer::Withheld, true, true);
-    }
-    void startsAsThePortalOrElseThePaletteSays()
-    {
-        const auto [scheme, answer, isPaletteDark, expected] = Table<uint, Answer, bool, bool>::cells();
-        QGuiApplication::setPalette(QPalette(isPaletteDark ? Qt::black : Qt::white));
-        FakePortal portal(m_portalBus);
-        portal.scheme = scheme;
-        portal.answer = answer;
-        Appearance appearance;
-        PortalAppearance follower(appearance, m_programBus);
-        follower.waitForAnswer(answer == Answer::Withheld ? 50ms : 20s);
-        QCOMPARE(isDark(appearance), expected);
-        if (answer == Answer::Withheld) {
-            QTRY_COMPARE(portal.request.member(), u"Read"_s);
-            portal.answer = Answer::Given;
-            portal.reply(portal.request);
-            QTRY_COMPARE(isDark(appearance), !expected);
-        }
-    }
-
     void tellsEachChangeOnce()
     {
         QGuiApplication::setPalette(QPalette(Qt::white));

@@ -215,17 +215,6 @@ private Q_SLOTS:
             QVERIFY(place.kept().size() == kept.size() && place.kept().contains(journal));
         }
     }
-
-    void aJournalHoldsTheOldTextAsADifference()
-    {
-        const QByteArray common(100'000, 'x');
-        for (const auto &[before, after] :
-             {std::pair("aaaa"_ba, "aa"_ba), {"aa", "aaaa"}, {"xyz", "abc"}, {"", "abc"}}) {
-            const Journal journal{"/a/file", common + before + common, common + after + common};
-            QCOMPARE(Journal::decoded(journal.encoded()), journal);
-            QVERIFY(journal.encoded().size() < 2 * common.size() + 300);
-        }
-    }
 };
 
 OBLINO_TEST(tst_crashsafety, QCoreApplication)

@@ -57,30 +57,6 @@ private Q_SLOTS:
         QCOMPARE(contentOf(path()), "[General]\nold=kept\nsecret=s3cret\n");
     }
 
-    void readsAFileEditedByHand()
-    {
-        put(path(), "[General]\nempty=\nlist=Dear Ann, good "
-                    "day\non=true\nphone=0049171\nlarge=9223372036854775808\n");
-        const Defaults defaults(path());
-        QVERIFY(!defaults.text(u"absent"_s) && !defaults.boolean(u"absent"_s));
-        QCOMPARE(defaults.text(u"empty"_s), u""_s);
-        QCOMPARE(defaults.text(u"list"_s), u"Dear Ann, good day"_s);
-        QVERIFY(defaults.boolean(u"on"_s) && !defaults.boolean(u"phone"_s));
-        QCOMPARE(defaults.text(u"phone"_s), u"0049171"_s);
-        QVERIFY(defaults.integer(u"phone"_s) == 49171 && defaults.integer(u"large"_s) == 0);
-    }
-
-    void saysWhenItCannotSave()
-    {
-        QVERIFY(QDir().mkpath(path()));
-        Defaults defaults(path());
-        defaults.setText(u"k"_s, u"a, @value"_s);
-        QVERIFY(!defaults.save() && defaults.text(u"k"_s) == u"a, @value"_s);
-        QVERIFY(QDir().rmdir(path()));
-        QVERIFY2(defaults.save(), "the obstacle is gone");
-        QCOMPARE(Defaults(path()).text(u"k"_s), u"a, @value"_s);
-    }
-
     void copiesADamagedFileBeforeItIsRewritten_data()
     {
         const Table<QByteArray, bool> row;

@@ -121,21 +121,6 @@ private Q_SLOTS:
         QCOMPARE(contentsOf(place.versions.list()).join(", "),
                  "daily 0, daily 29, daily 30, aside 40, rescued 50, rescued 51");
     }
-
-    void looksInTheFoldersOfThisUser()
-    {
-        const Folders place;
-        const auto folders = [&](const QByteArray &state) {
-            qputenv("XDG_STATE_HOME", state);
-            return EarlierVersions::standardFolders(place.privateFolder, place.paths[1]);
-        };
-        QCOMPARE(folders(QFile::encodeName(place.folder.filePath(u"state"_s))),
-                 place.paths.first(3) + QStringList(QDir::tempPath()));
-        QVERIFY(QDir(place.paths[1]).removeRecursively()); // the documents folder is away
-        const QString home = QDir::homePath() + u"/.local/state/oblino"_s;
-        for (const QByteArray state : {"", "relative"})
-            QCOMPARE(folders(state), (QStringList{place.paths[0], home, QDir::tempPath()}));
-    }
 };
 
 OBLINO_TEST(tst_earlierversions, QCoreApplication)

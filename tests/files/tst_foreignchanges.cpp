@@ -114,23 +114,6 @@ private Q_SLOTS:
         }
         QVERIFY2(number > 15, qPrintable(QString::number(number)));
     }
-
-    void failsWhereAnotherProgramNeverStops()
-    {
-        const Place place(oldText);
-        int rounds = 0;
-        DisturbedFileCalls calls(place.encodedPath(), [&] {
-            ++rounds;
-            renameOver(place);
-        });
-        SafeFile file(place.path, place.privateFolder, calls);
-        QCOMPARE(file.read().bytes, oldText);
-        calls.disturbEvery("fsync");
-        const FileWriting saved = file.write(newText);
-        QVERIFY2(!saved.written && saved.error.contains(u"another program"_s), qPrintable(saved.error));
-        QVERIFY(rounds > 1 && rounds < 20);
-        QVERIFY(QFile::exists(file.journalPath()) && place.kept().contains(otherText));
-    }
 };
 
 OBLINO_TEST(tst_foreignchanges, QCoreApplication)

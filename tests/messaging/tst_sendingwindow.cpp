@@ -233,42 +233,6 @@ private Q_SLOTS:
             QCOMPARE(w.told() == error, failing == 3);
         }
     }
-
-    void selectsAllAndNone()
-    {
-        Window w;
-        w.show();
-        for (const auto &[box, table, words] :
-             {std::tuple("allClients", "clientsTable", u"A&ll clients (%1 selected)"_s),
-              std::tuple("allTeamMembers", "teamMembers", u"All team &members (%1 selected)"_s)}) {
-            const auto &all = w.find<QCheckBox>(box);
-            const auto rows = w.find<QTableView>(table).model()->rowCount();
-            w.click(box);
-            QCOMPARE(all.text(), words.arg(rows));
-            w.clickRow(table, 0);
-            QVERIFY(!all.isChecked());
-            w.click(box);
-            w.click(box);
-            QCOMPARE(all.text(), words.arg(0));
-        }
-    }
-
-    void countsTheCharactersThatAreLeft()
-    {
-        const QString longOne = u'e' + QString(50, u'\u0301');
-        for (const auto &[text, expected] :
-             {std::pair(u"\U0001F44D\U0001F3FDe\u0301"_s, u"158 of 160 characters left"_s),
-              std::pair(longOne.repeated(160), u"0 of 160 characters left"_s),
-              std::pair(longOne.repeated(162), u"2 characters too long; the end will be cut off"_s)}) {
-            Window w;
-            w.show();
-            w.find<QLineEdit>("smsText").insert(text);
-            QCOMPARE(w.find<QLabel>("lengthLabel").text(), expected);
-            w.clickRow("teamMembers", 0);
-            w.click(toAll);
-            QTRY_COMPARE(w.gateway.sent(), QStringList(u"7:"_s + text));
-        }
-    }
 };
 
 OBLINO_TEST(tst_sendingwindow, QApplication)

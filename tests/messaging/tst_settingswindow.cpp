@@ -99,28 +99,6 @@ private Q_SLOTS:
         QVERIFY2(!traces.contains("my twillioSecret"), traces.constData());
     }
 
-    void readsTheNumberThatThePauseBeginsWith_data()
-    {
-        const Pauses row;
-        row("nothing", {}, 0, u"counts as 0 ms"_s);
-        row("below 0", u"-5"_s, -5, u"counts as 0 ms"_s);
-        row("blanks before", u"  12"_s, 12, u"ms after each message"_s);
-        row("blanks after a sign", u"- 5"_s, 0, u"counts as 0 ms"_s);
-        row("letters after", u"+7abc"_s, 7, u"counts as 7 ms"_s);
-        row("the longest pause", u"4294967"_s, 4'294'967, u"ms after each message"_s);
-        row("more than 64 bits", u"99999999999999999999"_s, 2147483647, u"counts as 4294967 ms"_s);
-        row("less than 32 bits", u"-99999999999"_s, -2147483648LL, u"counts as 0 ms"_s);
-    }
-    void readsTheNumberThatThePauseBeginsWith()
-    {
-        const auto [text, stored, hint] = Pauses::cells();
-        Window w;
-        w.type("delayMS", text);
-        QCOMPARE(w.label("delayHint"), hint);
-        w.click("saveButton");
-        QCOMPARE(w.store.getDelay(), stored);
-    }
-
     void sendsATestMessageWithWhatTheFormShows_data()
     {
         const Table<Reply, QString> row;

@@ -141,31 +141,6 @@ private Q_SLOTS:
         QCOMPARE(desktop.keyring.passwords.value(annsKey), stored);
     }
 
-    void refusesWhatCannotBeAnAccount_data()
-    {
-        const Table<const char *, QString, const char *> row;
-        row("no host", "hostField", u" , "_s, "hostProblem");
-        row("a host of two words", "hostField", u"db example"_s, "hostProblem");
-        row("an address with a path", "hostField", u"a.example,db.example/tasks"_s, "hostProblem");
-        row("port 0", "portField", u"0"_s, "portProblem");
-        row("no database", "databaseField", u""_s, "databaseProblem");
-        row("no user", "userField", u" "_s, "userProblem");
-    }
-    void refusesWhatCannotBeAnAccount()
-    {
-        const auto [field, text, problem] = Table<const char *, QString, const char *>::cells();
-        Desktop desktop(CloudAccount{});
-        desktop.openWindow();
-        desktop.enter(annsAccount);
-        desktop.enter(field, text);
-        desktop.startTest();
-        QVERIFY(!desktop.isTesting());
-        QTest::keyClick(&desktop.find("passwordField"), Qt::Key_Return);
-        QVERIFY(desktop.window->isVisible() && desktop.find(problem).isVisible());
-        QVERIFY(desktop.find(field).hasFocus());
-        QCOMPARE(desktop.accounts.load(), CloudAccount{});
-    }
-
     void tellsThePasswordToServerAndKeyringAlone_data()
     {
         const Table<bool> row;
@@ -207,23 +182,6 @@ private Q_SLOTS:
         QVERIFY(files.hasNext());
         while (files.hasNext())
             QVERIFY(!TemporaryHome::content(files.next()).contains("secret"));
-    }
-
-    void endsATestWithWhatItWasFor()
-    {
-        QTcpServer silent;
-        QVERIFY(silent.listen(QHostAddress::LocalHost));
-        Desktop desktop(CloudAccount{});
-        desktop.openWindow();
-        desktop.enter(
-            {.host = u"127.0.0.1"_s, .port = silent.serverPort(), .database = u"d"_s, .user = u"u"_s});
-        desktop.startTest();
-        QTRY_VERIFY(silent.hasPendingConnections());
-        const QTcpSocket *guest = silent.nextPendingConnection();
-        QVERIFY(desktop.isTesting());
-        desktop.enter("userField", u"bob"_s);
-        QTRY_COMPARE_WITH_TIMEOUT(guest->state(), QAbstractSocket::UnconnectedState, 3'000);
-        QVERIFY(!desktop.isTesting() && !desktop.find("testResult").isVisible());
     }
 
     void asksAgainForAPasswordThatTheServerRefuses()

@@ -26,26 +26,6 @@ private Q_SLOTS:
         QCOMPARE(QFile::permissions(home.privateFolder()), ownersAlone | QFile::ExeOwner | QFile::ExeUser);
     }
 
-    void leavesAloneWhatIsNoFileOfRecords_data()
-    {
-        const Table<QByteArray> row;
-        row("text", QByteArray("a list of things\n").repeated(300));
-        row("a database that was damaged", QByteArray("SQLite format 3\0", 16) + QByteArray(4080, 'x'));
-    }
-    void leavesAloneWhatIsNoFileOfRecords()
-    {
-        const auto [content] = Table<QByteArray>::cells();
-        const TemporaryHome home;
-        const QString path = home.path(u"cloud.sqlite"_s);
-        TemporaryHome::write(path, content);
-        const auto container = containerAt(path);
-        QCOMPARE(statusOf(*container), AccountStatus::CouldNotDetermine);
-        for (const QString &why :
-             {save(*container, note(u"one"_s)), remove(*container, u"one"_s), namesIn(*container)})
-            QVERIFY2(why.contains(u"not a database"_s), qPrintable(why));
-        QCOMPARE(TemporaryHome::content(path), content);
-    }
-
     void givesUpOnALockedFileOnceForAll()
     {
         const TemporaryHome home;

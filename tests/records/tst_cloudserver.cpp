@@ -96,19 +96,6 @@ private Q_SLOTS:
         QCOMPARE(why.contains(u"certificate"_s), !connects);
     }
 
-    void givesNoPartOfAnAnswerThatBreaksOff()
-    {
-        m_place = m_server->newPlace(u"ENCODING 'WIN1252' TEMPLATE template0"_s);
-        const auto container = newContainer();
-        for (const QString &name : {u"one"_s, u"two"_s, u"three"_s})
-            QCOMPARE(save(*container, note(name, u"text"_s, u"ä"_s)), u""_s);
-        // A character that cannot be given back, which shows when the first record is already under way.
-        runAt(m_place, u"UPDATE %1 SET text = chr(129) WHERE \"recordName\" = 'two'"_s.arg(table));
-        const auto [records, error] = find(*container);
-        QCOMPARE(records.size(), 0);
-        QVERIFY2(errorMessage(error).contains(u"no equivalent"_s), qPrintable(errorMessage(error)));
-    }
-
     void triesAgainAfterAConflict()
     {
         const auto container = newContainer();

@@ -147,24 +147,6 @@ private Q_SLOTS:
         QVERIFY(eraser.reloads == 1 && eraser.erasuresTold == 1 && eraser.store.tasks().size() == 1);
     }
 
-    void erasesSomeKindsAloneAndTheCopiesOfAMissingFile()
-    {
-        Eraser eraser;
-        eraser.defaults.setText(u"other"_s, u"kept"_s);
-        for (const QString &name : {u"ltodolist.txt"_s, u"ltodonotes.txt"_s})
-            QCOMPARE(eraser.documents.versions(name).keep("secret notes, secret task", VersionReason::Unread),
-                     QString());
-        QVERIFY(QFile::remove(eraser.notes));
-        eraser.erase({"deleteNotes", "deleteClients", "deleteSettings"});
-        QCOMPARE(eraser.left(), (QList<qsizetype>{3, 1, 1, 0, 1, 0}));
-        QVERIFY(eraser.reloads == 0 && eraser.store.getDelay() == 1000 && !eraser.store.getNotification());
-        QCOMPARE(eraser.defaults.text(u"other"_s), u"kept"_s);
-
-        Documents none(std::nullopt, eraser.home.privateFolder());
-        QCOMPARE(none.erase(u"ltodolist.txt"_s), u"There is no documents folder."_s);
-        QCOMPARE(eraser.left(), (QList<qsizetype>{2, 0, 1, 0, 1, 0}));
-    }
-
     void waitsForTheCloud()
     {
         Eraser eraser;

@@ -75,17 +75,6 @@ private Q_SLOTS:
         QCOMPARE(notes.home.kept(), QByteArrayList());
     }
 
-    void invalidBytesAreKeptAside()
-    {
-        for (const QByteArray bytes : {"caf\xe9", "a character cut at the end\xe6\x97"}) {
-            const Notes notes(bytes);
-            QVERIFY2(notes.notice().contains(u"is not valid UTF-8."_s), qPrintable(notes.notice()));
-            notes.pad->hide();
-            QVERIFY2(notes.notice().contains(u"was copied to "_s), qPrintable(notes.notice()));
-            QCOMPARE(notes.home.kept(), QByteArrayList{bytes});
-        }
-    }
-
     void savesWhileItIsShownAndSoonAfterTheLastKey()
     {
         Notes notes({}, 5ms);

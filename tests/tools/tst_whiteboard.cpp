@@ -87,19 +87,6 @@ private Q_SLOTS:
         QCOMPARE(board.saved(), empty);
     }
 
-    void sharesTheSavedPictureBetweenTwoTexts()
-    {
-        Board board;
-        board.stroke(corner);
-        board.click("shareButton");
-        QCOMPARE(board.shared.value(0).toString(), u"Whiteboard\n"_s);
-        QCOMPARE(board.shared.value(1).value<QImage>().convertToFormat(QImage::Format_RGB32), board.saved());
-        const QRegularExpression footer(
-            u"^Sent with Oblino. Download from the App Store for Mac:\n\nhttps?://\\S+\n$"_s);
-        QVERIFY(footer.match(board.shared.value(2).toString()).hasMatch());
-        QVERIFY(!board.window->isVisible() && board.sharedAt == SharingPicker::Edge::Top);
-    }
-
     void drawsWithAPenWhereItIs()
     {
         const Board board;

@@ -68,26 +68,6 @@ private Q_SLOTS:
         QVERIFY(board.home.kept() == (moved.isEmpty() ? QByteArrayList() : QByteArrayList{*bytes}));
     }
 
-    void aStrokeUnderWayIsInThePictureOnce()
-    {
-        Board board;
-        board.pick({0, 0, 1, 0.5}); // what lay twice would show
-        board.stroke(dash);
-        const QColor once = board.at({{450, 100}}).first();
-        board.begin(corner.first(2));
-        QVERIFY(board.window->saveNow().isEmpty() && !board.window->isUnsaved());
-        QTest::mouseMove(&board.area(), corner.last());
-        QVERIFY(board.window->isUnsaved());
-        board.window->hide();
-        QVERIFY(!board.window->isUnsaved());
-        board.window->show();
-        QTest::mouseMove(&board.area(), {500, 300});
-        board.end({500, 300});
-        QCOMPARE(board.shown(), board.saved());
-        QCOMPARE(board.at({{450, 100}, {100, 200}, {200, 300}, {400, 300}}),
-                 (Colors{once, once, once, Qt::white}));
-    }
-
     void aClosedBoardWhosePictureIsInNoFileStillSavesOrRescuesIt()
     {
         const Board board;

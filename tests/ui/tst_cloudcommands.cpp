@@ -81,34 +81,6 @@ private Q_SLOTS:
         QCOMPARE(main.status(), u"-iCloud:Update Complete!-"_s);
     }
 
-    void saysWhyTheCloudFailsUntilItWorks()
-    {
-        CloudWindow main;
-        TaskCloud unscripted(main.store, main.service, main.notifications); // in its account's status
-        main.store.setCloud(&unscripted);
-        QVERIFY(QDir().mkpath(main.home.privateFolder()));
-        TemporaryHome::write(main.file, "Not at all");
-        main.command("updateToCloudAction");
-        QCOMPARE(main.lastAsked(), u"Error sync to iCloud!"_s);
-        QCOMPARE(main.status(), u"-iCloud:Cannot Login (Unknown)-"_s);
-        QCOMPARE(main.cause(), main.file + u": file is not a database"_s);
-        QCOMPARE(TemporaryHome::content(main.file), "Not at all");
-
-        SqlCloudContainer fresh({main.home.path(u"private/Fresh.sqlite"_s)}, {});
-        TaskCloud copy(main.store, fresh, main.notifications);
-        main.store.setCloud(&copy);
-        main.command("updateFromCloudAction");
-        QCOMPARE(main.cause(), u"There are no tasks in the cloud."_s);
-        main.command("updateToCloudAction");
-        QCOMPARE(main.lastAsked(), u"Sync to iCloud succesfully!"_s);
-        QCOMPARE(main.status(), QString());
-        QCOMPARE(main.cause(), QString());
-        main.store.setCloud(&unscripted);
-        main.clickRow(u"apple"_s);
-        main.command("deleteAction");
-        QTRY_COMPARE(main.cause(), main.file + u": file is not a database"_s);
-    }
-
     void losesNothingWhenItIsClosedInTheMiddle()
     {
         CloudWindow main;

@@ -194,19 +194,6 @@ private Q_SLOTS:
         QVERIFY(!main.home.filesWith(threeTasks.at(2).bytes()).isEmpty()); // which the other program removed
     }
 
-    void looksOnceMoreAtTheEnd()
-    {
-        for (const QByteArray &bytes : {QByteArray(), listOf(threeTasks.first(1))}) {
-            const MainWindow main(threeTasks);
-            main.clickRow(u"banana"_s);
-            main.click("editButton");
-            TemporaryHome::write(main.home.listPath(), bytes);
-            main.window->close();
-            QCOMPARE(main.window->isUnsaved(), bytes.isEmpty());
-            QVERIFY(bytes.isEmpty() || !main.home.filesWith(threeTasks.at(2).bytes()).isEmpty());
-        }
-    }
-
     void keepsWhatAnotherProgramReverts()
     {
         const Row closed{.name = "apple", .date = "3/1/26", .status = 1};

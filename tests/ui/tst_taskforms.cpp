@@ -226,16 +226,6 @@ private Q_SLOTS:
         QCOMPARE((QByteArrayList{cells.value(0), cells.value(7)}), (QByteArrayList{"4/1/26", "4/3/26"}));
     }
 
-    void refusesAColourThatHidesTheDescription()
-    {
-        MainWindow main({});
-        QWidget &form = openAdd(main);
-        for (const QColor &color : {QColor(10, 20, 30), QColor(Qt::black)}) {
-            pick(form, color);
-            QVERIFY(find<ColorButton>(form, "color").color() == Color(10 / 255.0, 20 / 255.0, 30 / 255.0, 1));
-        }
-    }
-
     void writesToTheTaskItWasOpenedFor()
     {
         for (const bool isGone : {false, true}) {

@@ -75,42 +75,6 @@ private Q_SLOTS:
         QCOMPARE(TemporaryHome::content(main.home.listPath()), before);
     }
 
-    void cannotBeLeftWithNothingSelected()
-    {
-        const MainWindow main(someTasks);
-        main.clickRow(u"banana"_s);
-        clickCell(main.table(), 1, 3, Qt::ControlModifier);
-        QCOMPARE(main.selectedName(), u"banana"_s);
-        press(main, "Ctrl+Space");
-        QCOMPARE(main.selectedName(), u"banana"_s);
-    }
-
-    void findsANameAsItIsTyped_data()
-    {
-        const Searches row;
-        row("in capitals or not", u"b"_s, "Beta");
-        row("with a blank", u"BETA t"_s, "beta two");
-        row("one letter again goes on", u"bb"_s, "beta two");
-        row("and round", u"bbb"_s, "Beta");
-        row("an equivalent text", u"É"_s, "e\u0301clair");
-        row("another form of a letter", u"οδος"_s, "ΟΔΟΣ");
-        row("only the beginning", u"two"_s, "alpha");
-    }
-    void findsANameAsItIsTyped()
-    {
-        const auto [typed, name] = Searches::cells();
-        const MainWindow main({{.name = "alpha", .date = "3/1/26"},
-                               {.name = "Beta", .date = "3/2/26"},
-                               {.name = "beta two", .date = "3/3/26"},
-                               {.name = "e\u0301clair", .date = "3/4/26"},
-                               {.name = "ΟΔΟΣ", .date = "3/5/26"}});
-        press(main, "Space");
-        press(main, "Right");
-        for (const QChar letter : typed)
-            QTest::sendKeyEvent(QTest::Click, &main.table(), Qt::Key_unknown, QString(letter), {});
-        QCOMPARE(main.selectedName(), QString::fromUtf8(name));
-    }
-
     void copiesAndEditsByKey()
     {
         const MainWindow main(someTasks);
