@@ -1,13 +1,11 @@
 #pragma once
 
-#include <support/temporaryhome.h>
+#include <support/test.h>
 #include <support/widgets.h>
 
 #include <app/application.h>
 #include <desktop/singleinstance.h>
 #include <ui/windows/viewcontroller.h>
-
-#include <functional>
 
 namespace oblino {
 

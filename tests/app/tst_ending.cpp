@@ -2,8 +2,6 @@
 #include "startedapplication.h"
 
 #include <support/secondconnection.h>
-#include <support/table.h>
-#include <support/testmain.h>
 
 #include <contacts/windows/viewcontrollerclientmgmt.h>
 #include <core/taskmanager.h>
@@ -16,8 +14,6 @@
 
 #include <csignal>
 
-using namespace oblino;
-using namespace Qt::Literals::StringLiterals;
 using Ends = Table<QStringList, bool, bool>;
 
 namespace {

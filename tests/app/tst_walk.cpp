@@ -1,19 +1,10 @@
 #include "startedapplication.h"
 
 #include <support/httpsserver.h>
-#include <support/testmain.h>
-#include <support/timezone.h>
-#include <support/traces.h>
 
 #include <base/appearance.h>
 #include <files/documents.h>
 #include <files/earlierversions.h>
-
-#include <memory>
-#include <optional>
-
-using namespace oblino;
-using namespace Qt::Literals::StringLiterals;
 
 namespace {
 

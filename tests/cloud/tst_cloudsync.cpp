@@ -204,21 +204,6 @@ private Q_SLOTS:
         QVERIFY(cloud.field("name").startsWith(u"new new new new"_s));
     }
 
-    void heedsNoRecordsThatComeTooLate()
-    {
-        Cloud cloud(200ms);
-        cloud.put({named("A")});
-        cloud.container.setFate(Request::Query, Fate::Hold);
-        bool alive = false;
-        QTimer::singleShot(0, this, [&alive] { alive = true; });
-        QVERIFY(!cloud.store.syncToLocalFromCloud());
-        QVERIFY(alive);
-        cloud.container.release();
-        QCOMPARE(cloud.records().size(), 1);
-        QCoreApplication::processEvents();
-        QVERIFY(cloud.store.tasks().isEmpty() && !cloud.told.contains("reload"));
-    }
-
     void saysWhyTheAccountCannotBeUsed_data()
     {
         const QString unknown = u"-iCloud:Cannot Login (Unknown)-"_s;

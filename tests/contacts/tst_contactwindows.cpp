@@ -112,26 +112,6 @@ private Q_SLOTS:
         QCOMPARE(stored(home), u"x:8"_s);
     }
 
-    void holdsOnlyWhatTheTaskListCanHold()
-    {
-        const TemporaryHome home;
-        const QString odd = u"a|b^\nc"_s;
-        const QString megabyte(1'000'000, u'x');
-        storeContacts<Clients>(home.privateFolder(), {{odd, {}}, {odd, {}}, {megabyte, {}}, {u"was"_s, {}}});
-        {
-            const Window window(home);
-            window.typeAt(0, NameColumn, u"\t8\n"_s); // the name is only looked at
-            window.typeAt(1, NameColumn, u"\fX\n"_s);
-            window.typeAt(2, NameColumn, u"\fX\n"_s);
-            window.typeAt(3, NameColumn, u"|^"_s);
-            QVERIFY(QToolTip::text().contains(u"| and ^"_s));
-            QGuiApplication::clipboard()->setText(u"a\r\nb\tc\0d"_s);
-            QTest::keySequence(QApplication::focusWidget(), QKeySequence::SelectAll);
-            QTest::keySequence(QApplication::focusWidget(), QKeySequence::Paste);
-        }
-        QVERIFY(stored(home) == odd + u":8 a b  cX: "_s + megabyte + u"X: a b c d:"_s);
-    }
-
     void outlivesItsClosingUntilItsEditsAreInTheStore()
     {
         const TemporaryHome home;

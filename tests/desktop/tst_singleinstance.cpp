@@ -21,29 +21,6 @@ private Q_SLOTS:
         setRuntimeFolder({}); // killed programs leave their sockets there
     }
 
-    void everyLaterStartRaisesTheFirstThoughOneBeforeWasKilled()
-    {
-        const pid_t killed = ::fork();
-        if (killed == 0) {
-            SingleInstance instance(m_folder);
-            ::raise(instance.claim() == Claim::First ? SIGKILL : SIGTERM);
-        }
-        int status = 0;
-        QCOMPARE(::waitpid(killed, &status, 0), killed);
-        QCOMPARE(WTERMSIG(status), SIGKILL);
-
-        SingleInstance first(m_folder);
-        const QSignalSpy raises(&first, &SingleInstance::raiseRequested);
-        QCOMPARE(first.claim(), Claim::First);
-        for (int i = 1; i <= 2; ++i) {
-            auto later = std::async(std::launch::async, [this] { return SingleInstance(m_folder).claim(); });
-            QTRY_COMPARE(raises.size(), i);
-            QCOMPARE(later.get(), Claim::RaisedOther);
-        }
-        QCOMPARE(SingleInstance(m_home->path(u"another"_s)).claim(), Claim::First);
-        QCOMPARE(statusOf(m_folder).st_mode & 0777, 0700U);
-    }
-
     void listensWhereNobodyElseCanAndIsFoundThere_data()
     {
         // The runtime folders of the first start and of the next one; in which folder the socket lies.

@@ -209,16 +209,6 @@ private Q_SLOTS:
         QCOMPARE(w.script.asked.size(), 1);
     }
 
-    void sendsNothingWhereThereAreNoTasks()
-    {
-        Window w;
-        w.store.setTasks({});
-        w.show();
-        w.click("allClients");
-        w.click(toClients);
-        QTRY_COMPARE(w.status(), u"Steps Performed:0 Schedules#:0"_s);
-    }
-
     void tellsOfAFailureOfTheLastMessage()
     {
         Window w;

@@ -9,7 +9,6 @@
 #include <support/widgets.h>
 #include <ui/uiutil.h>
 
-#include <QNetworkProxy>
 
 namespace {
 
@@ -73,7 +72,6 @@ const QString filled = u" my twilioSID| my twillioSecret| my twillioSendingPhone
                        " my twillioTestPhoneNo| my twillioMessageFooter|1|1|1500"_s;
 const QString blank = u"||||||0|0|0"_s;
 
-using Pauses = Table<QString, qint64, QString>;
 
 } // namespace
 
@@ -110,7 +108,6 @@ private Q_SLOTS:
     void sendsATestMessageWithWhatTheFormShows()
     {
         const auto [reply, told] = Table<Reply, QString>::cells();
-        QNetworkProxy::setApplicationProxy(QNetworkProxy::NoProxy);
         HttpsServer server;
         HttpClient client(Certificate::loopback().trust());
         Window w;

@@ -77,7 +77,6 @@ struct Desktop
 };
 
 using Act = std::function<void(Desktop &)>;
-using Prompted = std::function<void(QWidget *prompt, Desktop &desktop)>;
 
 Act changeTo(const CloudAccount &account, const std::optional<QString> &password, bool remember)
 {

@@ -156,30 +156,6 @@ private Q_SLOTS:
         QCOMPARE(runAt(m_place, u"SELECT count(*) FROM "_s + table).toInt(), 1);
     }
 
-    void carriesNothingOverToAnotherPlace()
-    {
-        std::shared_ptr<const Answers> followed;
-        HeldAnswer held(*m_container, [&] { followed = saveMany(*m_container, 3); });
-        const auto waited = saveMany(*m_container, 20);
-        const StoreLocation elsewhere = newPlace();
-        m_container->setLocation(elsewhere);
-        const auto asked = saveMany(*m_container, 1);
-        held.release();
-        QCOMPARE(namesIn(*m_container), u"0"_s); // which is asked of the new place
-        QCOMPARE(waited->bad, 20);
-        QTRY_COMPARE(followed->bad, 3);
-        QCOMPARE(asked->good, 1);
-        QCOMPARE(runAt(elsewhere, u"SELECT count(*) FROM "_s + table).toInt(), 1);
-        QCOMPARE(std::get<0>(find(*containerAt(m_place))).size(), 0);
-    }
-
-    void finishesWhatIsQuicklyDone()
-    {
-        (void)saveMany(*m_container, 50);
-        m_container.reset();
-        QCOMPARE(std::get<0>(find(*containerAt(m_place))).size(), 50);
-    }
-
     void endsInTheMiddleOfItsWork()
     {
         const auto answers = saveMany(*m_container, 20'000);

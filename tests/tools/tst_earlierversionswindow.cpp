@@ -135,28 +135,6 @@ private Q_SLOTS:
         QCOMPARE(part.file(), row("A", "Order oak") + others);
     }
 
-    void saysWhyItCannotRestoreAndWhatWasSaid()
-    {
-        Window w;
-        w.notices.add(u"The first."_s);
-        w.keep("junk^", VersionReason::Unread);
-        w.keep("journal", VersionReason::Damaged, u"ltodonotes.txt"_s);
-        w.keep("\x89PNG", VersionReason::Unread, u"ltodolistwhiteboard.png"_s);
-        w.open();
-        for (const auto &[tab, why] : {std::pair(Qt::Key_T, u"No task in it can be read."_s),
-                                       {Qt::Key_N, u"It is not a text that the notes pad can read."_s},
-                                       {Qt::Key_W, u"It is not a picture that the whiteboard can show."_s}}) {
-            w.choose(tab);
-            QCOMPARE(w.button("restoreButton").toolTip(), why);
-            QVERIFY(!w.button("restoreButton").isEnabled());
-        }
-        w.choose(Qt::Key_S);
-        w.notices.add(u"The second."_s);
-        const QRegularExpression said(u"^[\\d:]{8}  The first\\.\n[\\d:]{8}  The second\\.$"_s);
-        QVERIFY(said.match(find<QPlainTextEdit>(*w.window, "saidText").toPlainText()).hasMatch());
-        QVERIFY(!w.button("restoreButton").isVisible());
-    }
-
     void restoresNotesAndBoard()
     {
         Window w;

@@ -132,29 +132,6 @@ private Q_SLOTS:
         }
     }
 
-    void keepsViewSearchAndPlaceWhenItReadsAgain()
-    {
-        QList<Row> rows;
-        QList<QByteArray> names;
-        for (int i = 0; i < 200; ++i)
-            names += "task" + QByteArray::number(1000 + i);
-        for (const QByteArray &name : names)
-            rows += Row{.name = name.constData()};
-        const MainWindow main(rows);
-        main.views().setCurrentIndex(6);
-        QTest::keyClicks(&main.searchField(), u"task"_s);
-        main.clickRow(u"task1004"_s);
-        main.table().verticalScrollBar()->setValue(main.table().verticalScrollBar()->maximum() / 2);
-        const int scrolled = main.table().verticalScrollBar()->value();
-        TemporaryHome::write(main.home.listPath(), listOf(rows) + Row{.name = "other"}.bytes());
-        QTRY_VERIFY(!main.notice().isEmpty());
-        QCOMPARE(main.store.fullList().size(), 201);
-        QCOMPARE(main.table().model()->rowCount(), 200);
-        QCOMPARE(main.selectedName(), u"task1004"_s);
-        QCOMPARE(main.table().verticalScrollBar()->value(), scrolled);
-        QCOMPARE(main.views().currentIndex(), 6);
-    }
-
     void mergesWhatCouldNotBeSaved()
     {
         MainWindow main(threeTasks);

@@ -114,30 +114,6 @@ private Q_SLOTS:
         QCOMPARE(TemporaryHome::content(main.home.listPath()), list);
     }
 
-    void leadsToATaskThatIsAdded()
-    {
-        QList<Row> rows;
-        for (int i = 0; i < 100; ++i)
-            rows += Row{.name = "one"};
-        MainWindow main(rows);
-        const auto isSeen = [&main](const QString &name) {
-            const auto row = static_cast<int>(main.shown().split(u' ').indexOf(name));
-            return main.table().viewport()->rect().intersects(
-                main.table().visualRect(main.table().model()->index(row, 3)));
-        };
-        addTask(main, u"fence"_s);
-        QVERIFY(isSeen(u"fence"_s));
-        QCOMPARE(main.selectedName(), QString());
-        QCOMPARE(main.status(), u"Added “fence”."_s);
-        main.views().setCurrentIndex(2);
-        addTask(main, u"gate"_s);
-        QCOMPARE(main.status(), u"Added “gate” to Open; this view shows Closed."_s);
-        main.store.setLastMessage({});
-        main.notifications.post(u"update"_s);
-        main.interfaceChange();
-        QCOMPARE(main.status(), QString());
-    }
-
     void tracesARowOnceAReload()
     {
         const MainWindow main(someTasks);
