@@ -4,7 +4,6 @@
 #include <messaging/sendingrun.h>
 #include <messaging/sendingstate.h>
 #include <messaging/windows/viewcontrollersending.h>
-#include <support/scriptedalert.h>
 #include <support/store.h>
 #include <support/test.h>
 #include <support/widgets.h>

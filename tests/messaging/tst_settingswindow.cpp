@@ -3,7 +3,6 @@
 #include <messaging/smsgateway.h>
 #include <messaging/windows/viewcontrollersettings.h>
 #include <support/httpsserver.h>
-#include <support/scriptedalert.h>
 #include <support/store.h>
 #include <support/test.h>
 #include <support/widgets.h>

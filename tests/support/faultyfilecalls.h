@@ -62,11 +62,11 @@ public:
     }
     ssize_t pread(int fd, char *data, size_t size, off_t offset) override
     {
-        return fails({"pread", m_paths[fd], offset}, size) ? -1 : FileCalls::pread(fd, data, size, offset);
+        return fails({"pread", m_paths[fd], offset}, &size) ? -1 : FileCalls::pread(fd, data, size, offset);
     }
     ssize_t pwrite(int fd, const char *data, size_t size, off_t offset) override
     {
-        if (fails({"pwrite", m_paths[fd], offset}, size))
+        if (fails({"pwrite", m_paths[fd], offset}, &size))
             return -1;
         touch(m_paths[fd], offset == 0);
         return FileCalls::pwrite(fd, data, size, offset);
@@ -147,21 +147,18 @@ protected:
     virtual void before(const Call &) {}
 
 private:
-    bool fails(const Call &call, size_t &size)
+    // Halves the size where the call is to stop midway.
+    bool fails(const Call &call, size_t *size = nullptr)
     {
         before(call);
-        const bool isMidway = m_fault == half || m_fault == deathMidway;
-        if (++m_made == m_number && isMidway) {
-            size = (size + 1) / 2;
+        const bool isStruck = ++m_made == m_number;
+        if (isStruck && (m_fault == half || m_fault == deathMidway)) {
+            if (size)
+                *size = (*size + 1) / 2;
             return false;
         }
         errno = m_fault > 0 ? m_fault : EIO;
-        return m_made == m_number || (hasStruck() && m_fault <= death);
-    }
-    bool fails(const Call &call)
-    {
-        size_t none = 0;
-        return fails(call, none);
+        return isStruck || (hasStruck() && m_fault <= death);
     }
 
     void touch(const QByteArray &path, bool isFromTheStart)

@@ -21,22 +21,14 @@ using namespace Qt::Literals::StringLiterals;
 namespace {
 
 // Speaks TLS at once or, as a proxy that leads every name to itself, after CONNECT.
-class Listener : public QTcpServer
+struct Listener : QTcpServer
 {
-public:
-    Listener(const QSslConfiguration &configuration, const std::function<void(QSslSocket *)> &serve)
-        : m_configuration(configuration)
-        , m_serve(serve)
-    {
-    }
-
-protected:
     void incomingConnection(qintptr descriptor) override
     {
         auto *socket = new QSslSocket(this);
-        socket->setSslConfiguration(m_configuration);
+        socket->setSslConfiguration(configuration);
         connect(socket, &QSslSocket::disconnected, socket, &QObject::deleteLater);
-        connect(socket, &QSslSocket::encrypted, socket, [this, socket] { m_serve(socket); });
+        connect(socket, &QSslSocket::encrypted, socket, [this, socket] { serve(socket); });
         connect(socket, &QSslSocket::readyRead, socket, [socket] {
             if (socket->mode() == QSslSocket::UnencryptedMode && socket->peek(1) != "C")
                 socket->startServerEncryption();
@@ -46,9 +38,8 @@ protected:
         socket->setSocketDescriptor(descriptor);
     }
 
-private:
-    const QSslConfiguration m_configuration;
-    const std::function<void(QSslSocket *)> m_serve;
+    QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
+    std::function<void(QSslSocket *)> serve;
 };
 
 } // namespace
@@ -100,10 +91,10 @@ QByteArray Request::header(const QByteArray &name) const
 
 HttpsServer::HttpsServer(const Certificate &certificate)
 {
-    QSslConfiguration configuration = QSslConfiguration::defaultConfiguration();
-    configuration.setLocalCertificate(certificate.certificate);
-    configuration.setPrivateKey(certificate.key);
-    auto *server = new Listener(configuration, [this](QSslSocket *socket) { serve(socket); });
+    auto *server = new Listener;
+    server->configuration.setLocalCertificate(certificate.certificate);
+    server->configuration.setPrivateKey(certificate.key);
+    server->serve = [this](QSslSocket *socket) { serve(socket); };
     QObject::connect(&m_thread, &QThread::finished, server, &QObject::deleteLater);
     server->listen(QHostAddress::LocalHost);
     m_port = server->serverPort();
@@ -128,14 +119,10 @@ void HttpsServer::setReply(const Reply &reply)
 
 void HttpsServer::serve(QSslSocket *socket)
 {
-    {
-        const std::lock_guard lock(m_mutex);
-        ++m_connections;
-    }
-    auto received = std::make_shared<QByteArray>();
+    const std::lock_guard lock(m_mutex);
+    ++m_connections;
     QObject::connect(socket, &QSslSocket::readyRead, socket,
-                     [this, socket, received] { read(socket, *received); });
-    read(socket, *received);
+                     [this, socket, received = QByteArray()]() mutable { read(socket, received); });
 }
 
 void HttpsServer::read(QSslSocket *socket, QByteArray &received)
@@ -144,8 +131,7 @@ void HttpsServer::read(QSslSocket *socket, QByteArray &received)
     const qsizetype end = received.indexOf("\r\n\r\n");
     if (end < 0)
         return;
-    constexpr qsizetype lineEnds = 4;
-    Request request{received.left(end + 2), received.mid(end + lineEnds)};
+    const Request request{received.left(end + 2), received.mid(end + 4)};
     if (request.body.size() < request.header("Content-Length").toLongLong())
         return;
     received.clear();
@@ -153,13 +139,6 @@ void HttpsServer::read(QSslSocket *socket, QByteArray &received)
     m_requests += request;
     socket->write(m_reply.bytes);
     socket->flush();
-    conclude(socket);
-}
-
-void HttpsServer::conclude(QSslSocket *socket)
-{
-    constexpr int notifyAfter = 3; // milliseconds
-    constexpr int dropWithin = 6;
     const auto notify = [this, socket] {
         m_halfClosed += ::dup(static_cast<int>(socket->socketDescriptor()));
         socket->disconnectFromHost();
@@ -167,9 +146,9 @@ void HttpsServer::conclude(QSslSocket *socket)
     if (m_reply.end == Reply::End::Close)
         socket->disconnectFromHost();
     else if (m_reply.end == Reply::End::CloseNotify)
-        QTimer::singleShot(notifyAfter, Qt::PreciseTimer, socket, notify);
+        QTimer::singleShot(3, Qt::PreciseTimer, socket, notify);
     else if (m_reply.end == Reply::End::Drop)
-        QTimer::singleShot(QRandomGenerator::global()->bounded(dropWithin), Qt::PreciseTimer, socket,
+        QTimer::singleShot(QRandomGenerator::global()->bounded(6), Qt::PreciseTimer, socket,
                            &QSslSocket::abort);
 }
 

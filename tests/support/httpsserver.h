@@ -7,6 +7,7 @@
 #include <QSslKey>
 #include <QThread>
 
+#include <memory>
 #include <mutex>
 
 class QSslSocket;
@@ -82,7 +83,6 @@ private:
     }
     void serve(QSslSocket *socket);
     void read(QSslSocket *socket, QByteArray &received);
-    void conclude(QSslSocket *socket);
 
     mutable std::mutex m_mutex; // of what follows
     Reply m_reply;

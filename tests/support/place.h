@@ -8,12 +8,6 @@
 
 namespace oblino {
 
-/// The content of a file, empty where there is none.
-[[nodiscard]] inline QByteArray contentOf(const QString &path)
-{
-    return TemporaryHome::content(path);
-}
-
 /// Writes a file, and makes its folder when it is missing.
 inline void put(const QString &path, const QByteArray &bytes)
 {

@@ -17,8 +17,35 @@ inline void useMemoryForTemporaryFiles()
         qputenv("TMPDIR", "/dev/shm");
 }
 
-[[nodiscard]] QStringList filesWith(const QString &folder, const QByteArray &text);
-[[nodiscard]] QByteArrayList keptIn(const QString &privateFolder, bool isDaily);
+/// The content of a file, empty where there is none.
+[[nodiscard]] inline QByteArray contentOf(const QString &path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+/// The files in a folder and those below it in which a text stands.
+[[nodiscard]] inline QStringList filesWith(const QString &folder, const QByteArray &text)
+{
+    QStringList files;
+    for (QDirIterator all(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories); all.hasNext();) {
+        if (contentOf(all.next()).contains(text))
+            files += all.filePath();
+    }
+    return files;
+}
+
+/// What lies in the recovery folder of that private folder: versions of a day or all others.
+[[nodiscard]] inline QByteArrayList keptIn(const QString &privateFolder, bool isDaily)
+{
+    QByteArrayList contents;
+    for (const QFileInfo &file :
+         QDir(privateFolder + QStringLiteral("/recovery")).entryInfoList(QDir::Files)) {
+        if (file.fileName().contains(QStringLiteral("[daily]")) == isDaily)
+            contents << contentOf(file.filePath());
+    }
+    return contents;
+}
 
 /// A documents folder and a private folder of a test's own, gone with the test.
 class TemporaryHome
@@ -40,12 +67,7 @@ public:
     /// What lies in the recovery folder, but for the versions of a day.
     [[nodiscard]] QByteArrayList kept() const { return keptIn(privateFolder(), false); }
 
-    static QByteArray content(const QString &path)
-    {
-        QFile file(path);
-        return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-    }
-
+    static QByteArray content(const QString &path) { return contentOf(path); }
     static void write(const QString &path, const QByteArray &bytes)
     {
         QFile file(path);
@@ -81,29 +103,5 @@ public:
 private:
     std::map<const char *, QByteArray> m_before;
 };
-
-/// The files in a folder and those below it in which a text stands.
-[[nodiscard]] inline QStringList filesWith(const QString &folder, const QByteArray &text)
-{
-    QStringList files;
-    for (QDirIterator all(folder, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories); all.hasNext();) {
-        const QString path = all.next();
-        if (TemporaryHome::content(path).contains(text))
-            files += path;
-    }
-    return files;
-}
-
-/// What lies in the recovery folder of that private folder: versions of a day or all others.
-[[nodiscard]] inline QByteArrayList keptIn(const QString &privateFolder, bool isDaily)
-{
-    const QDir recovery(privateFolder + QStringLiteral("/recovery"));
-    QByteArrayList contents;
-    for (const QString &name : recovery.entryList(QDir::Files, QDir::Name)) {
-        if (name.contains(QStringLiteral("[daily]")) == isDaily)
-            contents << TemporaryHome::content(recovery.filePath(name));
-    }
-    return contents;
-}
 
 } // namespace oblino

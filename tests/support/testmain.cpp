@@ -1,51 +1,34 @@
 #include <support/testmain.h>
 
-#include <QStandardPaths>
-
 #include <cstdio>
-#include <cstring>
-#include <vector>
+#include <map>
+#include <string>
 
 namespace {
 
-struct Entry
+std::map<std::string, oblino::TestRun> &tests()
 {
-    const char *name;
-    oblino::TestMaker makeTest;
-    oblino::ApplicationMaker makeApplication;
-};
-
-std::vector<Entry> &entries()
-{
-    static std::vector<Entry> list;
-    return list;
+    static std::map<std::string, oblino::TestRun> all;
+    return all;
 }
 
 } // namespace
 
-bool oblino::registerTest(const char *name, TestMaker makeTest, ApplicationMaker makeApplication)
+bool oblino::registerTest(const char *name, TestRun run)
 {
-    entries().push_back({name, makeTest, makeApplication});
-    return true;
+    return tests().emplace(name, run).second;
 }
 
 // tst_room <class> [options of Qt Test]
 int main(int argc, char **argv)
 {
-    for (const Entry &entry : entries()) {
-        if (argc < 2 || std::strcmp(argv[1], entry.name) != 0)
-            continue;
-        --argc;
+    const auto test = tests().find(argc > 1 ? argv[1] : "");
+    if (test != tests().end()) {
         argv[1] = argv[0];
-        ++argv;
-        const auto application = entry.makeApplication(argc, argv);
-        QStandardPaths::setTestModeEnabled(true); // never the settings and files of whoever runs the tests
-        QCoreApplication::setApplicationName(QStringLiteral("oblino"));
-        const auto test = entry.makeTest();
-        return QTest::qExec(test.get(), argc, argv);
+        return test->second(argc - 1, argv + 1);
     }
-    std::fprintf(stderr, "name one of these test classes:\n");
-    for (const Entry &entry : entries())
-        std::fprintf(stderr, "  %s\n", entry.name);
+    std::fputs("name one of these test classes:\n", stderr);
+    for (const auto &[name, run] : tests())
+        std::fprintf(stderr, "  %s\n", name.c_str());
     return 2;
 }

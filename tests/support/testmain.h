@@ -1,24 +1,29 @@
 #pragma once
 
-#include <QObject>
+#include <QStandardPaths>
 #include <QTest>
-
-#include <memory>
 
 namespace oblino {
 
-using TestMaker = std::unique_ptr<QObject> (*)();
-using ApplicationMaker = std::unique_ptr<QCoreApplication> (*)(int &argc, char **argv);
+/// Runs a test by these arguments, and gives its exit code.
+using TestRun = int (*)(int argc, char **argv);
 
 /// Enters a test class into the list from which main() takes the one that is named on the command line.
-bool registerTest(const char *name, TestMaker makeTest, ApplicationMaker makeApplication);
+bool registerTest(const char *name, TestRun run);
+
+template<typename Test, typename Application>
+int runTest(int argc, char **argv)
+{
+    const Application application(argc, argv);
+    QStandardPaths::setTestModeEnabled(true); // never the settings and files of whoever runs the tests
+    QCoreApplication::setApplicationName(QStringLiteral("oblino"));
+    Test test;
+    return QTest::qExec(&test, argc, argv);
+}
 
 } // namespace oblino
 
 /// Enters a test class that needs an application object of that class, as in QApplication.
 #define OBLINO_TEST(TestClass, ApplicationClass)                                                             \
-    static const bool registered##TestClass = oblino::registerTest(                                          \
-        #TestClass, []() -> std::unique_ptr<QObject> { return std::make_unique<TestClass>(); },              \
-        [](int &argc, char **argv) -> std::unique_ptr<QCoreApplication> {                                    \
-            return std::make_unique<ApplicationClass>(argc, argv);                                           \
-        });
+    static const bool registered##TestClass =                                                                \
+        oblino::registerTest(#TestClass, &oblino::runTest<TestClass, ApplicationClass>);

@@ -10,17 +10,13 @@ namespace oblino {
 constexpr uid_t nobody = 65534;
 
 /// Starts a program without the privileges of root, for whom no file is read-only.
-inline void startUnprivileged(QProcess &process, QString program, QStringList arguments)
+inline void startUnprivileged(QProcess &process, const QString &program, const QStringList &arguments)
 {
-    if (::geteuid() == 0) {
-        const QString number = QString::number(nobody);
-        arguments =
-            QStringList{QStringLiteral("--reuid=") + number, QStringLiteral("--regid=") + number,
-                        QStringLiteral("--clear-groups"), QStringLiteral("--pdeathsig=keep"), program} +
-            arguments;
-        program = QStringLiteral("setpriv");
-    }
-    process.start(program, arguments);
+    if (::geteuid() != 0)
+        return process.start(program, arguments);
+    const QString options =
+        QStringLiteral("--reuid=%1 --regid=%1 --clear-groups --pdeathsig=keep").arg(nobody);
+    process.start(QStringLiteral("setpriv"), options.split(u' ') + QStringList(program) + arguments);
 }
 
 } // namespace oblino

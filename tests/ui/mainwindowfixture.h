@@ -1,6 +1,5 @@
 #pragma once
 
-#include <support/scriptedalert.h>
 #include <support/store.h>
 #include <support/test.h>
 #include <support/widgets.h>
