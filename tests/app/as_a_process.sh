@@ -60,7 +60,7 @@ move_to_new_home
 start
 first=$started
 before=$(content "$HOME")
-said=$("$program") || fail "a second start fails"
+said=$(timeout 20 "$program") || fail "a second start fails"
 [ -z "$said" ] || fail "a second start said: $said"
 [ "$(content "$HOME")" = "$before" ] || fail "a second start writes"
 kill -KILL "$first" || fail "a second start ends the first"
