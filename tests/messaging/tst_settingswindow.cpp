@@ -8,7 +8,6 @@
 #include <support/widgets.h>
 #include <ui/uiutil.h>
 
-
 namespace {
 
 constexpr std::pair<const char *, const char *> fields[] = {
@@ -70,7 +69,6 @@ struct Window : Store
 const QString filled = u" my twilioSID| my twillioSecret| my twillioSendingPhoneNo| my twillioMessageTitle|"
                        " my twillioTestPhoneNo| my twillioMessageFooter|1|1|1500"_s;
 const QString blank = u"||||||0|0|0"_s;
-
 
 } // namespace
 

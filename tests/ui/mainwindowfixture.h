@@ -31,16 +31,27 @@ struct Row
     }
 };
 
+inline QByteArray listOf(const QList<Row> &rows)
+{
+    QByteArray bytes;
+    for (const Row &row : rows)
+        bytes += row.bytes();
+    return bytes;
+}
+
 /// The main window on a list of a test's own, with a real file, shown, driven by real events.
 class MainWindow : public Store
 {
 public:
     explicit MainWindow(const QList<Row> &rows)
+        : MainWindow(listOf(rows))
     {
-        for (const Row &row : rows)
-            listAtStart += row.bytes();
-        if (!rows.isEmpty())
-            TemporaryHome::write(home.listPath(), listAtStart);
+    }
+    explicit MainWindow(const QByteArray &list = {})
+        : listAtStart(list)
+    {
+        if (!list.isEmpty())
+            setFile(list);
         window = std::make_unique<ViewController>(store, documents, utilities, notifications,
                                                   home.privateFolder());
         showActive(*window);
@@ -58,17 +69,9 @@ public:
     [[nodiscard]] QString notice() const { return find<NoticeLabel>(*window, "notice").notice(); }
     [[nodiscard]] QString saveState() const { return find<QLabel>(*window, "saveState").text(); }
 
-    [[nodiscard]] QString cell(int row, int column) const
-    {
-        return table().model()->index(row, column).data().toString();
-    }
-
-    /// Has the list read anew, as a change of the appearance and back does.
-    void interfaceChange()
-    {
-        appearance.setInterfaceStyle(u"Dark"_s);
-        appearance.setInterfaceStyle(std::nullopt);
-    }
+    /// What stands in the file of the list.
+    [[nodiscard]] QByteArray file() const { return TemporaryHome::content(home.listPath()); }
+    void setFile(const QByteArray &bytes) const { TemporaryHome::write(home.listPath(), bytes); }
 
     /// The names in the table, from top to bottom, joined by blanks.
     [[nodiscard]] QString shown() const { return columnOf(table(), 3); }
@@ -77,17 +80,14 @@ public:
     [[nodiscard]] QString saved() const
     {
         QStringList names;
-        for (const QByteArray &row : TemporaryHome::content(home.listPath()).split('^')) {
-            if (!row.isEmpty())
-                names += QString::fromUtf8(row.split('|').value(1));
-        }
-        return names.join(u' ');
+        for (const QByteArray &row : file().split('^'))
+            names += QString::fromUtf8(row.split('|').value(1));
+        return names.join(u' ').trimmed();
     }
 
     [[nodiscard]] QString selectedName() const
     {
-        const QModelIndexList rows = table().selectionModel()->selectedRows(3);
-        return rows.isEmpty() ? QString() : rows.first().data().toString();
+        return table().selectionModel()->selectedRows(3).value(0).data().toString();
     }
 
     void clickRow(const QString &name) const

@@ -1,46 +1,37 @@
 #include "mainwindowfixture.h"
 
-#include <cloud/taskcloud.h>
 #include <support/scriptedcontainer.h>
 
+#include <cloud/taskcloud.h>
 #include <records/sqlcloudcontainer.h>
-
-namespace {
 
 using Request = ScriptedContainer::Request;
 using Fate = ScriptedContainer::Fate;
 
+namespace {
+
 // The main window with a cloud in a file of its own.
-class CloudWindow : public MainWindow
+struct CloudWindow : MainWindow
 {
-public:
-    explicit CloudWindow(std::chrono::milliseconds timeout = 30s)
+    CloudWindow()
         : MainWindow({{.name = "apple"}, {.name = "pear", .hidden = true}})
-        , copy(store, container, notifications, timeout)
+        , copy(store, container, notifications)
     {
         store.setCloud(&copy);
     }
 
-    void command(const char *name) const { action(name).trigger(); }
-    [[nodiscard]] QAction &action(const char *name) const
+    // Chooses a command. @return what is said at its end
+    QString command(const char *name)
     {
-        return *window->findChild<QAction *>(QLatin1String(name));
+        find<QAction>(*window, name).trigger();
+        return questions.asked.isEmpty() ? QString() : questions.asked.last().informativeText;
     }
-    /// Why the cloud has failed, as the status line shows it.
-    [[nodiscard]] QString cause() const
-    {
-        const auto *label = window->findChild<QLabel *>(u"cloudCauseLabel"_s);
-        return label && label->isVisible() ? label->text() : QString();
-    }
-    [[nodiscard]] QString lastAsked() const
-    {
-        return questions.asked.value(questions.asked.size() - 1).informativeText;
-    }
+    // Why the cloud has failed, as the status line shows it.
+    [[nodiscard]] QString cause() const { return find<QLabel>(*window, "cloudCauseLabel").text(); }
 
     TaskCloud copy;
     ScriptedContainer container{service};
-    const QString file = home.path(u"private/Cloud.sqlite"_s);
-    SqlCloudContainer service{{file}, {}};
+    SqlCloudContainer service{{home.path(u"private/Cloud.sqlite"_s)}, {}};
 };
 
 } // namespace
@@ -55,45 +46,65 @@ private Q_SLOTS:
         CloudWindow main;
         bool isKnown = false; // the password
         main.window->setBeforeCloud([&isKnown] { return isKnown; });
-        main.command("updateToCloudAction");
-        QCOMPARE(main.lastAsked(), u""_s);
+        QCOMPARE(main.command("updateToCloudAction"), QString());
         isKnown = true;
         QTest::keyClicks(&main.searchField(), u"app"_s); // every task goes, during a search too
-        main.command("updateToCloudAction");
-        QCOMPARE(main.lastAsked(), u"Sync to iCloud succesfully!"_s);
+        QCOMPARE(main.command("updateToCloudAction"), u"Sync to iCloud succesfully!"_s);
         QCOMPARE(main.searchField().text(), QString());
         main.store.setSelected(u"KEY-pear"_s);
         main.store.removeSelected();
 
         main.questions.answer = 1;
-        main.command("updateFromCloudAction");
-        QCOMPARE(main.questions.asked.last().messageText, u"Do you want to update from the iCloud?"_s);
-        QCOMPARE(main.lastAsked(),
+        QCOMPARE(main.command("updateFromCloudAction"),
                  u"Your eventual changes on existing tasks will be overwritten. For security "
                  "reasons, the extra tasks you may have saved locally vs what is saved in the "
                  "Cloud will not be deleted. Please delete these manually as needed."_s);
-        QCOMPARE(main.store.tasks().size(), 1);
+        QCOMPARE(main.questions.asked.last().messageText, u"Do you want to update from the iCloud?"_s);
+        QCOMPARE(main.store.fullList().size(), 1);
 
         main.questions.answer = 0;
-        main.command("updateFromCloudAction");
-        QCOMPARE(main.lastAsked(), u"Sync from iCloud succesfully!"_s);
+        QCOMPARE(main.command("updateFromCloudAction"), u"Sync from iCloud succesfully!"_s);
         QCOMPARE(main.saved(), u"apple pear"_s);
         QCOMPARE(main.status(), u"-iCloud:Update Complete!-"_s);
+
+        main.clickRow(u"apple"_s);
+        main.click("deleteButton"); // with its record
+        QCOMPARE(main.command("updateFromCloudAction"), u"Sync from iCloud succesfully!"_s);
+        QCOMPARE(main.saved(), u"pear"_s);
     }
 
-    void losesNothingWhenItIsClosedInTheMiddle()
+    void saysWhyTheCloudFailsUntilItWorks()
     {
         CloudWindow main;
+        main.container.status = AccountStatus::CouldNotDetermine;
+        main.container.setFate(Request::Query, Fate::Fail);
+        QCOMPARE(main.command("updateToCloudAction"), u"Error sync to iCloud!"_s);
+        QCOMPARE(main.status(), u"-iCloud:Cannot Login (Unknown)-"_s);
+        QCOMPARE(main.cause(), u"scripted"_s);
+        main.container.status = AccountStatus::Available;
+        main.container.setFate(Request::Query, Fate::Pass);
+        main.command("updateFromCloudAction");
+        QCOMPARE(main.cause(), u"There are no tasks in the cloud."_s);
+        QCOMPARE(main.command("updateToCloudAction"), u"Sync to iCloud succesfully!"_s);
+        QCOMPARE(main.status() + main.cause(), QString());
+    }
+
+    void holdsItsCommandsAndLosesNothingWhenItIsClosedInTheMiddle()
+    {
+        CloudWindow main;
+        main.clickRow(u"apple"_s);
         main.container.setFate(Request::Query, Fate::Hold);
-        QTimer::singleShot(50, main.window.get(), [&main] {
+        bool isHeld = false;
+        QTimer::singleShot(50, main.window.get(), [&] {
+            isHeld = !main.button("deleteButton").isEnabled() && !main.table().isEnabled();
             main.window->close();
             QCoreApplication::exit();
         });
-        main.command("updateFromCloudAction");
-        QCOMPARE(main.lastAsked(), u"Error sync from iCloud!"_s);
+        QCOMPARE(main.command("updateFromCloudAction"), u"Error sync from iCloud!"_s);
+        QVERIFY(isHeld && main.button("deleteButton").isEnabled() && main.table().isEnabled());
         main.container.release();
         QCoreApplication::processEvents();
-        QCOMPARE(TemporaryHome::content(main.home.listPath()), main.listAtStart);
+        QCOMPARE(main.file(), main.listAtStart);
     }
 };
 

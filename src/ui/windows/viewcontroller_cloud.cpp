@@ -19,10 +19,8 @@ void ViewController::UpdateToCloud(QObject *)
         return;
     endSearch(); // or only what it found would be sent
     m_waitingFor = tr("Sending to the cloud");
-    if (m_store.syncToCloudFromLocal())
-        m_utilities.dialogOK(QStringLiteral("Sync to iCloud succesfully!"));
-    else
-        m_utilities.dialogOK(QStringLiteral("Error sync to iCloud!"));
+    m_utilities.dialogOK(m_store.syncToCloudFromLocal() ? QStringLiteral("Sync to iCloud succesfully!")
+                                                        : QStringLiteral("Error sync to iCloud!"));
 }
 
 void ViewController::UpdateFromCoud(QObject *)
@@ -42,10 +40,8 @@ void ViewController::UpdateFromCoud(QObject *)
     m_waitingFor = tr("Merging from the cloud");
     const bool updated = m_store.syncToLocalFromCloud();
     QThread::sleep(1);
-    if (updated)
-        m_utilities.dialogOK(QStringLiteral("Sync from iCloud succesfully!"));
-    else
-        m_utilities.dialogOK(QStringLiteral("Error sync from iCloud!"));
+    m_utilities.dialogOK(updated ? QStringLiteral("Sync from iCloud succesfully!")
+                                 : QStringLiteral("Error sync from iCloud!"));
 }
 
 // Commands would change the list that is being copied.
