@@ -184,22 +184,6 @@ private Q_SLOTS:
         QCOMPARE(TemporaryHome::content(m_home.listPath()), QByteArray());
     }
 
-    void goesOnWithTheDay()
-    {
-        m_program.reset();
-        std::optional<TimeZone> zone("WST12");
-        const QByteArray today = QDate::currentDate().toString(u"M/d/yy"_s).toUtf8();
-        TemporaryHome::write(m_home.listPath(), "1/1/24|Call||1.0|1.0|1.0|1.0|" + today +
-                                                    "|0|0|Open|Low|key-1|false|8|0|9|0||^");
-        m_program = std::make_unique<StartedApplication>();
-        press(Qt::Key_0);
-        QCOMPARE(shown(), u"Call"_s);
-        zone.emplace("EST-14");                                      // where it is never the same day
-        Q_EMIT qApp->applicationStateChanged(Qt::ApplicationActive); // as a computer that wakes up
-        QCOMPARE(shown(), QString());
-        window().close();
-    }
-
 private:
     ViewController &window() const { return *m_program->window; }
     void press(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::ControlModifier)

@@ -10,7 +10,6 @@ namespace {
 using Request = ScriptedContainer::Request;
 using Fate = ScriptedContainer::Fate;
 
-const QRegularExpression isKey(u"^[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}$"_s);
 const Color light(0.1, 0.3, 0.7, 0.5);
 
 task named(const char *key, const char *name = "Name", bool hidden = false)
@@ -128,27 +127,6 @@ private Q_SLOTS:
             const task reread = tasksInText(taskListText({merged}, false), {}, false).value(0);
             for (const QDateTime &day : {merged.date, merged.due, reread.date, reread.due})
                 QCOMPARE(day.date(), here);
-        }
-    }
-
-    // A key that is made of the record's name is the same with the next merge.
-    void givesEachRecordWithoutAKeyATaskOfItsOwn()
-    {
-        Cloud cloud;
-        cloud.put({named("A", "one"), named("B", "two"), named("C", "three"), named("NoKey", "four")});
-        runAt(cloud.place, u"UPDATE \"cloud_private_Task\" SET \"key\" = NULL WHERE \"key\" = 'A'"_s);
-        runAt(cloud.place, u"UPDATE \"cloud_private_Task\" SET \"key\" = '' WHERE \"key\" IN ('B', 'C')"_s);
-        for (int merge = 0; merge < 2; ++merge) {
-            QVERIFY(cloud.store.syncToLocalFromCloud());
-            QStringList names;
-            QSet<QString> different;
-            for (const task &t : cloud.store.tasks()) {
-                names += t.name;
-                different += t.key;
-                QVERIFY2(t.key == u"NoKey"_s || isKey.match(t.key).hasMatch(), qPrintable(t.key));
-            }
-            QCOMPARE(names.join(u' '), u"one two three four"_s);
-            QCOMPARE(different.size(), 4);
         }
     }
 

@@ -112,7 +112,6 @@ private Q_SLOTS:
             put(disk.file, contentOf(disk.file).replace(4096, 4096, QByteArray(4096, '\xff')));
         });
         row("a newer version", u"newer version"_s, sql(u"PRAGMA user_version = 2"_s));
-        row("another program's", u"something else"_s, sql(u"PRAGMA user_version = 0"_s));
         row("a table without the attribute", u"phoneNo"_s, sql(u"ALTER TABLE Clients DROP COLUMN phoneNo"_s));
         row("locked by another program", u"locked"_s, sql(u"BEGIN EXCLUSIVE"_s));
         row("a folder", u"Is a directory"_s,

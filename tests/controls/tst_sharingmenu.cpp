@@ -28,17 +28,6 @@ private Q_SLOTS:
         QCOMPARE(qvariant_cast<QImage>(copied->imageData()), m_picture);
     }
 
-    void putsAWholeTextIntoTheDraft()
-    {
-        const QString text = u"a & b + 100% #1 ?=é🎉\n\nsecond line\nlast"_s;
-        const QUrl draft = SharingMenu::draftOf(text);
-        QCOMPARE(draft.scheme(), u"mailto"_s);
-        QByteArray body = draft.toEncoded();
-        body = QByteArray::fromPercentEncoding(body.sliced(QByteArray("mailto:?body=").size()));
-        QCOMPARE(QString::fromUtf8(body).replace(QLatin1String("\r\n"), QLatin1String("\n")), text);
-        QVERIFY(!draft.toEncoded().contains('+'));
-    }
-
     // A program of that name stands for the desktop's, and writes down what it was given.
     void attachesThePictureToADraft()
     {

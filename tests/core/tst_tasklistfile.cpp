@@ -137,22 +137,6 @@ private Q_SLOTS:
         }
     }
 
-    void leavesTheDefaultTimesToTheUser()
-    {
-        TemporaryHome home;
-        TemporaryHome::write(home.listPath(), row());
-        Run run(home);
-        run.read();
-        QCOMPARE(taskListText({run.store.getSelectedTask()}, false).split('|').mid(14, 4).join(' '),
-                 "8 0 17 0");
-        run.store.setSelected(u"KEY"_s);
-        QVERIFY(run.store.cloneSelected(nullptr) && run.file.saveToFile());
-        TemporaryHome::write(home.listPath(),
-                             row({{15, "6"}, {16, "7"}, {17, "8"}, {18, "9"}}) + row({}, 14));
-        QVERIFY(run.file.takeUpChanges());
-        QCOMPARE(run.store.defaultTimes().endMin, 45);
-    }
-
     void putsTwoDigitYearsAroundToday()
     {
         const auto dayOf = [](QDate today, const QByteArray &text) {
@@ -210,20 +194,6 @@ private Q_SLOTS:
             QCOMPARE(TemporaryHome::content(home.listPath()), bytes);
         }
         QCOMPARE(run.file.invertedColors(), run.store.inDarkMode());
-    }
-
-    void keepsTheLongRowsOfAnotherProgram()
-    {
-        TemporaryHome home;
-        TemporaryHome::write(home.listPath(), row());
-        Run run(home);
-        run.read();
-        add(run.store, {.key = u"b"_s});
-        const QByteArray theirs = row() + row({{2, "wide"}}, 21);
-        TemporaryHome::write(home.listPath(), theirs);
-        QVERIFY(run.file.saveToFile());
-        QVERIFY(TemporaryHome::content(home.listPath()).contains("|wide|"));
-        QVERIFY(home.kept().contains(theirs));
     }
 
     void tracesWhatItReadsAndWrites()

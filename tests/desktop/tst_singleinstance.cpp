@@ -3,7 +3,6 @@
 
 #include <desktop/singleinstance.h>
 
-#include <sys/file.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -52,19 +51,6 @@ private Q_SLOTS:
         auto later = std::async(std::launch::async, [this] { return SingleInstance(m_folder).claim(); });
         QTRY_VERIFY(later.wait_for(std::chrono::seconds(0)) == std::future_status::ready);
         QCOMPARE(later.get(), Claim::RaisedOther);
-    }
-
-    void waitsForOneThatHoldsTheDataAndIsSilent()
-    {
-        put(m_folder + u"/oblino.lock"_s, {});
-        QFile lock(m_folder + u"/oblino.lock"_s);
-        QVERIFY(lock.open(QIODevice::ReadWrite));
-        QCOMPARE(::flock(lock.handle(), LOCK_EX), 0);
-        QCOMPARE(SingleInstance(m_folder).claim(), Claim::OtherSilent);
-        auto later = std::async(std::launch::async, [this] { return SingleInstance(m_folder).claim(); });
-        QCOMPARE(later.wait_for(std::chrono::milliseconds(150)), std::future_status::timeout);
-        lock.close();
-        QCOMPARE(later.get(), Claim::First);
     }
 
 private:

@@ -4,8 +4,6 @@
 
 #include <files/earlierversions.h>
 
-#include <unistd.h>
-
 using Reason = VersionReason;
 
 namespace {
@@ -88,23 +86,6 @@ private Q_SLOTS:
             const bool isPrivate = blocked == 0 || blocked == 2;
             QVERIFY(!isPrivate || statusOf(place.paths[blocked]).st_mode == (S_IFDIR | 0700U));
         }
-    }
-
-    void takesNothingOfOthersInASharedFolder()
-    {
-        const Folders place;
-        const QString name = place.paths.last() + u"/2024-03-08 09.05.0%1 [rescued] plan.txt"_s;
-        put(name.arg(1), "of this user");
-        put(place.folder.filePath(u"elsewhere"_s), "linked");
-        QVERIFY(QFile::link(place.folder.filePath(u"elsewhere"_s), name.arg(2)));
-        QVERIFY(QDir().mkdir(name.arg(3)));
-        put(name.arg(4), "of another user");
-        const bool isOthers = ::chown(QFile::encodeName(name.arg(4)).constData(), nobody, nobody) == 0;
-        QVERIFY(isOthers || ::geteuid() != 0);
-        QCOMPARE(place.versions.rescued().size(), isOthers ? 1 : 2);
-        QCOMPARE(place.versions.rescued().constLast().path, name.arg(1));
-        const EarlierVersion linked{name.arg(2), {}, Reason::Rescued};
-        QCOMPARE(place.versions.read(linked).outcome, FileReading::Outcome::Failed);
     }
 
     void keepsThirtyDaysAndTheNewestOfAReason()

@@ -68,7 +68,6 @@ struct Window : Store
 
 const QString filled = u" my twilioSID| my twillioSecret| my twillioSendingPhoneNo| my twillioMessageTitle|"
                        " my twillioTestPhoneNo| my twillioMessageFooter|1|1|1500"_s;
-const QString blank = u"||||||0|0|0"_s;
 
 } // namespace
 

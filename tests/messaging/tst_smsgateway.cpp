@@ -150,13 +150,6 @@ private Q_SLOTS:
                      qPrintable(QString(c)));
     }
 
-    void pausesWithinThirtyTwoBitsOfMicroseconds()
-    {
-        QCOMPARE(smsPause(-1).count(), 0);
-        for (const qint64 longest : {4'294'967LL, 4'294'968LL, std::numeric_limits<qint64>::max()})
-            QCOMPARE(smsPause(longest).count(), 4'294'967'000);
-    }
-
     void pausesAfterAnAnswerOfEitherKind()
     {
         Account a;

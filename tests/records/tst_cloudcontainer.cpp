@@ -156,17 +156,6 @@ private Q_SLOTS:
         QCOMPARE(runAt(m_place, u"SELECT count(*) FROM "_s + table).toInt(), 1);
     }
 
-    void endsInTheMiddleOfItsWork()
-    {
-        const auto answers = saveMany(*m_container, 20'000);
-        QTRY_VERIFY(answers->good > 0);
-        m_container.reset();
-        const int answered = answers->good;
-        QTRY_COMPARE(answers.use_count(), 1); // then nobody is left who could answer
-        QCOMPARE(answers->good, answered);
-        QVERIFY(runAt(m_place, u"SELECT count(*) FROM "_s + table).toInt() >= answered);
-    }
-
 private:
     StoreLocation newPlace()
     {

@@ -60,19 +60,6 @@ private Q_SLOTS:
         QVERIFY2(why.contains(words) && why.isEmpty() == words.isEmpty(), qPrintable(why));
     }
 
-    void goesOnWithWhatWaitsWhenThePasswordIsKnown()
-    {
-        const QString password = std::exchange(m_place.password, u"wrong"_s);
-        const auto container = newContainer();
-        HeldAnswer held(*container);
-        const auto waited = saveMany(*container, 5);
-        m_place.password = password;
-        container->setLocation(m_place);
-        held.release();
-        QCOMPARE(std::get<0>(find(*container)).size(), 5);
-        QCOMPARE(waited->good, 5);
-    }
-
     void connectsByTlsToTheServerOfThatName_data()
     {
         const Table<QString, TlsMode, bool, bool> row;

@@ -113,28 +113,6 @@ private Q_SLOTS:
         QTRY_VERIFY(w.differences().contains(u"+1 −2 ≠1"_s));
     }
 
-    void restoresSingleTasks()
-    {
-        Window w;
-        w.keep(before);
-        w.open();
-        QCOMPARE(w.button("restoreTasksButton").toolTip(), u"Select tasks of the version first."_s);
-        clickCell(w.look(), 0, nameColumn);
-        clickCell(w.look(), 1, nameColumn, Qt::ControlModifier);
-        const QSignalSpy added(&w.store, &TaskManager::taskAdded);
-        click(*w.window, "restoreTasksButton");
-        QCOMPARE(added, QList<QVariantList>{{u"B"_s}});
-        const QByteArray others = row("C", "Sweep") + row("D", "Mow") + row("E", "Rake");
-        QCOMPARE(w.file(), row("A", "Order timber") + others + row("B", "Fix the roof"));
-        QVERIFY(w.home.kept().contains(present));
-
-        Window part;
-        part.keep(row("A", "Order oak"), VersionReason::Conflict);
-        part.open();
-        part.restore();
-        QCOMPARE(part.file(), row("A", "Order oak") + others);
-    }
-
     void restoresNotesAndBoard()
     {
         Window w;

@@ -146,30 +146,6 @@ private Q_SLOTS:
         QCOMPARE(eraser.left().sliced(3), (QList<qsizetype>{1, 1, 0}));
         QVERIFY(eraser.reloads == 1 && eraser.erasuresTold == 1 && eraser.store.tasks().size() == 1);
     }
-
-    void waitsForTheCloud()
-    {
-        Eraser eraser;
-        const auto hold = [&eraser](Request request, const std::function<void()> &deed) {
-            eraser.cloud.setFate(request, Fate::Hold);
-            QTimer::singleShot(100, eraser.window.get(), [&eraser, deed] {
-                deed();
-                eraser.cloud.release();
-            });
-        };
-        hold(Request::Query, [&] { eraser.erase({"deleteTasks"}); });
-        QVERIFY(eraser.store.syncToCloudFromLocal());
-        QCOMPARE(eraser.told(), QStringList()); // else it would go on arriving there
-
-        bool wasHeld = false;
-        hold(Request::Delete, [&] {
-            eraser.window->close();
-            wasHeld = eraser.window->isVisible() && !eraser.window->isEnabled();
-        });
-        eraser.erase({"deleteICloud"});
-        QCOMPARE(eraser.told(), (QStringList{u"\nTasks\niCloud"_s, allGone}));
-        QVERIFY(wasHeld && eraser.window->isEnabled() && eraser.window->isVisible());
-    }
 };
 
 OBLINO_TEST(tst_eraser, QApplication)

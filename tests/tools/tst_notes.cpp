@@ -130,22 +130,6 @@ private Q_SLOTS:
         QCOMPARE(notes.edit().toPlainText(), u"one\ntwo lines\n"_s);
     }
 
-    void aTextOutlivesItsFolderAndTheWindow()
-    {
-        const Notes notes("a");
-        const QString away = notes.home.documents() + u".away"_s;
-        QVERIFY(QFile::rename(notes.home.documents(), away));
-        QTRY_VERIFY(notes.pad->isUnsaved());
-        QVERIFY(QFile::rename(away, notes.home.documents()));
-        QTRY_VERIFY(!notes.pad->isUnsaved() && notes.notice().isEmpty());
-        QVERIFY(QFile::rename(notes.home.documents(), away));
-        notes.type(u"b"_s);
-        notes.close();
-        QVERIFY(notes.pad && QFile::rename(away, notes.home.documents()));
-        delete notes.pad;
-        QCOMPARE(notes.saved(), "ab");
-    }
-
     void whateverCallFailsTheTextIsInTheFileOrStillUnsaved_data()
     {
         const Table<QByteArray, Bytes, QString, int>

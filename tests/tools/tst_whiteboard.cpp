@@ -34,22 +34,6 @@ private Q_SLOTS:
         QCOMPARE(board.at({{450, 100}, {450, 104}}), (Colors{Qt::red, white}));
     }
 
-    void aStraightLineGoesFromPressToRelease()
-    {
-        Board board;
-        const auto mode = [&board] {
-            const auto &button = find<QPushButton>(*board.window, "lineButton");
-            return QVariantList{button.toolTip(), button.icon().name(), int(board.area().cursor().shape())};
-        };
-        QCOMPARE(mode(), (QVariantList{u"DRAW"_s, u"AppLineCurveIcon"_s, int(Qt::ArrowCursor)}));
-        board.click("lineButton");
-        const QByteArray traces = tracesOf([&] { board.stroke(corner); });
-        QVERIFY2(traces.contains("LineStart: 100 100\n") && traces.contains("LineEnd: 300 300\n"), traces);
-        QCOMPARE(board.at({{200, 200}, {100, 200}}), (Colors{black, white}));
-        board.reopen(); // the mode lasts
-        QCOMPARE(mode(), (QVariantList{u"STRAIGHT LINE"_s, u"AppLineIcon"_s, int(Qt::CrossCursor)}));
-    }
-
     void theSavedPictureStaysWhileNothingIsDrawn()
     {
         Board board;
