@@ -16,7 +16,7 @@ display_packages=(xvfb xauth xdotool imagemagick)
 # For pictures of every window, beside those.
 picture_packages=(dbus python3)
 test_packages=(
-    libbenchmark-dev libxcb1-dev dbus xvfb xauth xdotool strace util-linux openssl postgresql clang-format clang-tidy python3
+    libbenchmark-dev libxcb1-dev dbus gnome-keyring xvfb xauth xdotool strace util-linux openssl postgresql clang-format clang-tidy python3
     tzdata
 )
 

@@ -3,6 +3,7 @@
 #include <support/postgresserver.h>
 #include <support/test.h>
 
+#include <controls/theme.h>
 #include <records/cloudsession.h>
 #include <records/windows/cloudaccountwindow.h>
 #include <records/windows/passwordprompt.h>
@@ -181,6 +182,25 @@ private Q_SLOTS:
         QVERIFY(files.hasNext());
         while (files.hasNext())
             QVERIFY(!TemporaryHome::content(files.next()).contains("secret"));
+    }
+
+    void warnsReadablyWhenTheDesktopGetsDark()
+    {
+        Desktop desktop(CloudAccount{});
+        desktop.openWindow();
+        QTest::keyClick(&desktop.find("serverButton"), Qt::Key_Space);
+        QTest::keyClick(desktop.window.get(), Qt::Key_Return); // without a host
+        const auto &warning = desktop.find<QLabel>("hostProblem");
+        QVERIFY(warning.isVisible());
+        const QPalette before = QApplication::palette();
+        for (const bool dark : {true, false, true}) {
+            QApplication::setPalette(calmPalette(dark));
+            QTRY_COMPARE(warning.palette().color(QPalette::Window),
+                         calmPalette(dark).color(QPalette::Window));
+            const int lightness = warning.palette().color(QPalette::WindowText).lightness();
+            QVERIFY2(dark ? lightness > 180 : lightness < 100, qPrintable(QString::number(lightness)));
+        }
+        QApplication::setPalette(before);
     }
 
     void asksAgainForAPasswordThatTheServerRefuses()

@@ -50,9 +50,10 @@ Certificate::Certificate(const QString &names)
     QFile keyFile(folder.filePath(u"key"_s));
     QFile file(folder.filePath(u"certificate"_s));
     // Not by QProcess: the thread sanitizer loses sight of a thread that calls vfork().
-    const QString command = u"openssl req -x509 -newkey ec -pkeyopt ec_paramgen_curve:prime256v1 -nodes "
-                            "-subj '/CN=a server of the tests' -addext 'subjectAltName=%1' "
-                            "-keyout '%2' -out '%3' 2>/dev/null"_s.arg(names, keyFile.fileName(), file.fileName());
+    const QString command =
+        u"openssl req -x509 -newkey ec -pkeyopt ec_paramgen_curve:prime256v1 -nodes "
+        "-subj '/CN=a server of the tests' -addext 'subjectAltName=%1' "
+        "-keyout '%2' -out '%3' 2>/dev/null"_s.arg(names, keyFile.fileName(), file.fileName());
     if (std::system(command.toLocal8Bit().constData()) != 0 || !keyFile.open(QIODevice::ReadOnly) ||
         !file.open(QIODevice::ReadOnly))
         qFatal("openssl made no certificate");

@@ -1,7 +1,7 @@
 #include <records/windows/cloudaccountwindow.h>
 
 #include <base/dispatch.h>
-#include <controls/theme.h>
+#include <controls/warninglabel.h>
 #include <records/cloudaccounts.h>
 #include <records/cloudsession.h>
 #include <ui_cloudaccountwindow.h>
@@ -35,23 +35,9 @@ QString problemOfHost(const QString &hosts)
     return {};
 }
 
-// A warning, hidden where there are no words.
-void showWarning(QLabel *label, const QString &message)
+void showFieldError(QWidget *field, WarningLabel *label, const QString &message)
 {
-    constexpr QRgb onLight = 0xffa8201a;
-    constexpr QRgb onDark = 0xffffb4a9;
-    QPalette colours = QApplication::palette();
-    const QColor color(isDark(colours) ? onDark : onLight);
-    colours.setColor(QPalette::Active, QPalette::WindowText, color);
-    colours.setColor(QPalette::Inactive, QPalette::WindowText, color);
-    label->setPalette(colours);
-    label->setText(message);
-    label->setVisible(!message.isEmpty());
-}
-
-void showFieldError(QWidget *field, QLabel *label, const QString &message)
-{
-    showWarning(label, message);
+    label->setWarning(message);
     field->setAccessibleDescription(message);
 }
 
@@ -75,10 +61,6 @@ CloudAccountWindow::CloudAccountWindow(CloudSession &session, QWidget *parent)
     m_okButton->setObjectName(QStringLiteral("okButton"));
     m_okButton->setDefault(true);
     m_ui->buttons->addButton(tr("Cancel"), QDialogButtonBox::RejectRole);
-    for (QLabel *label : findChildren<QLabel *>()) {
-        if (label->objectName().endsWith(QLatin1String("Problem")))
-            showWarning(label, {});
-    }
     m_ui->testProgress->hide();
     m_ui->testResult->hide();
     showAccount(session.account());
@@ -101,7 +83,7 @@ void CloudAccountWindow::connectControls()
     for (QLineEdit *field : {m_ui->hostField, m_ui->databaseField, m_ui->userField, m_ui->passwordField})
         connect(field, &QLineEdit::textChanged, this, &CloudAccountWindow::invalidateTest);
     connect(m_ui->portField, &QSpinBox::textChanged, this, &CloudAccountWindow::invalidateTest);
-    const auto renew = [this](auto *field, QLabel *problem) {
+    const auto renew = [this](auto *field, WarningLabel *problem) {
         using Field = std::remove_pointer_t<decltype(field)>;
         connect(field, &Field::textChanged, this, [field, problem] { showFieldError(field, problem, {}); });
     };
@@ -164,9 +146,9 @@ void CloudAccountWindow::showChoice()
     m_ui->rememberBox->setToolTip(m_session.canRemember() ? QString()
                                                           : tr("There is no keyring that can be used."));
     if (!onServer) {
-        for (QLabel *problem :
+        for (WarningLabel *problem :
              {m_ui->hostProblem, m_ui->portProblem, m_ui->databaseProblem, m_ui->userProblem})
-            showWarning(problem, {});
+            problem->setWarning({});
     }
     invalidateTest();
 }
@@ -175,16 +157,16 @@ void CloudAccountWindow::showSecurity()
 {
     switch (enteredTlsMode()) {
     case TlsMode::VerifyFull:
-        showWarning(m_ui->securityWarning, {});
+        m_ui->securityWarning->setWarning({});
         break;
     case TlsMode::Require:
-        showWarning(m_ui->securityWarning,
-                    tr("Whoever answers in the server's place can read and change everything."));
+        m_ui->securityWarning->setWarning(
+            tr("Whoever answers in the server's place can read and change everything."));
         break;
     case TlsMode::Disable:
-        showWarning(m_ui->securityWarning,
-                    tr("Everybody on the way to the server can read and change everything, "
-                       "the password too."));
+        m_ui->securityWarning->setWarning(
+            tr("Everybody on the way to the server can read and change everything, "
+               "the password too."));
         break;
     }
     invalidateTest();
@@ -215,7 +197,7 @@ bool CloudAccountWindow::inputIsGood()
     struct Check
     {
         QWidget *field;
-        QLabel *label;
+        WarningLabel *label;
         QString problem;
     };
     const auto unless = [](bool good, const QString &message) { return good ? QString() : message; };
