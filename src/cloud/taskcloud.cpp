@@ -91,13 +91,16 @@ void TaskCloud::handleAccountStatus(AccountStatus status, const QString &reason,
 }
 
 // For an operation that does not wait. Its outcome is told when it is known.
-bool TaskCloud::perform(const std::function<bool(const Work &work)> &operation)
+bool TaskCloud::perform(const std::function<bool(const Work &work)> &operation,
+                        const std::function<void(bool succeeded)> &then)
 {
     const auto work = std::make_shared<CloudWork>();
     const auto untilAllIsAsked = work->begin();
-    work->setOnDone([this, done = work.get()] {
-        Dispatch::main(this, [this, succeeded = !done->hasFailed(), cause = done->cause()] {
+    work->setOnDone([this, then, done = work.get()] {
+        Dispatch::main(this, [this, then, succeeded = !done->hasFailed(), cause = done->cause()] {
             tellOutcome(succeeded, cause);
+            if (then)
+                then(succeeded);
         });
     });
     const bool flag = operation(work);
@@ -176,7 +179,37 @@ void TaskCloud::save(const CloudRecord &record, const std::shared_ptr<CloudOpera
 
 bool TaskCloud::deleteTask(const QString &key)
 {
-    return perform([&](const auto &work) { return remove(byKey(key), work); });
+    Deletion &deletion = m_deletions[key];
+    ++deletion.underWay;
+    deletion.restored.reset();
+    return perform([&](const auto &work) { return remove(byKey(key), work); },
+                   [this, key](bool succeeded) { finishDeletion(key, succeeded); });
+}
+
+void TaskCloud::finishDeletion(const QString &key, bool succeeded)
+{
+    Deletion &deletion = m_deletions[key];
+    deletion.hasSucceeded = deletion.hasSucceeded || succeeded;
+    if (--deletion.underWay > 0)
+        return;
+    const std::optional<task> restored = deletion.restored;
+    if (!deletion.hasSucceeded)
+        m_deletions.remove(key);
+    else if (restored)
+        restoreTask(*restored);
+}
+
+void TaskCloud::restoreTask(const task &t)
+{
+    const auto deletion = m_deletions.find(t.key);
+    if (deletion == m_deletions.end())
+        return;
+    if (deletion->underWay > 0) {
+        deletion->restored = t;
+        return;
+    }
+    m_deletions.erase(deletion);
+    addTask(t);
 }
 
 bool TaskCloud::remove(const RecordQuery &query, const Work &work)

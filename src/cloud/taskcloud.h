@@ -2,11 +2,13 @@
 
 #include <core/cloudoperations.h>
 
+#include <QHash>
 #include <QObject>
 
 #include <chrono>
 #include <functional>
 #include <memory>
+#include <optional>
 
 namespace oblino {
 
@@ -36,6 +38,7 @@ public:
     bool addTask(const task &t) override;
     bool editTask(const task &t) override;
     bool deleteTask(const QString &key) override;
+    void restoreTask(const task &t) override;
     bool deleteAll() override;
     bool send(const QList<task> &tasks) override;
     bool merge() override;
@@ -50,7 +53,9 @@ private:
                                                                  const char *noAccountMessage = nullptr);
     void handleAccountStatus(AccountStatus status, const QString &reason, CloudOperation &operation,
                              const char *noAccountMessage);
-    [[nodiscard]] bool perform(const std::function<bool(const Work &work)> &operation);
+    [[nodiscard]] bool perform(const std::function<bool(const Work &work)> &operation,
+                               const std::function<void(bool succeeded)> &then = {});
+    void finishDeletion(const QString &key, bool succeeded);
     void tellOutcome(bool succeeded, const QString &cause);
     [[nodiscard]] bool add(const task &t, const Work &work);
     [[nodiscard]] bool edit(const task &t, const Work &work);
@@ -60,11 +65,19 @@ private:
     void mergeRecords(const QList<CloudRecord> &records, CloudOperation &operation);
     void mergeIntoSelected(const task &t);
 
+    struct Deletion
+    {
+        int underWay = 0;
+        bool hasSucceeded = false;
+        std::optional<task> restored; // to be made again once it has
+    };
+
     TaskManager &m_store;
     CloudContainer &m_container;
     NotificationCenter &m_notifications;
     std::chrono::milliseconds m_timeout;
     int m_waits = 0;
+    QHash<QString, Deletion> m_deletions; // by the keys of single tasks
 };
 
 } // namespace oblino

@@ -29,6 +29,9 @@ public:
     virtual bool editTask(const task &t) = 0;
     /// Deletes every record with the key.
     virtual bool deleteTask(const QString &key) = 0;
+    /// Makes a record again of a task whose records deleteTask() has deleted, or once it has; none where
+    /// there was none.
+    virtual void restoreTask(const task &t) = 0;
 
     /// Deletes every record of a task.
     virtual bool deleteAll() = 0;

@@ -41,6 +41,18 @@ task makeTask(const QString &key, const QDateTime &date, const QString &name, co
             .endMin = endMin};
 }
 
+void closeTask(task &t)
+{
+    t.status = ClosedStatus;
+    t.statusName = QStringLiteral("Closed");
+}
+
+void reopenTask(task &t)
+{
+    t.status = OpenStatus;
+    t.statusName = QStringLiteral("Open");
+}
+
 void appendTrace(QByteArray &line, const task &t)
 {
     appendTrace(line, QStringView(t.key));

@@ -57,6 +57,11 @@ struct task
 /// The two values of task::status that have a meaning of their own.
 enum TaskStatus : qint64 { OpenStatus = 0, ClosedStatus = 1 };
 
+/// Sets a task to status 1, "Closed".
+void closeTask(task &t);
+/// Sets a task to status 0, "Open".
+void reopenTask(task &t);
+
 /// The trace form of a task: its key and its name.
 void appendTrace(QByteArray &line, const task &t);
 

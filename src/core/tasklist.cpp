@@ -31,6 +31,15 @@ const QList<task> &TaskList::tasks() const
 
 void TaskList::setTasks(QList<task> tasks)
 {
+    if (m_isRecording && !m_isSearching) {
+        for (const ListChange &change : ListChange::between(m_tasks, tasks))
+            record(ChangeKind::Restore, change);
+    }
+    assign(std::move(tasks));
+}
+
+void TaskList::assign(QList<task> tasks)
+{
     m_view.keep(viewed());
     m_results.reset();
     m_tasks = std::move(tasks);
@@ -40,6 +49,10 @@ void TaskList::setTasks(QList<task> tasks)
 
 void TaskList::setBackup(QList<task> tasks)
 {
+    if (m_isRecording && m_isSearching) {
+        for (const ListChange &change : ListChange::between(m_backup, tasks))
+            record(ChangeKind::Restore, change);
+    }
     copyResults();
     m_backup = std::move(tasks);
     if (m_isSearching)
@@ -53,7 +66,7 @@ void TaskList::setIsSearching(bool searching)
     if (searching)
         m_backup = m_tasks;
     else
-        setTasks(m_backup);
+        assign(m_backup);
     m_isSearching = searching;
 }
 
@@ -84,16 +97,24 @@ const task *TaskList::selectedTask() const
     return m_selected >= 0 && m_selected < all().size() ? &all().at(m_selected) : nullptr;
 }
 
-task *TaskList::selectedTask()
+bool TaskList::changeSelected(ChangeKind kind, const std::function<void(task &)> &change)
 {
-    if (!std::as_const(*this).selectedTask())
-        return nullptr;
+    const task *const selected = selectedTask();
+    if (!selected)
+        return false;
+    const task before = *selected;
+    task &changed = all()[m_selected];
+    change(changed);
     m_search.change(m_selected);
-    return &all()[m_selected];
+    if (m_isRecording)
+        record(kind, ListChange::exchanged({m_selected}, {before}, {m_selected}, {changed}));
+    return true;
 }
 
-void TaskList::append(task t)
+void TaskList::append(task t, ChangeKind kind)
 {
+    if (m_isRecording)
+        record(kind, ListChange::exchanged({}, {}, {all().size()}, {t}));
     all().append(std::move(t));
 }
 
@@ -107,6 +128,8 @@ void TaskList::sort(const SortDescriptor &descriptor)
 {
     copyResults();
     TaskPlaces order = placesInOrder(m_tasks, descriptor);
+    if (m_isRecording && !m_isSearching)
+        record(ChangeKind::Sort, ListChange::reordered(order));
     m_view.follow(order);
     m_tasks = rearranged(std::move(m_tasks), std::move(order));
     if (!m_isSearching)
@@ -115,7 +138,7 @@ void TaskList::sort(const SortDescriptor &descriptor)
 
 bool TaskList::moveSelected(bool up)
 {
-    const task *const moved = std::as_const(*this).selectedTask();
+    const task *const moved = selectedTask();
     if (!moved)
         return false;
     copyResults();
@@ -124,6 +147,10 @@ bool TaskList::moveSelected(bool up)
     const bool bothExist = position >= 0 && other >= 0 && other < m_tasks.size();
     if (!bothExist)
         return false;
+    if (m_isRecording && !m_isSearching) {
+        const task stays = m_tasks.at(position);
+        record(ChangeKind::Move, ListChange::exchanged({position}, {stays}, {other}, {stays}));
+    }
     m_tasks.swapItemsAt(position, other);
     m_view.exchange(position, other);
     if (!m_isSearching)
@@ -133,8 +160,11 @@ bool TaskList::moveSelected(bool up)
 
 void TaskList::removeSelected()
 {
-    if (!std::as_const(*this).selectedTask())
+    const task *const removed = selectedTask();
+    if (!removed)
         return;
+    if (m_isRecording)
+        record(ChangeKind::Delete, ListChange::exchanged({m_selected}, {*removed}, {}, {}));
     copyResults();
     if (!m_isSearching)
         m_view.setTasks(m_view.tasks(m_tasks));
@@ -144,9 +174,12 @@ void TaskList::removeSelected()
 
 void TaskList::clear()
 {
-    setTasks({});
+    assign({});
     m_backup.clear();
     m_search.clear();
+    m_steps.clear();
+    if (m_isRecording)
+        m_steps.append({ChangeKind::Erase, {}});
 }
 
 // Before the places change: results and rows stay what they are.

@@ -3,13 +3,16 @@
 #include <core/sortdescriptor.h>
 #include <core/task.h>
 #include <core/tasksearch.h>
+#include <core/taskstep.h>
 #include <core/taskview.h>
 
 #include <QDate>
 #include <QList>
 #include <QString>
 
+#include <functional>
 #include <optional>
+#include <utility>
 
 namespace oblino {
 
@@ -46,11 +49,11 @@ public:
     void select(const QString &key);
     /// Null where nothing is selected.
     [[nodiscard]] const task *selectedTask() const;
-    /// The same, to be changed at once.
-    [[nodiscard]] task *selectedTask();
+    /// @return whether a task was selected, and so changed
+    bool changeSelected(ChangeKind kind, const std::function<void(task &)> &change);
 
     /// Adds a task at the end of all().
-    void append(task t);
+    void append(task t, ChangeKind kind = ChangeKind::Add);
     /// Inverts the colour of every task.
     void invertColors();
     /// Reorders tasks().
@@ -61,10 +64,35 @@ public:
     void removeSelected();
     void clear();
 
+    // Several tasks of all() at once. The rows of the table are gone after these, until setFilter(); the
+    // results of a search, until search().
+
+    /// The places in all() of rows of the table, rising.
+    [[nodiscard]] TaskPlaces placesOfRows(const QList<int> &rows) const;
+    /// @param places  rising, as in the next two
+    void change(ChangeKind kind, const TaskPlaces &places, const std::function<void(task &)> &change);
+    void remove(const TaskPlaces &places);
+    /// Puts tasks, one behind the other, before the task that stands at a place, or at the end.
+    void move(const TaskPlaces &places, qsizetype before);
+
+    // What was done to all(), to be taken back
+
+    /// From now on steps are kept, or no longer.
+    void setRecording(bool isOn) { m_isRecording = isOn; }
+    [[nodiscard]] bool isRecording() const { return m_isRecording; }
+    /// Keeps a change that was made, together with the last one where that was of the same kind.
+    void record(ChangeKind kind, const ListChange &change);
+    [[nodiscard]] QList<TaskStep> takeSteps() { return std::exchange(m_steps, {}); }
+    /// Takes a step back that was the last, or makes it again.
+    void replay(const TaskStep &step, bool back);
+
 private:
     [[nodiscard]] QList<task> &all() { return m_isSearching ? m_backup : m_tasks; }
     [[nodiscard]] const QList<task> &viewed() const { return m_results ? m_backup : m_tasks; }
+    void assign(QList<task> tasks);
     void copyResults();
+    void releaseRows();
+    void make(ChangeKind kind, const ListChange &change);
 
     mutable QList<task> m_tasks;
     QList<task> m_backup;
@@ -75,6 +103,8 @@ private:
     TaskSearch m_search; // of all()
     TaskView m_view;     // of viewed()
     qint64 m_selected = -1;
+    bool m_isRecording = false;
+    QList<TaskStep> m_steps;
 };
 
 } // namespace oblino

@@ -2,6 +2,7 @@
 #include <core/tasklistfile.h>
 
 #include <base/trace.h>
+#include <core/changescope.h>
 #include <core/listdifference.h>
 #include <core/taskkey.h>
 #include <core/tasklistreader.h>
@@ -145,6 +146,7 @@ void TaskListFile::replaceList(SafeFile &file, const FileReading &reading)
     file.take(reading);
     m_onlyHere.clear();
     m_trouble.clear();
+    const ChangeScope scope(m_store, ChangeKind::OtherProgram);
     // The rows are added to the full list, which is `tasks` only outside a search.
     const bool searching = m_store.isSearching();
     m_store.setIsSearching(false);
@@ -175,6 +177,7 @@ bool TaskListFile::merge(SafeFile &file, const FileReading &reading)
     file.take(reading);
     m_theirs = reading.bytes;
     m_onlyHere.clear();
+    const ChangeScope scope(m_store, ChangeKind::OtherProgram);
     if (m_store.isSearching())
         m_store.setBackupTasks(merge.tasks);
     else
@@ -215,6 +218,8 @@ bool TaskListFile::kept(const QByteArray &bytes, VersionReason reason)
 
 void TaskListFile::interfaceModeChanged()
 {
+    ChangeScope scope(m_store, ChangeKind::OtherProgram);
+    const bool wasInverted = m_invertedColors;
     SafeFile *file = m_documents.file(name);
     if (file && (!m_unsaved || saveToFile())) {
         const FileReading reading = file->look();
@@ -226,6 +231,8 @@ void TaskListFile::interfaceModeChanged()
             (void)takeUp(*file);
     }
     followAppearance();
+    if (m_invertedColors != wasInverted)
+        scope.invertColors();
 }
 
 } // namespace oblino

@@ -33,20 +33,20 @@ QString TaskManager::addTask(const QString &key, const QDateTime &date, const QS
                             hidden, startHour, startMin, endHour, endMin, client, teamMember));
 }
 
-QString TaskManager::addTask(task t)
+QString TaskManager::addTask(task t, ChangeKind kind)
 {
-    QString key = appendTask(std::move(t));
+    QString key = appendTask(std::move(t), kind);
     tellAdded(key);
     return key;
 }
 
-QString TaskManager::appendTask(task t)
+QString TaskManager::appendTask(task t, ChangeKind kind)
 {
     if (t.key.isEmpty())
         t.key = newUuidText();
     m_defaultTimes = {t.startHour, t.startMin, t.endHour, t.endMin};
     trace("Add Task, hidden:", t.hidden);
-    m_list.append(std::move(t));
+    m_list.append(std::move(t), kind);
     return fullList().constLast().key;
 }
 
@@ -62,14 +62,39 @@ void TaskManager::editSelectedTask(const QDateTime &date, const QString &name, c
 
 void TaskManager::editSelectedTask(const task &t)
 {
-    if (task *const edited = m_list.selectedTask()) {
+    m_list.changeSelected(ChangeKind::Edit, [&t](task &edited) {
         task made = t;
-        made.key = edited->key;
-        made.hidden = edited->hidden;
-        *edited = std::move(made);
-    }
+        made.key = edited.key;
+        made.hidden = edited.hidden;
+        edited = std::move(made);
+    });
     m_defaultTimes = {t.startHour, t.startMin, t.endHour, t.endMin};
     trace("Edit Task");
+}
+
+void TaskManager::changeTasks(ChangeKind kind, const TaskPlaces &places,
+                              const std::function<void(task &)> &change)
+{
+    m_list.change(kind, places, change);
+    search();
+}
+
+void TaskManager::removeTasks(const TaskPlaces &places)
+{
+    m_list.remove(places);
+    search();
+}
+
+void TaskManager::moveTasks(const TaskPlaces &places, qsizetype before)
+{
+    m_list.move(places, before);
+    search();
+}
+
+void TaskManager::replay(const TaskStep &step, bool back)
+{
+    m_list.replay(step, back);
+    search();
 }
 
 void TaskManager::setFilter(qint64 itemStatus)

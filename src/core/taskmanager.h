@@ -135,9 +135,9 @@ public:
                     qint64 startMin, qint64 endHour, qint64 endMin, const QString &client,
                     const QString &teamMember);
     /// The same for a task that is already put together.
-    QString addTask(task t);
+    QString addTask(task t, ChangeKind kind = ChangeKind::Add);
     /// The same for a task that comes from a file or the cloud, without taskAdded().
-    QString appendTask(task t);
+    QString appendTask(task t, ChangeKind kind = ChangeKind::Add);
     /// Tells of a task of the full list as one that was added.
     void tellAdded(const QString &key) { Q_EMIT taskAdded(key); }
 
@@ -149,6 +149,26 @@ public:
                           qint64 endMin, const QString &client, const QString &teamMember);
     /// The same with the fields of a task.
     void editSelectedTask(const task &t);
+
+    // Several tasks at once. After these setFilter() brings the rows back. Places are those in fullList(),
+    // rising.
+
+    /// The places of rows of tasksInView(); of rows that were set by setTasksInView() none.
+    [[nodiscard]] TaskPlaces placesOfRows(const QList<int> &rows) const { return m_list.placesOfRows(rows); }
+    void changeTasks(ChangeKind kind, const TaskPlaces &places, const std::function<void(task &)> &change);
+    void removeTasks(const TaskPlaces &places);
+    /// Puts tasks, one behind the other, before the task that stands at a place, or at the end.
+    void moveTasks(const TaskPlaces &places, qsizetype before);
+
+    // Steps that can be taken back; see TaskUndo
+
+    /// From now on what is done to the full list is kept as steps, until they are taken.
+    void setRecording(bool isOn) { m_list.setRecording(isOn); }
+    [[nodiscard]] bool isRecording() const { return m_list.isRecording(); }
+    void record(ChangeKind kind, const ListChange &change) { m_list.record(kind, change); }
+    [[nodiscard]] QList<TaskStep> takeSteps() { return m_list.takeSteps(); }
+    /// Takes a step back that was the last, or makes it again where it was taken back last.
+    void replay(const TaskStep &step, bool back);
 
     /// Rebuilds tasksInView() for the view of that index.
     void setFilter(qint64 itemStatus);
@@ -178,6 +198,8 @@ public:
                          const QString &client, const QString &teamMember);
     /// Asks for every record with the key to be deleted. @return the flag so far
     bool deleteTaskToCloud(const QString &key);
+    /// Sends a task again whose records deleteTaskToCloud() has deleted, and has nothing else sent.
+    void restoreTaskToCloud(const task &t);
     /// Deletes every record of a task, and waits until that is done. @return whether it was
     bool deleteAllTasksToCloud();
     /// Sends every task of tasks() to the cloud, and waits until all are there. @return whether they are
@@ -222,6 +244,8 @@ public:
     void setSharingPicker(SharingPicker *picker) { m_sharingPicker = picker; }
     /// Sets the selected task to status 1, "Closed". @return whether a task was selected
     bool closeSelected(QObject *sender);
+    /// Sets the selected task to status 0, "Open". @return whether a task was selected
+    bool reopenSelected();
     /// Adds a copy of the selected task with a new key. @return whether a task was selected
     bool cloneSelected(QObject *sender);
     [[nodiscard]] bool inDarkMode() const;

@@ -35,6 +35,12 @@ bool TaskManager::deleteTaskToCloud(const QString &key)
     return m_cloud && m_cloud->deleteTask(key);
 }
 
+void TaskManager::restoreTaskToCloud(const task &t)
+{
+    if (m_cloud)
+        m_cloud->restoreTask(t);
+}
+
 bool TaskManager::deleteAllTasksToCloud()
 {
     return m_cloud && m_cloud->deleteAll();

@@ -15,22 +15,22 @@ qint64 TaskManager::setSelected(const QString &key)
 
 bool TaskManager::closeSelected(QObject *)
 {
-    task *const closed = m_list.selectedTask();
-    if (!closed)
-        return false;
-    closed->status = ClosedStatus;
-    closed->statusName = QStringLiteral("Closed");
-    return true;
+    return m_list.changeSelected(ChangeKind::Close, &closeTask);
+}
+
+bool TaskManager::reopenSelected()
+{
+    return m_list.changeSelected(ChangeKind::Reopen, &reopenTask);
 }
 
 bool TaskManager::cloneSelected(QObject *)
 {
-    const task *const original = std::as_const(m_list).selectedTask();
+    const task *const original = m_list.selectedTask();
     if (!original)
         return false;
     task copy = *original;
     copy.key.clear();
-    addTask(std::move(copy));
+    addTask(std::move(copy), ChangeKind::Clone);
     return true;
 }
 
@@ -68,8 +68,8 @@ bool TaskManager::getHiddenSelected() const
 
 void TaskManager::setHiddenOfSelected(bool hidden)
 {
-    if (task *const found = m_list.selectedTask())
-        found->hidden = hidden;
+    m_list.changeSelected(hidden ? ChangeKind::Hide : ChangeKind::Unhide,
+                          [hidden](task &t) { t.hidden = hidden; });
 }
 
 } // namespace oblino

@@ -48,6 +48,13 @@ const task &TaskView::at(const QList<task> &list, qsizetype row) const
     return (m_kept ? *m_kept : list).at(m_places[static_cast<size_t>(row)]);
 }
 
+std::optional<qsizetype> TaskView::placeOf(qsizetype row) const
+{
+    if (m_kept || row < 0 || row >= size())
+        return {};
+    return m_places[static_cast<size_t>(row)];
+}
+
 QList<task> TaskView::tasks(const QList<task> &list) const
 {
     return tasksAt(m_kept ? *m_kept : list, m_places);

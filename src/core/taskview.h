@@ -28,6 +28,8 @@ public:
     [[nodiscard]] qsizetype size() const { return static_cast<qsizetype>(m_places.size()); }
     /// @param list  the list, in which the places are looked up
     [[nodiscard]] const task &at(const QList<task> &list, qsizetype row) const;
+    /// The place in the list of the task in a row; none where the rows are those of another list.
+    [[nodiscard]] std::optional<qsizetype> placeOf(qsizetype row) const;
     [[nodiscard]] QList<task> tasks(const QList<task> &list) const;
 
 private:

@@ -5,6 +5,7 @@
 #include <controls/searchfield.h>
 #include <ui/uiutil.h>
 #include <ui/windows/tasktable.h>
+#include <ui/windows/taskundo.h>
 #include <ui/windows/taskwindow.h>
 #include <ui_viewcontroller.h>
 
@@ -32,6 +33,8 @@ ViewController::ViewController(TaskManager &store, Documents &documents, UIUtil 
     , m_notifications(notifications)
     , m_file(store, documents)
     , m_watch(m_file.path())
+    , m_undo(new TaskUndo(
+          store, [this] { return m_file.invertedColors(); }, this))
     , m_dataFolder(dataFolder)
 {
     m_ui->setupUi(this);
@@ -49,6 +52,7 @@ void ViewController::viewDidLoad()
 {
     m_utilities.prepareSound();
     splitStringFile(readFromFile());
+    m_store.setRecording(true);
     m_ui->viewSelection->setCurrentIndex(0);
     for (const QString &identifier : TaskTableModel::identifiers())
         m_sortPrototypes.append({identifier, true});
@@ -153,11 +157,14 @@ void ViewController::interfaceModeChanged()
 
 bool ViewController::saveToFile()
 {
+    m_undo->take();
     m_ui->tblView->viewport()->repaint(); // the change is seen before the disk has taken its time
     const QString key = keyOfShownSelection();
     const bool saved = m_file.saveToFile();
     if (m_file.takeMerged())
         showChangedList(key);
+    m_undo->take(); // what another program has written
+    m_undo->setSaved();
     m_ui->noticeBar->showNotices({}); // of before this change
     showNotices();
     return saved;
@@ -187,6 +194,7 @@ void ViewController::takeUpChanges()
     const QString key = keyOfShownSelection();
     if (m_file.takeUpChanges()) {
         showChangedList(key);
+        m_undo->take();
         if (m_file.hasUnsavedChanges())
             saveToFile();
     }
@@ -203,6 +211,18 @@ void ViewController::showChangedList(const QString &selectedKey)
     }
     reinitForSearching();
     showOn(selectedKey);
+}
+
+// The end of a step that was undone, or done again.
+void ViewController::showReplayed(const QString &key, const QString &said)
+{
+    invalidateSortOrder();
+    reload();
+    disableSelectionButtons();
+    if (const int row = key.isEmpty() ? -1 : rowOfKey(key); row >= 0)
+        restoreSelection(key);
+    showMessage(said);
+    saveToFile();
 }
 
 void ViewController::dayChanged()

@@ -37,6 +37,7 @@ class ViewControllerAdd;
 struct TaskWindowContext;
 class TaskManager;
 class TaskTable;
+class TaskUndo;
 class UIUtil;
 
 /// The main window: turns the user's actions into operations of the task store, keeps table and commands in
@@ -177,6 +178,7 @@ private:
     void setSelectionCommandsEnabled(bool enabled);
     void invalidateSortOrder();
     void reverseOrder();
+    void showReplayed(const QString &key, const QString &said);
     void find();
     void copyTask();
     void copyKey();
@@ -205,6 +207,7 @@ private:
     TaskListFile m_file;
     FileWatch m_watch;
     TaskTableModel m_model;
+    TaskUndo *m_undo;
     QList<SortDescriptor> m_sortPrototypes;
     QString m_dataFolder;
     QPointer<ViewControllerAdd> m_addForm;

@@ -3,9 +3,11 @@
 
 #include <ui/uiutil.h>
 #include <ui/windows/tasktable.h>
+#include <ui/windows/taskundo.h>
 #include <ui_viewcontroller.h>
 
 #include <base/trace.h>
+#include <core/changescope.h>
 #include <core/taskmanager.h>
 
 #include <QLabel>
@@ -38,7 +40,11 @@ void ViewController::UpdateFromCoud(QObject *)
     if (!m_beforeCloud())
         return;
     m_waitingFor = tr("Merging from the cloud");
-    const bool updated = m_store.syncToLocalFromCloud();
+    const bool updated = [this] {
+        const ChangeScope scope(m_store, ChangeKind::Merge);
+        return m_store.syncToLocalFromCloud();
+    }();
+    m_undo->take();
     QThread::sleep(1);
     m_utilities.dialogOK(updated ? QStringLiteral("Sync from iCloud succesfully!")
                                  : QStringLiteral("Error sync from iCloud!"));

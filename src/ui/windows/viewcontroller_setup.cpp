@@ -7,6 +7,7 @@
 #include <controls/noticebar.h>
 #include <controls/searchfield.h>
 #include <ui/windows/tasktable.h>
+#include <ui/windows/taskundo.h>
 #include <ui_viewcontroller.h>
 
 #include <core/taskmanager.h>
@@ -122,6 +123,8 @@ void ViewController::connectCommands()
         QObject *sender = m_ui->commandBar->widgetForAction(action);
         connect(action, &QAction::triggered, this, std::bind_front(command, this, sender));
     }
+    m_undo->drive(*m_ui->undoAction, *m_ui->redoAction);
+    connect(m_undo, &TaskUndo::replayed, this, &ViewController::showReplayed);
     connect(m_ui->clearSearchAction, &QAction::triggered, m_ui->searchField, &QLineEdit::clear);
     connect(m_ui->quitAction, &QAction::triggered, this, &QWidget::close);
 

@@ -5,6 +5,7 @@
 #include <controls/searchfield.h>
 #include <ui/tabletexts.h>
 #include <ui/windows/tasktable.h>
+#include <ui/windows/taskundo.h>
 #include <ui_viewcontroller.h>
 
 #include <base/trace.h>
@@ -71,6 +72,7 @@ void ViewController::sortDescriptorsDidChange(int section, Qt::SortOrder order)
     trace("Sorting:", descriptor);
     const QString key = keyOfShownSelection();
     m_store.sort(descriptor);
+    m_undo->take();
     reload();
     restoreSelection(key);
 }
