@@ -73,6 +73,38 @@ private Q_SLOTS:
         QCOMPARE(main.saved(), u"pear"_s);
     }
 
+    void sendsATaskAgainWhoseDeletionIsUndone_data()
+    {
+        const Table<bool, bool, int> row;
+        row("deleted there", true, false, 2);
+        row("still being deleted there", true, true, 2);
+        row("never there", false, false, 0);
+    }
+    void sendsATaskAgainWhoseDeletionIsUndone()
+    {
+        const auto [isSent, isUnderWay, inCloud] = Table<bool, bool, int>::cells();
+        CloudWindow main;
+        if (isSent)
+            main.command("updateToCloudAction");
+        int answers = 0;
+        QObject::connect(&main.store, &TaskManager::cloudSucceeded, main.window.get(),
+                         [&answers] { ++answers; });
+        QObject::connect(&main.store, &TaskManager::cloudFailed, main.window.get(),
+                         [&answers] { ++answers; });
+        main.container.setFate(Request::Query, isUnderWay ? Fate::Hold : Fate::Pass);
+        main.clickRow(u"apple"_s);
+        main.click("deleteButton");
+        QTRY_COMPARE(answers, isUnderWay ? 0 : 1);
+        find<QAction>(*main.window, "undoAction").trigger();
+        QCOMPARE(main.file(), main.listAtStart);
+        main.container.setFate(Request::Query, Fate::Pass);
+        main.container.release();
+        QTRY_COMPARE(answers, isSent ? 2 : 1);
+        main.store.removeAll();
+        main.command("updateFromCloudAction");
+        QCOMPARE(main.store.fullList().size(), inCloud);
+    }
+
     void saysWhyTheCloudFailsUntilItWorks()
     {
         CloudWindow main;
