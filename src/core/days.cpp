@@ -32,6 +32,12 @@ QString shortDate(const QDateTime &moment, const QLocale &locale)
     return locale.toString(moment.date(), QLocale::ShortFormat);
 }
 
+QDateTime movedByDays(const QDateTime &moment, qint64 days)
+{
+    const bool isStart = moment == moment.date().startOfDay(); // which is not midnight everywhere
+    return isStart ? moment.date().addDays(days).startOfDay() : moment.addDays(days);
+}
+
 QString twoDigitTime(qint64 hour, qint64 minute)
 {
     return twoDigits(hour) + QLatin1Char(':') + twoDigits(minute);

@@ -15,6 +15,9 @@ DayOrder compareDays(QDate first, QDate second);
 /// The day of the moment in the short form of the locale.
 [[nodiscard]] QString shortDate(const QDateTime &moment, const QLocale &locale = QLocale());
 
+/// The same time of day some days later, or earlier: the start of the day where the moment was one.
+[[nodiscard]] QDateTime movedByDays(const QDateTime &moment, qint64 days);
+
 /// The time of day as two two-digit numbers joined by a colon: 9 and 5 give 09:05.
 [[nodiscard]] QString twoDigitTime(qint64 hour, qint64 minute);
 

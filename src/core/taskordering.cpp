@@ -225,6 +225,21 @@ Ordering byMoment(QDateTime task::*field)
     };
 }
 
+Ordering byDateAndTime()
+{
+    return [](const QList<task> &tasks, bool ascending) {
+        // A file may hold any number in place of an hour or a minute.
+        static constexpr qint64 most = 999;
+        const auto limited = [](qint64 number) { return std::clamp<qint64>(number, 0, most); };
+        Keys keys = keysOf(tasks, [&](const task &t) {
+            return (t.date.date().toJulianDay() * (most + 1) + limited(t.startHour)) * (most + 1) +
+                   limited(t.startMin);
+        });
+        sort(keys, ascending, isSmaller);
+        return placesOf(keys);
+    };
+}
+
 Ordering byTime(qint64 task::*hour, qint64 task::*minute)
 {
     return [hour, minute](const QList<task> &tasks, bool ascending) {
@@ -248,6 +263,7 @@ const std::vector<std::pair<QString, Ordering>> &orderings()
         {CellIdentifiers::EndTime, byTime(&task::endHour, &task::endMin)},
         {CellIdentifiers::ClientCell, byText(&task::client)},
         {CellIdentifiers::TeamMemberCell, byText(&task::teamMember)},
+        {dateAndTimeOrder, byDateAndTime()},
     };
     return table;
 }

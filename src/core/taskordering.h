@@ -5,8 +5,12 @@
 #include <core/taskplaces.h>
 
 #include <QList>
+#include <QString>
 
 namespace oblino {
+
+/// The key of the order by day, start hour and start minute, as numbers; it is no column's.
+inline const QString dateAndTimeOrder = QStringLiteral("DateAndTime");
 
 /// The places of the tasks in the order that the descriptor asks for; as they stand when its key names no
 /// column. Equal tasks keep their order in both directions.

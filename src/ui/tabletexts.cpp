@@ -52,6 +52,17 @@ EmptyText emptyText(const EmptyTable &table)
                                  .arg(locale.toString(table.all))};
 }
 
+QString dueText(const DueCounts &counts)
+{
+    const QLocale locale;
+    QStringList parts;
+    if (counts.today > 0)
+        parts += tr("%1 due today").arg(locale.toString(counts.today));
+    if (counts.overdue > 0)
+        parts += tr("%1 overdue").arg(locale.toString(counts.overdue));
+    return parts.join(tr(", "));
+}
+
 QString addedText(const QList<task> &added, int view, const QString &searchTerm, QDate day)
 {
     if (added.size() != 1)

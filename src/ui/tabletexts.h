@@ -1,6 +1,7 @@
 #pragma once
 
 #include <core/task.h>
+#include <core/taskmarks.h>
 
 #include <QDate>
 #include <QList>
@@ -25,6 +26,9 @@ struct EmptyTable
 };
 
 [[nodiscard]] EmptyText emptyText(const EmptyTable &table);
+
+/// What is due, as in "3 due today, 1 overdue"; empty where nothing is.
+[[nodiscard]] QString dueText(const DueCounts &counts);
 
 /// Tells of tasks that were added; of a single one also where it is when the table does not show it.
 /// @param view        the index of the view that is shown

@@ -8,6 +8,7 @@
 #include <QAbstractItemView>
 #include <QHelpEvent>
 #include <QPainter>
+#include <QPainterPath>
 #include <QTextDocument>
 #include <QToolTip>
 
@@ -44,14 +45,30 @@ CellColors colorsOf(const QStyleOptionViewItem &option, const QModelIndex &index
     return {row, accent, readableOn(accent)};
 }
 
-bool hasMark(int column)
+bool hasMark(const QModelIndex &index)
 {
-    return column == TaskTableModel::statusColumn || column == TaskTableModel::priorityColumn;
+    switch (index.column()) {
+    case TaskTableModel::statusColumn:
+    case TaskTableModel::priorityColumn:
+    case TaskTableModel::dueColumn: // in every row, or the dates would not line up
+        return true;
+    case TaskTableModel::nameColumn:
+        return modelOf(index).isMarkedHidden(index.row());
+    default:
+        return false;
+    }
+}
+
+bool isOfToday(const QModelIndex &index)
+{
+    const TaskMarks marks = modelOf(index).marks(index.row());
+    return (index.column() == TaskTableModel::dateColumn && marks.startsToday) ||
+           (index.column() == TaskTableModel::dueColumn && marks.isDueToday);
 }
 
 QRect textRect(const QStyleOptionViewItem &option, const QModelIndex &index)
 {
-    return option.rect.adjusted(padding + (hasMark(index.column()) ? markSize + padding : 0), 0, -padding, 0);
+    return option.rect.adjusted(padding + (hasMark(index) ? markSize + padding : 0), 0, -padding, 0);
 }
 
 // A ring for a task still open, a filled one with a check mark for a closed one, a dot for any other status.
@@ -83,10 +100,34 @@ void paintPriority(QPainter *painter, const QRectF &box, const CellColors &color
     }
 }
 
+// A triangle with an exclamation mark, which is told by its shape.
+void paintOverdue(QPainter *painter, const QRectF &box, const CellColors &colors)
+{
+    painter->setPen(QPen(colors.text, 1.4, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter->setBrush(Qt::NoBrush);
+    const QPointF tip(box.center().x(), box.top() + 0.5);
+    painter->drawPolygon(QPolygonF({tip, box.bottomRight(), box.bottomLeft()}));
+    painter->drawLine(tip + QPointF(0, 4.2), tip + QPointF(0, 7.2));
+    painter->drawPoint(tip + QPointF(0, 9.4));
+}
+
+// An eye that is struck through.
+void paintHidden(QPainter *painter, const QRectF &box, const CellColors &colors)
+{
+    painter->setPen(QPen(colors.text, 1.3, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    painter->setBrush(Qt::NoBrush);
+    QPainterPath eye(QPointF(box.left(), box.center().y()));
+    eye.quadTo(QPointF(box.center().x(), box.top() - 2), QPointF(box.right(), box.center().y()));
+    eye.quadTo(QPointF(box.center().x(), box.bottom() + 2), QPointF(box.left(), box.center().y()));
+    painter->drawPath(eye);
+    painter->drawEllipse(box.center(), 1.8, 1.8);
+    painter->drawLine(box.bottomLeft() + QPointF(1, 0), box.topRight() - QPointF(1, 0));
+}
+
 void paintMark(QPainter *painter, const QStyleOptionViewItem &option, const QModelIndex &index,
                const CellColors &colors)
 {
-    if (!hasMark(index.column()))
+    if (!hasMark(index))
         return;
     const task &t = modelOf(index).row(index.row());
     const QRectF box(option.rect.left() + padding, option.rect.center().y() - halfMark + 1, markSize,
@@ -94,7 +135,12 @@ void paintMark(QPainter *painter, const QStyleOptionViewItem &option, const QMod
     if (index.column() == TaskTableModel::priorityColumn)
         return paintPriority(painter, box, colors, t.priority);
     painter->setRenderHint(QPainter::Antialiasing);
-    paintStatus(painter, box, colors, t.status);
+    if (index.column() == TaskTableModel::statusColumn)
+        paintStatus(painter, box, colors, t.status);
+    else if (index.column() == TaskTableModel::nameColumn)
+        paintHidden(painter, box, colors);
+    else if (modelOf(index).marks(index.row()).isOverdue)
+        paintOverdue(painter, box, colors);
     painter->setRenderHint(QPainter::Antialiasing, false);
 }
 
@@ -113,7 +159,7 @@ void TaskCellDelegate::paint(QPainter *painter, const QStyleOptionViewItem &opti
     QStyleOptionViewItem cell = option;
     // The selection stays legible while a menu has the focus, and on a task of the accent colour itself.
     cell.palette.setCurrentColorGroup(QPalette::Active);
-    cell.font.setBold(option.state & QStyle::State_Selected);
+    cell.font.setBold(option.state & QStyle::State_Selected || isOfToday(index));
     cell.fontMetrics = QFontMetrics(cell.font);
     const CellColors colors = colorsOf(cell, index);
     painter->save();
@@ -147,6 +193,8 @@ bool TaskCellDelegate::helpEvent(QHelpEvent *event, QAbstractItemView *view,
         return QStyledItemDelegate::helpEvent(event, view, option, index);
     QStyleOptionViewItem cell = option;
     initStyleOption(&cell, index);
+    cell.font.setBold(view->selectionModel()->isSelected(index) || isOfToday(index)); // as it is painted
+    cell.fontMetrics = QFontMetrics(cell.font);
     const QString whole = index.data(TaskTableModel::wholeTextRole).toString();
     constexpr qsizetype enough = 2000; // of a tool tip, in UTF-16 units
     if (whole != shownText(cell, index)) {

@@ -1,5 +1,6 @@
 #include <ui/windows/tasktable.h>
 
+#include <controls/headerstate.h>
 #include <controls/tableheader.h>
 #include <ui/windows/taskcelldelegate.h>
 #include <ui/windows/tasktablemodel.h>
@@ -8,8 +9,11 @@
 
 #include <QApplication>
 #include <QDate>
+#include <QDropEvent>
 #include <QKeyEvent>
 #include <QLocale>
+#include <QMenu>
+#include <QToolTip>
 
 #include <algorithm>
 
@@ -38,7 +42,7 @@ QList<int> firstWidths(QFont font)
             wide(QStringLiteral("Two coats, the second when dry")),
             mark,
             mark,
-            date,
+            date + 20, // with a mark
             wide(QStringLiteral("0C5E2A1F-7B3D-4E6A-9F12-3A4B5C6D7E8F"))};
 }
 
@@ -53,10 +57,12 @@ TaskTable::TaskTable(QWidget *parent)
     : QTableView(parent)
 {
     setHorizontalHeader(new TableHeader(this));
-    horizontalHeader()->setStretchLastSection(true);
     horizontalHeader()->setSortIndicator(0, Qt::AscendingOrder);
+    horizontalHeader()->setSectionsMovable(true);
     setItemDelegate(new TaskCellDelegate(this));
     setShowGrid(false); // the delegate draws the vertical lines
+    setDragDropMode(InternalMove);
+    setDragDropOverwriteMode(false);
     verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
 }
 
@@ -64,6 +70,7 @@ void TaskTable::setModel(QAbstractItemModel *model)
 {
     QTableView::setModel(model);
     fitToFont();
+    setColumnHidden(TaskTableModel::keyColumn, true);
 }
 
 // Columns keep what the user has made of their widths.
@@ -75,7 +82,7 @@ void TaskTable::fitToFont()
     const QList<int> widths = firstWidths(font());
     for (int column = 0; column < widths.size(); ++column) {
         const int width = widths.at(column);
-        const bool isNew = m_firstWidths.isEmpty() || column == widths.size() - 1; // the last one stretches
+        const bool isNew = m_firstWidths.isEmpty() || header->isSectionHidden(column);
         header->resizeSection(column,
                               isNew ? width : header->sectionSize(column) * width / m_firstWidths.at(column));
     }
@@ -90,16 +97,78 @@ void TaskTable::changeEvent(QEvent *event)
         fitToFont();
 }
 
+// As long as the columns fill the table exactly, and where they leave some of it free.
+void TaskTable::fillWidth()
+{
+    constexpr int description = TaskTableModel::descriptionColumn;
+    QHeaderView *header = horizontalHeader();
+    if (isColumnHidden(description) || m_firstWidths.isEmpty())
+        return;
+    const int others = header->length() - header->sectionSize(description);
+    const int least = m_firstWidths.at(description) / 2;
+    header->resizeSection(description, std::max(viewport()->width() - others, least));
+}
+
+void TaskTable::resizeEvent(QResizeEvent *event)
+{
+    const int before = event->oldSize().width();
+    const bool wasFilled =
+        before <= 0 || horizontalHeader()->length() <= std::max(before, viewport()->width());
+    if (wasFilled)
+        fillWidth();
+    QTableView::resizeEvent(event);
+}
+
+QString TaskTable::columns() const
+{
+    return headerState(*horizontalHeader());
+}
+
+void TaskTable::setColumns(const QString &columns)
+{
+    restoreHeader(*horizontalHeader(), columns);
+}
+
+void TaskTable::resetColumns()
+{
+    QHeaderView *header = horizontalHeader();
+    for (int column = 0; column < m_firstWidths.size(); ++column) {
+        header->moveSection(header->visualIndex(column), column);
+        setColumnHidden(column, column == TaskTableModel::keyColumn);
+        header->resizeSection(column, m_firstWidths.at(column));
+    }
+    fillWidth();
+}
+
+void TaskTable::fillColumnMenu(QMenu &menu)
+{
+    menu.clear();
+    const int shown = horizontalHeader()->count() - horizontalHeader()->hiddenSectionCount();
+    for (int column = 0; column < model()->columnCount(); ++column) {
+        QAction *action = menu.addAction(TaskTableModel::titles().at(column));
+        action->setCheckable(true);
+        action->setChecked(!isColumnHidden(column));
+        action->setEnabled(shown > 1 || isColumnHidden(column)); // one stays
+        connect(action, &QAction::toggled, this, [this, column](bool isShown) {
+            setColumnHidden(column, !isShown);
+            if (isShown && columnWidth(column) < horizontalHeader()->minimumSectionSize())
+                setColumnWidth(column, m_firstWidths.at(column));
+        });
+    }
+    menu.addSeparator();
+    menu.addAction(tr("&Reset Columns"), this, &TaskTable::resetColumns);
+}
+
 QModelIndex TaskTable::inRow(int row) const
 {
     return model()->index(row, std::max(currentIndex().column(), 0));
 }
 
-void TaskTable::goToRow(int row)
+void TaskTable::goToRow(int row, ScrollHint hint)
 {
     if (const QModelIndex index = inRow(row); index.isValid()) {
         selectionModel()->setCurrentIndex(index, QItemSelectionModel::NoUpdate);
-        scrollTo(index);
+        scrollTo(index, hint);
     }
 }
 
@@ -116,9 +185,64 @@ QItemSelectionModel::SelectionFlags TaskTable::selectionCommand(const QModelInde
                                                                 const QEvent *event) const
 {
     const QItemSelectionModel::SelectionFlags flags = QTableView::selectionCommand(index, event);
-    return flags & (QItemSelectionModel::Deselect | QItemSelectionModel::Toggle)
-               ? QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows
-               : flags;
+    const bool selects = flags & QItemSelectionModel::Select;
+    if ((flags & QItemSelectionModel::Clear) && !selects)
+        return QItemSelectionModel::NoUpdate; // beside the rows
+    const bool takesAway = flags & (QItemSelectionModel::Deselect | QItemSelectionModel::Toggle);
+    if (takesAway && selectedRows() == QList<int>{index.row()})
+        return QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows;
+    return flags;
+}
+
+QList<int> TaskTable::selectedRows() const
+{
+    QList<int> rows;
+    for (const QItemSelectionRange &range : selectionModel()->selection()) {
+        for (int row = range.top(); row <= range.bottom(); ++row)
+            rows.append(row);
+    }
+    std::ranges::sort(rows);
+    const auto repeated = std::ranges::unique(rows);
+    rows.erase(repeated.begin(), repeated.end());
+    return rows;
+}
+
+int TaskTable::mainRow() const
+{
+    const QModelIndex current = currentIndex();
+    if (current.isValid() && selectionModel()->isSelected(current))
+        return current.row();
+    const QItemSelection selection = selectionModel()->selection();
+    return selection.isEmpty() ? -1 : selection.last().bottom();
+}
+
+void TaskTable::dragMoveEvent(QDragMoveEvent *event)
+{
+    QTableView::dragMoveEvent(event);
+    if (event->source() != this || !m_whyNotDragged.isEmpty()) {
+        setDropIndicatorShown(false);
+        event->ignore();
+        if (!m_whyNotDragged.isEmpty())
+            QToolTip::showText(QCursor::pos(), m_whyNotDragged, this);
+        return;
+    }
+    setDropIndicatorShown(true);
+    event->accept();
+}
+
+void TaskTable::dropEvent(QDropEvent *event)
+{
+    if (event->source() != this || !m_whyNotDragged.isEmpty())
+        return event->ignore();
+    const int y = static_cast<int>(event->position().y());
+    const int row = rowAt(y);
+    const bool isLowerHalf = row >= 0 && y > rowViewportPosition(row) + rowHeight(row) / 2;
+    event->setDropAction(Qt::IgnoreAction); // else the view would take the rows away that were dragged
+    event->accept();
+    stopAutoScroll();
+    setState(NoState);
+    viewport()->update();
+    Q_EMIT rowsDropped(row < 0 ? model()->rowCount() : row + (isLowerHalf ? 1 : 0));
 }
 
 // The row that a key takes while none is selected, -1 for any other key: the one where the keyboard is comes

@@ -34,7 +34,7 @@ const QStringList &TaskTableModel::titles()
 
 Qt::Alignment TaskTableModel::alignmentOf(int column)
 {
-    const bool isDateOrTime = column <= 2 || column == 9;
+    const bool isDateOrTime = column <= 2 || column == dueColumn;
     return (isDateOrTime ? Qt::AlignHCenter : Qt::AlignLeft) | Qt::AlignVCenter;
 }
 
@@ -62,6 +62,24 @@ QColor TaskTableModel::didAdd(int row) const
     return *known;
 }
 
+void TaskTableModel::setMarks(QDate today, bool marksHidden)
+{
+    m_today = today;
+    m_marksHidden = marksHidden;
+}
+
+// What a screen reader says: the text and, in words, the marks.
+QString TaskTableModel::spokenText(int column, int row) const
+{
+    const QString text = objectValueFor(column, row);
+    const TaskMarks marks = this->marks(row);
+    if (column == dueColumn && marks.isOverdue)
+        return tr("%1, overdue").arg(text);
+    if ((column == dueColumn && marks.isDueToday) || (column == dateColumn && marks.startsToday))
+        return tr("%1, today").arg(text);
+    return column == nameColumn && isMarkedHidden(row) ? tr("%1, hidden").arg(text) : text;
+}
+
 int TaskTableModel::rowCount(const QModelIndex &parent) const
 {
     return parent.isValid() ? 0 : m_count;
@@ -83,9 +101,17 @@ QVariant TaskTableModel::data(const QModelIndex &index, int role) const
         [[fallthrough]];
     case Qt::DisplayRole:
         return objectValueFor(index.column(), index.row());
+    case Qt::AccessibleTextRole:
+        return spokenText(index.column(), index.row());
     default:
         return {};
     }
+}
+
+Qt::ItemFlags TaskTableModel::flags(const QModelIndex &index) const
+{
+    return index.isValid() ? QAbstractTableModel::flags(index) | Qt::ItemIsDragEnabled
+                           : Qt::ItemIsDropEnabled;
 }
 
 QVariant TaskTableModel::headerData(int section, Qt::Orientation orientation, int role) const

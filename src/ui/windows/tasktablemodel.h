@@ -1,9 +1,11 @@
 #pragma once
 
 #include <core/task.h>
+#include <core/taskmarks.h>
 
 #include <QAbstractTableModel>
 #include <QColor>
+#include <QDate>
 #include <QHash>
 #include <QString>
 
@@ -20,10 +22,12 @@ public:
     /// The whole text behind a cell that shows only the beginning.
     static constexpr int wholeTextRole = Qt::UserRole;
 
+    static constexpr int dateColumn = 0;
     static constexpr int nameColumn = 3;
     static constexpr int descriptionColumn = 6;
     static constexpr int statusColumn = 7;
     static constexpr int priorityColumn = 8;
+    static constexpr int dueColumn = 9;
     static constexpr int keyColumn = 10;
 
     using QAbstractTableModel::QAbstractTableModel;
@@ -40,6 +44,12 @@ public:
     void setRows(qsizetype count, TaskAt taskAt);
     [[nodiscard]] const task &row(int row) const { return m_taskAt(row); }
 
+    /// @param today        the day of the marks
+    /// @param marksHidden  whether hidden tasks are marked, which are told from others by nothing else
+    void setMarks(QDate today, bool marksHidden);
+    [[nodiscard]] TaskMarks marks(int row) const { return marksOf(m_taskAt(row), m_today); }
+    [[nodiscard]] bool isMarkedHidden(int row) const { return m_marksHidden && m_taskAt(row).hidden; }
+
     /// The text of a cell.
     [[nodiscard]] QString objectValueFor(int column, int row) const;
     /// The background of a row that comes into sight.
@@ -48,9 +58,15 @@ public:
     [[nodiscard]] int rowCount(const QModelIndex &parent = {}) const override;
     [[nodiscard]] int columnCount(const QModelIndex &parent = {}) const override;
     [[nodiscard]] QVariant data(const QModelIndex &index, int role) const override;
+    /// Rows can be dragged, but no row can be dropped into another.
+    [[nodiscard]] Qt::ItemFlags flags(const QModelIndex &index) const override;
     [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
 private:
+    [[nodiscard]] QString spokenText(int column, int row) const;
+
+    QDate m_today;
+    bool m_marksHidden = false;
     int m_count = 0;
     TaskAt m_taskAt;
     mutable QHash<int, QColor> m_backgrounds; // of the rows that have come into sight

@@ -89,13 +89,18 @@ void TaskUndo::drive(QAction &undo, QAction &redo)
     connect(&redo, &QAction::triggered, &m_stack, &QUndoStack::redo);
 }
 
-void TaskUndo::take()
+void TaskUndo::take(Sorting sorting)
 {
     QList<TaskStep> steps = m_store.takeSteps();
     const auto erased = std::ranges::find(steps.rbegin(), steps.rend(), ChangeKind::Erase, &TaskStep::kind);
     if (erased != steps.rend()) {
         m_stack.clear();
         steps.erase(steps.begin(), erased.base());
+    }
+    if (sorting == Sorting::OfTheStepBefore && steps.size() > 1 &&
+        steps.constLast().kind == ChangeKind::Sort) {
+        const TaskStep sorted = steps.takeLast();
+        steps.last().changes += sorted.changes;
     }
     for (TaskStep &step : steps)
         m_stack.push(new Command(*this, std::move(step)));

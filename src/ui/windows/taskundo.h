@@ -26,9 +26,11 @@ public:
     /// Has two actions undo and do again, and say what.
     void drive(QAction &undo, QAction &redo);
 
+    /// What it means that the list was sorted last.
+    enum class Sorting { OwnStep, OfTheStepBefore };
     /// Takes over what was done to the list since this was last called. What was erased takes all steps with
     /// it.
-    void take();
+    void take(Sorting sorting = Sorting::OwnStep);
     /// The list as it is now was saved; sorting goes on as a step of its own.
     void setSaved() { m_stack.setClean(); }
 

@@ -56,7 +56,8 @@ void ViewController::viewDidLoad()
     m_ui->viewSelection->setCurrentIndex(0);
     for (const QString &identifier : TaskTableModel::identifiers())
         m_sortPrototypes.append({identifier, true});
-    m_store.sort(m_sortPrototypes.first());
+    m_order = m_sortPrototypes.first();
+    m_store.sort(m_order);
     reload();
     disableSelectionButtons();
     trace("Dark Mode:", m_store.inDarkMode());
@@ -76,6 +77,8 @@ void ViewController::viewWillAppear()
     disableSelectionButtons();
     setLeastSize(*this, {1040, 430});
     m_ui->tblView->setFocus(Qt::OtherFocusReason);
+    if (const int row = rowOfToday(); row >= 0)
+        m_ui->tblView->goToRow(row, QAbstractItemView::PositionAtTop);
 }
 
 void ViewController::giveUpForms()
@@ -204,11 +207,8 @@ void ViewController::takeUpChanges()
 // The list is another one: what was seen and selected of it stays, as far as it is still there.
 void ViewController::showChangedList(const QString &selectedKey)
 {
-    if (const int section = m_ui->tblView->horizontalHeader()->sortIndicatorSection(); section >= 0) {
-        SortDescriptor descriptor = m_sortPrototypes.at(section);
-        descriptor.ascending = m_ui->tblView->horizontalHeader()->sortIndicatorOrder() == Qt::AscendingOrder;
-        m_store.sort(descriptor);
-    }
+    if (m_keepsOrder || m_ui->tblView->horizontalHeader()->sortIndicatorSection() >= 0)
+        m_store.sort(m_order);
     reinitForSearching();
     showOn(selectedKey);
 }
@@ -216,7 +216,7 @@ void ViewController::showChangedList(const QString &selectedKey)
 // The end of a step that was undone, or done again.
 void ViewController::showReplayed(const QString &key, const QString &said)
 {
-    invalidateSortOrder();
+    orderByHand(); // as it was then
     reload();
     disableSelectionButtons();
     if (const int row = key.isEmpty() ? -1 : rowOfKey(key); row >= 0)

@@ -6,6 +6,8 @@
 #include <core/sortdescriptor.h>
 #include <core/task.h>
 #include <core/tasklistfile.h>
+#include <core/taskplaces.h>
+#include <core/taskstep.h>
 #include <files/filewatch.h>
 
 #include <QHash>
@@ -30,6 +32,7 @@ class ViewController;
 }
 
 class EmptyState;
+class FetchRequest;
 class NoticeBar;
 class NotificationCenter;
 class SearchField;
@@ -62,6 +65,7 @@ public:
     void btnDeleteTask_Click(QObject *sender);
     void cloneTask(QObject *sender);
     void closeTask(QObject *sender);
+    void reopenTask();
     void sharingTask(QObject *sender);
     void newTask();
     void editTask();
@@ -163,6 +167,7 @@ private:
     void connectCommands();
     void fillViews();
     void fillSortMenu();
+    void addContextMenus();
     void prepareTable();
 
     // Helpers
@@ -173,8 +178,19 @@ private:
     void showAdded();
     void showMessage(const QString &message);
     void endSearch();
+    void sortBy(const SortDescriptor &order);
+    void sortByDateAndTime();
+    void setKeepsOrder(bool keeps);
+    void keepOrder();
+    void orderByHand();
     void moveSelected(bool up, const QString &elsewhereMessage);
+    void moveRows(int before);
+    [[nodiscard]] QString reorderHint() const;
+    [[nodiscard]] int rowOfToday() const;
+    void goToToday();
+    void closeOrReopen();
     void showHideCommand(bool hidden);
+    void showCloseCommand(bool closed);
     void setSelectionCommandsEnabled(bool enabled);
     void invalidateSortOrder();
     void reverseOrder();
@@ -194,11 +210,33 @@ private:
     void dayChanged();
     [[nodiscard]] bool isFormOpen() const;
     void showCounts();
+    void showDue();
+    void applyFilter(qsizetype rowsInView);
+    [[nodiscard]] bool isFiltered() const { return false; }
+    [[nodiscard]] int storeRow(int row) const { return row; }
     [[nodiscard]] QString keyOfShownSelection() const;
     [[nodiscard]] bool showsSelection() const { return !keyOfShownSelection().isEmpty(); }
     [[nodiscard]] int rowOfKey(const QString &key) const;
     [[nodiscard]] int viewIndex() const;
     [[nodiscard]] TaskWindowContext formContext();
+
+    // Several tasks at once
+
+    [[nodiscard]] TaskPlaces selectedPlaces() const;
+    [[nodiscard]] TaskPlaces placesStillOf(const TaskPlaces &places, const QStringList &keys) const;
+    [[nodiscard]] bool isManySelected() const;
+    void changeMany(ChangeKind kind, const std::function<void(task &)> &change);
+    void hideMany(bool hide);
+    void closeMany();
+    void reopenMany();
+    void deleteMany();
+    void copyMany();
+    void askForName(const QString &title, const FetchRequest &directory, QString task::*field);
+    void changeClient();
+    void changeTeamMember();
+    void moveByDays();
+    void changeColor();
+    void repeatTask();
 
     std::unique_ptr<Ui::ViewController> m_ui;
     TaskManager &m_store;
@@ -214,8 +252,9 @@ private:
     QHash<QAction *, QString> m_toolTips; // of commands while they are enabled
     QSet<QString> m_added;                // keys of tasks that the table is to lead to
     QString m_said;                       // in the status line, by this window itself
-    int m_sortColumn = 0;                 // by which the table was sorted last
-    Qt::SortOrder m_sortOrder = Qt::AscendingOrder;
+    SortDescriptor m_order;               // by which the table was sorted last
+    bool m_keepsOrder = false;            // when the list changes
+    QAction *m_dateAndTime = nullptr;
     QActionGroup *m_views = nullptr;
     std::function<bool()> m_quitGuard = [] { return true; };
     std::function<bool()> m_beforeCloud = [] { return true; };
@@ -226,6 +265,7 @@ private:
     QLabel *statusMessage = nullptr;
     QLabel *statusMessageLabel = nullptr;
     QLabel *m_saveState = nullptr;
+    QLabel *m_due = nullptr;
     EmptyState *m_emptyState = nullptr;
 };
 

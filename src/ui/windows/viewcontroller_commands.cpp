@@ -31,7 +31,7 @@ void ViewController::enableSelectionButtons()
 {
     setSelectionCommandsEnabled(true);
     for (QAction *action : {m_ui->moveUpAction, m_ui->moveDownAction})
-        action->setEnabled(true);
+        action->setEnabled(!isManySelected());
 }
 
 void ViewController::disableSelectionButtons()
@@ -41,12 +41,19 @@ void ViewController::disableSelectionButtons()
 
 void ViewController::setSelectionCommandsEnabled(bool enabled)
 {
-    for (QAction *action : {m_ui->editAction, m_ui->shareAction, m_ui->deleteAction, m_ui->hideAction,
-                            m_ui->cloneAction, m_ui->closeAction, m_ui->copyAction, m_ui->copyKeyAction}) {
-        action->setEnabled(enabled);
+    const auto enable = [this](QAction *action, bool isEnabled, const QString &whyNot) {
+        action->setEnabled(isEnabled);
         if (action != m_ui->hideAction) // its tool tip says which way it works
-            action->setToolTip(enabled ? m_toolTips.value(action) : selectFirst);
-    }
+            action->setToolTip(isEnabled ? m_toolTips.value(action) : whyNot);
+    };
+    for (QAction *action :
+         {m_ui->deleteAction, m_ui->hideAction, m_ui->closeAction, m_ui->copyAction, m_ui->clientOfAction,
+          m_ui->teamMemberOfAction, m_ui->daysAction, m_ui->colorAction})
+        enable(action, enabled, selectFirst);
+    const bool isOne = enabled && !isManySelected();
+    for (QAction *action :
+         {m_ui->editAction, m_ui->shareAction, m_ui->cloneAction, m_ui->copyKeyAction, m_ui->repeatAction})
+        enable(action, isOne, enabled ? tr("Select one task only.") : selectFirst);
 }
 
 void ViewController::showHideCommand(bool hidden)
@@ -58,46 +65,23 @@ void ViewController::showHideCommand(bool hidden)
     m_ui->hideAction->setToolTip(hidden ? QStringLiteral("UNHIDE") : QStringLiteral("HIDE"));
 }
 
+void ViewController::showCloseCommand(bool closed)
+{
+    m_ui->closeAction->setText(closed ? tr("Re&open") : tr("&Close"));
+    m_ui->closeAction->setIconText(closed ? tr("Reopen") : tr("Close"));
+    m_toolTips[m_ui->closeAction] = closed ? tr("Open the selected task again: it is not done")
+                                           : tr("Close the selected task: it is done");
+}
+
 // The end of every command that changes the list.
 void ViewController::changeList()
 {
     showMessage({});
+    keepOrder();
     reinitForSearching();
     reload();
     disableSelectionButtons();
     showAdded();
-    saveToFile();
-}
-
-void ViewController::upper()
-{
-    moveSelected(true, QStringLiteral("Change to Global-All View to order Tasks."));
-}
-
-void ViewController::downer()
-{
-    moveSelected(false, QStringLiteral("Change to the Global-All View to order Tasks."));
-}
-
-void ViewController::moveSelected(bool up, const QString &elsewhereMessage)
-{
-    if (viewIndex() != globalAllView) {
-        m_utilities.dialogOK(elsewhereMessage);
-        return;
-    }
-    if (!showsSelection()) {
-        m_utilities.dialogOK(QStringLiteral("Select a Task."));
-        return;
-    }
-    const QString key = m_store.getSelectedTask().key;
-    if (m_store.swapSelected(up))
-        invalidateSortOrder();
-    reload();
-    disableSelectionButtons();
-    m_store.setSelected(key);
-    if (const int row = rowOfKey(key); row >= 0)
-        m_ui->tblView->selectRow(row);
-    showMessage({});
     saveToFile();
 }
 
@@ -108,6 +92,8 @@ void ViewController::hideClicked()
     trace("Hide Pressed!");
     const bool hidden = m_store.getHiddenSelected();
     showHideCommand(!hidden);
+    if (isManySelected())
+        return hideMany(!hidden);
     if (hidden)
         m_store.unhideSelected();
     else
@@ -119,6 +105,8 @@ void ViewController::btnDeleteTask_Click(QObject *)
 {
     if (!showsSelection())
         return;
+    if (isManySelected())
+        return deleteMany();
     const task selected = m_store.getSelectedTask();
     const bool confirmed = m_utilities.dialogYesNo(
         QStringLiteral(
@@ -151,6 +139,8 @@ void ViewController::closeTask(QObject *sender)
 {
     if (!showsSelection())
         return;
+    if (isManySelected())
+        return closeMany();
     if (m_store.getSelectedTask().status != OpenStatus) {
         m_utilities.dialogOK(QStringLiteral("Task already closed"));
         return;
@@ -159,6 +149,25 @@ void ViewController::closeTask(QObject *sender)
     trace("Close Task");
     m_store.closeSelected(sender);
     changeList();
+}
+
+void ViewController::reopenTask()
+{
+    if (isManySelected())
+        return reopenMany();
+    if (m_store.reopenSelected())
+        changeList();
+}
+
+// Of one button.
+void ViewController::closeOrReopen()
+{
+    if (!showsSelection())
+        return;
+    if (m_store.getSelectedTask().status == ClosedStatus)
+        reopenTask();
+    else
+        closeTask(m_ui->commandBar->widgetForAction(m_ui->closeAction));
 }
 
 void ViewController::addEnhancement(QObject * /*sender*/)
@@ -217,6 +226,8 @@ void ViewController::copyTask()
 {
     if (!showsSelection())
         return;
+    if (isManySelected())
+        return copyMany();
     QGuiApplication::clipboard()->setText(m_store.shareTextOfSelected());
     showMessage(tr("Copied “%1” as text.").arg(m_store.getSelectedTask().name));
 }

@@ -75,6 +75,8 @@ void ViewController::bindOutlets()
     m_saveState = statusLabel<QLabel>(this, QStringLiteral("saveState"));
     statusMessage = statusLabel<QLabel>(this, QStringLiteral("statusMessage"));
     m_ui->statusBar->addWidget(statusMessageLabel, 1);
+    m_due = statusLabel<QLabel>(this, QStringLiteral("due"));
+    m_ui->statusBar->addPermanentWidget(m_due);
     m_ui->statusBar->addPermanentWidget(m_saveState);
     m_ui->statusBar->addPermanentWidget(statusMessage);
 
@@ -94,6 +96,13 @@ void ViewController::connectCommands()
         {m_ui->hideAction, &ViewController::hideClicked},
         {m_ui->moveUpAction, &ViewController::upper},
         {m_ui->moveDownAction, &ViewController::downer},
+        {m_ui->closeAction, &ViewController::closeOrReopen},
+        {m_ui->todayAction, &ViewController::goToToday},
+        {m_ui->repeatAction, &ViewController::repeatTask},
+        {m_ui->clientOfAction, &ViewController::changeClient},
+        {m_ui->teamMemberOfAction, &ViewController::changeTeamMember},
+        {m_ui->daysAction, &ViewController::moveByDays},
+        {m_ui->colorAction, &ViewController::changeColor},
         {m_ui->copyAction, &ViewController::copyTask},
         {m_ui->copyKeyAction, &ViewController::copyKey},
         {m_ui->findAction, &ViewController::find},
@@ -114,7 +123,6 @@ void ViewController::connectCommands()
     const std::initializer_list<std::pair<QAction *, SentCommand>> sentCommands = {
         {m_ui->deleteAction, &ViewController::btnDeleteTask_Click},
         {m_ui->cloneAction, &ViewController::cloneTask},
-        {m_ui->closeAction, &ViewController::closeTask},
         {m_ui->shareAction, &ViewController::sharingTask},
         {m_ui->startPageAction, &ViewController::addEnhancement},
         {m_ui->updateToCloudAction, &ViewController::UpdateToCloud},
@@ -171,18 +179,23 @@ void ViewController::fillViews()
     }
 }
 
-void ViewController::fillSortMenu()
+void ViewController::addContextMenus()
 {
-    m_ui->viewMenu->addSeparator();
-    QMenu *menu = m_ui->viewMenu->addMenu(tr("&Sort By"));
-    QHeaderView *header = m_ui->tblView->horizontalHeader();
-    for (int column = 0; column < m_model.columnCount(); ++column) {
-        menu->addAction(TaskTableModel::titles().at(column), this,
-                        [header, column] { header->setSortIndicator(column, Qt::AscendingOrder); });
-    }
-    menu->addSeparator();
-    QAction *reverse = menu->addAction(tr("&Reverse Order"), this, &ViewController::reverseOrder);
-    reverse->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_R));
+    TaskTable *table = m_ui->tblView;
+    table->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(table, &QWidget::customContextMenuRequested, this, [this, table](QPoint point) {
+        const bool isByKey = QGuiApplication::mouseButtons() == Qt::NoButton;
+        if (isByKey && table->currentIndex().isValid()) // of the keyboard: at the row
+            point = table->visualRect(table->currentIndex()).bottomLeft();
+        m_ui->taskMenu->popup(table->viewport()->mapToGlobal(point));
+    });
+    QMenu *columns = m_ui->viewMenu->addMenu(tr("&Columns"));
+    connect(columns, &QMenu::aboutToShow, table, [table, columns] { table->fillColumnMenu(*columns); });
+    QHeaderView *header = table->horizontalHeader();
+    header->setContextMenuPolicy(Qt::CustomContextMenu);
+    connect(header, &QWidget::customContextMenuRequested, columns, [columns, header](const QPoint &point) {
+        columns->popup(header->viewport()->mapToGlobal(point));
+    });
 }
 
 void ViewController::prepareTable()
@@ -194,6 +207,13 @@ void ViewController::prepareTable()
             &ViewController::sortDescriptorsDidChange);
     connect(m_ui->tblView->selectionModel(), &QItemSelectionModel::selectionChanged, this,
             &ViewController::tableViewSelectionDidChange);
+    // Of several rows that are selected the current one counts, which follows the selection.
+    connect(m_ui->tblView->selectionModel(), &QItemSelectionModel::currentRowChanged, this, [this] {
+        if (isManySelected())
+            tableViewSelectionDidChange();
+    });
+    connect(m_ui->tblView, &TaskTable::rowsDropped, this, &ViewController::moveRows);
+    addContextMenus();
     resize(size().boundedTo(screen()->availableSize()));
 }
 

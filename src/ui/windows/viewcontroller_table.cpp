@@ -1,21 +1,19 @@
-// The table of the main window, its selection, its sorting and the search.
+// The table of the main window, its selection, and the search.
 #include <ui/windows/viewcontroller.h>
 
 #include <controls/emptystate.h>
 #include <controls/searchfield.h>
 #include <ui/tabletexts.h>
 #include <ui/windows/tasktable.h>
-#include <ui/windows/taskundo.h>
 #include <ui_viewcontroller.h>
 
+#include <base/clock.h>
 #include <base/trace.h>
 #include <core/taskmanager.h>
 
-#include <QHeaderView>
 #include <QLabel>
 #include <QLocale>
 #include <QScrollBar>
-#include <QSignalBlocker>
 
 #include <algorithm>
 
@@ -35,6 +33,7 @@ void ViewController::search()
     } else {
         trace("isEmpty");
         m_store.setIsSearching(false);
+        keepOrder();
     }
     reload();
     restoreSelection(key);
@@ -61,48 +60,33 @@ qsizetype ViewController::numberOfRows()
     return m_store.countInView();
 }
 
-void ViewController::sortDescriptorsDidChange(int section, Qt::SortOrder order)
-{
-    if (section < 0)
-        return;
-    m_sortColumn = section;
-    m_sortOrder = order;
-    SortDescriptor descriptor = m_sortPrototypes.at(section);
-    descriptor.ascending = order == Qt::AscendingOrder;
-    trace("Sorting:", descriptor);
-    const QString key = keyOfShownSelection();
-    m_store.sort(descriptor);
-    m_undo->take();
-    reload();
-    restoreSelection(key);
-}
-
 void ViewController::tableViewSelectionDidChange()
 {
     trace("Selection changed");
-    const QModelIndexList rows = m_ui->tblView->selectionModel()->selectedRows(TaskTableModel::keyColumn);
-    const int row = rows.isEmpty() ? -1 : rows.first().row();
+    const int row = m_ui->tblView->mainRow();
     trace("Selected Row:", row);
     if (row >= 0) {
-        const qint64 index = m_store.setSelected(rows.first().data().toString());
+        const qint64 index = m_store.setSelected(m_model.row(row).key);
         trace("Index:", index);
         const bool hidden = m_store.getHiddenSelected();
         trace("Hidden:", hidden);
         showHideCommand(hidden);
+        showCloseCommand(m_store.getSelectedTask().status == ClosedStatus);
         if (index < 0)
             disableSelectionButtons();
         else
             enableSelectionButtons();
     }
     trace("Row:", row);
+    showCounts();
 }
 
 void ViewController::reload()
 {
     const QModelIndex current = m_ui->tblView->currentIndex();
     const int scrolled = m_ui->tblView->verticalScrollBar()->value();
-    const auto rows = static_cast<int>(numberOfRows());
-    m_model.setRows(rows, [this](int row) -> const task & { return m_store.taskInView(row); });
+    applyFilter(numberOfRows());
+    const int rows = m_model.rowCount();
     // The keyboard goes on from the row where it was; nothing is selected by that.
     if (rows > 0) {
         const QModelIndex near =
@@ -111,15 +95,16 @@ void ViewController::reload()
         m_ui->tblView->verticalScrollBar()->setValue(scrolled);
     }
     showCounts();
+    showDue();
 }
 
 // Empty where the user sees no task selected, whatever the store has selected: no command acts then.
 QString ViewController::keyOfShownSelection() const
 {
-    const QModelIndexList rows = m_ui->tblView->selectionModel()->selectedRows(TaskTableModel::keyColumn);
-    if (rows.isEmpty() || m_store.getSelectedTaskIndex() < 0)
+    const int row = m_ui->tblView->mainRow();
+    if (row < 0 || m_store.getSelectedTaskIndex() < 0)
         return {};
-    const QString key = rows.first().data().toString();
+    const QString key = m_model.row(row).key;
     return m_store.getSelectedTask().key == key ? key : QString();
 }
 
@@ -138,9 +123,8 @@ void ViewController::restoreSelection(const QString &key)
 
 int ViewController::rowOfKey(const QString &key) const
 {
-    const auto rows = static_cast<int>(m_store.countInView());
-    for (int row = 0; row < rows; ++row) {
-        if (m_store.taskInView(row).key == key)
+    for (int row = 0; row < m_model.rowCount(); ++row) {
+        if (m_model.row(row).key == key)
             return row;
     }
     return -1;
@@ -151,30 +135,18 @@ int ViewController::viewIndex() const
     return m_ui->viewSelection->currentIndex();
 }
 
-void ViewController::invalidateSortOrder()
-{
-    QHeaderView *header = m_ui->tblView->horizontalHeader();
-    const QSignalBlocker blocker(header);
-    header->setSortIndicator(-1, Qt::AscendingOrder);
-    header->viewport()->update();
-}
-
-// An order that was made by hand has no other direction, so that of before is turned round.
-void ViewController::reverseOrder()
-{
-    m_ui->tblView->horizontalHeader()->setSortIndicator(
-        m_sortColumn, m_sortOrder == Qt::AscendingOrder ? Qt::DescendingOrder : Qt::AscendingOrder);
-}
-
 void ViewController::showCounts()
 {
-    const qsizetype shown = m_store.countInView();
+    const qsizetype shown = m_model.rowCount();
     const qsizetype all = m_store.fullList().size();
     const QLocale locale;
     const QString noun = all == 1 ? tr("task") : tr("tasks");
-    statusMessage->setText(shown == all
+    const QString counts = shown == all
                                ? tr("%1 %2").arg(locale.toString(all), noun)
-                               : tr("%1 of %2 %3").arg(locale.toString(shown), locale.toString(all), noun));
+                               : tr("%1 of %2 %3").arg(locale.toString(shown), locale.toString(all), noun);
+    const qsizetype selected = m_ui->tblView->selectedRows().size();
+    statusMessage->setText(selected > 1 ? tr("%1 selected, %2").arg(locale.toString(selected), counts)
+                                        : counts);
     m_emptyState->setVisible(shown == 0);
     if (shown > 0)
         return;
@@ -183,6 +155,14 @@ void ViewController::showCounts()
                                       .all = all,
                                       .matches = m_store.tasks().size()});
     m_emptyState->setText(text.title, text.advice);
+}
+
+// Once a reload; the marks are of the same day.
+void ViewController::showDue()
+{
+    const QString text = dueText(dueCounts(m_store.fullList(), today()));
+    m_due->setText(text);
+    m_due->setVisible(!text.isEmpty());
 }
 
 } // namespace oblino
