@@ -9,10 +9,13 @@
 
 #include <QApplication>
 #include <QDate>
+#include <QDrag>
 #include <QDropEvent>
 #include <QKeyEvent>
 #include <QLocale>
 #include <QMenu>
+#include <QMimeData>
+#include <QPainter>
 #include <QToolTip>
 
 #include <algorithm>
@@ -214,6 +217,38 @@ int TaskTable::mainRow() const
         return current.row();
     const QItemSelection selection = selectionModel()->selection();
     return selection.isEmpty() ? -1 : selection.last().bottom();
+}
+
+// A row as wide as the table would hide where it is going.
+QPixmap TaskTable::dragPixmap(const QString &text) const
+{
+    constexpr int padding = 8;
+    const QString shown = fontMetrics().elidedText(text, Qt::ElideRight, width() / 3);
+    const QSize size(fontMetrics().horizontalAdvance(shown) + 2 * padding, fontMetrics().height() + padding);
+    QPixmap pixmap(size * devicePixelRatio());
+    pixmap.setDevicePixelRatio(devicePixelRatio());
+    pixmap.fill(palette().color(QPalette::Highlight));
+    QPainter painter(&pixmap);
+    painter.setFont(font());
+    painter.setPen(palette().color(QPalette::HighlightedText));
+    painter.drawText(QRect(QPoint(), size), Qt::AlignCenter, shown);
+    return pixmap;
+}
+
+void TaskTable::startDrag(Qt::DropActions actions)
+{
+    const QList<int> rows = selectedRows();
+    if (rows.isEmpty())
+        return;
+    auto *drag = new QDrag(this);
+    auto *content = new QMimeData; // nothing that another program could take
+    content->setData(model()->mimeTypes().value(0), {});
+    drag->setMimeData(content);
+    drag->setPixmap(dragPixmap(
+        rows.size() > 1 ? tr("%1 tasks").arg(QLocale().toString(rows.size()))
+                        : model()->index(rows.first(), TaskTableModel::nameColumn).data().toString()));
+    drag->setHotSpot({-12, 0});
+    drag->exec(actions);
 }
 
 void TaskTable::dragMoveEvent(QDragMoveEvent *event)

@@ -52,12 +52,14 @@ protected:
     void keyPressEvent(QKeyEvent *event) override;
     void changeEvent(QEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
+    void startDrag(Qt::DropActions actions) override;
     void dragMoveEvent(QDragMoveEvent *event) override;
     void dropEvent(QDropEvent *event) override;
 
 private:
     void fitToFont();
     void fillWidth();
+    [[nodiscard]] QPixmap dragPixmap(const QString &text) const;
     [[nodiscard]] QModelIndex inRow(int row) const;
     [[nodiscard]] int firstTargetOf(int key) const;
 

@@ -60,6 +60,7 @@ public:
     [[nodiscard]] QVariant data(const QModelIndex &index, int role) const override;
     /// Rows can be dragged, but no row can be dropped into another.
     [[nodiscard]] Qt::ItemFlags flags(const QModelIndex &index) const override;
+    [[nodiscard]] Qt::DropActions supportedDropActions() const override { return Qt::MoveAction; }
     [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation, int role) const override;
 
 private:

@@ -158,7 +158,7 @@ void ViewController::moveByDays()
 {
     if (!showsSelection())
         return;
-    constexpr int most = 3660; // ten years
+    constexpr int most = 36'500; // what the file can hold is less
     auto *box = new QInputDialog(this);
     box->setAttribute(Qt::WA_DeleteOnClose);
     box->setObjectName(QStringLiteral("moveByDays"));

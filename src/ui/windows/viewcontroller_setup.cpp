@@ -69,6 +69,13 @@ void ViewController::bindOutlets()
         {m_ui->cloneAction, "cloneButton"},   {m_ui->closeAction, "closeButton"}};
     for (const auto &[action, name] : buttons)
         m_ui->commandBar->widgetForAction(action)->setObjectName(QLatin1String(name));
+    // Their texts change, and the buttons behind them are not to move.
+    const auto keepWide = [this](QAction *action, const QString &longest) {
+        QWidget *button = m_ui->commandBar->widgetForAction(action);
+        button->setMinimumWidth(button->fontMetrics().horizontalAdvance(longest) + 12);
+    };
+    keepWide(m_ui->closeAction, tr("Reopen"));
+    keepWide(m_ui->hideAction, tr("Unhide"));
     new ActsOnMouseDown(qobject_cast<QToolButton *>(m_ui->commandBar->widgetForAction(m_ui->shareAction)));
 
     statusMessageLabel = statusLabel<ElidedLabel>(this, QStringLiteral("statusMessageLabel"));
