@@ -48,10 +48,11 @@ constexpr double frame = 16; // ms
 constexpr qsizetype longList = 100'000;
 constexpr int rounds = 21;
 
-class NoAlert : public Alert
+// Answers every question with its first button.
+class YesAlert : public Alert
 {
 public:
-    [[nodiscard]] std::optional<int> ask(const Question &) override { return std::nullopt; }
+    [[nodiscard]] std::optional<int> ask(const Question &) override { return 0; }
 };
 
 // The main window with a list of its own, and the hands of its user.
@@ -67,6 +68,7 @@ public:
     void clickHeader(int column);
     void clickRow(int row);
     void pressButton(const char *name) { child<QToolButton>(name)->click(); }
+    void trigger(const char *action) { child<QAction>(action)->trigger(); }
 
     [[nodiscard]] int columns() const { return m_table->model()->columnCount(); }
     [[nodiscard]] QString title(int column) const
@@ -91,7 +93,7 @@ private:
     Appearance m_appearance;
     TaskManager m_store{m_settings, m_appearance};
     Documents m_documents{m_folder.path(), m_folder.filePath(QStringLiteral("private"))};
-    UIUtil m_utilities{std::make_unique<NoAlert>()};
+    UIUtil m_utilities{std::make_unique<YesAlert>()};
     NotificationCenter m_notifications;
     PaintWatch &m_watch;
     std::unique_ptr<ViewController> m_controller;
@@ -110,6 +112,8 @@ Window::Window(PaintWatch &watch, const QList<task> &tasks)
     m_controller =
         std::make_unique<ViewController>(m_store, m_documents, m_utilities, m_notifications, m_folder.path());
     m_table = child<QTableView>("tblView");
+    for (int column = 0; column < columns(); ++column)
+        m_table->showColumn(column);
     m_search = child<SearchField>("searchField");
     m_views = child<QComboBox>("viewSelection");
     untilPainted([this] { m_controller->show(); });
@@ -128,6 +132,7 @@ void Window::type(const QString &letters)
 void Window::clickHeader(int column)
 {
     QHeaderView *header = m_table->horizontalHeader();
+    m_table->scrollTo(m_table->model()->index(0, column));
     const int middle = header->sectionViewportPosition(column) + header->sectionSize(column) / 2;
     click(header->viewport(), {middle, header->height() / 2});
 }
@@ -206,6 +211,25 @@ std::vector<Action> actions(const Window &window)
         onARow(QStringLiteral("clone and save"), "cloneButton"),
         onARow(QStringLiteral("hide and save"), "hideButton"),
     };
+    all.push_back({QStringLiteral("undo hiding, and save"),
+                   [](Window &shown) {
+                       shown.emptySearch();
+                       shown.clickRow(3);
+                       shown.pressButton("hideButton");
+                   },
+                   [](Window &shown) { shown.trigger("undoAction"); }, 2 * frame});
+    all.push_back({QStringLiteral("undo a deletion, and save"),
+                   [](Window &shown) {
+                       shown.clickRow(3);
+                       shown.pressButton("deleteButton");
+                   },
+                   [](Window &shown) { shown.trigger("undoAction"); }, 2 * frame});
+    all.push_back({QStringLiteral("undo a sort, and save"),
+                   [](Window &shown) {
+                       shown.chooseView(0);
+                       shown.clickHeader(3);
+                   },
+                   [](Window &shown) { shown.trigger("undoAction"); }, 2 * frame});
     for (const int view : {0, 5, 8}) {
         all.push_back({QStringLiteral("change from view %1 to %2").arg(view).arg(view + 1),
                        [view](Window &shown) { shown.chooseView(view); },
