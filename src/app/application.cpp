@@ -70,6 +70,7 @@ Application::Application(SingleInstance &instance)
     , m_keyring(QStringLiteral("oblino"))
     , m_cloud(desktopAccounts(), contactsFolder() + QStringLiteral("/Cloud.sqlite"), m_keyring,
               {&taskRecordType()})
+    , m_filters(Defaults::standard())
     , m_sendingRun({.isOn = [] { return tskMgr().getNotification(); }, .send = sendSMS})
     , m_instance(instance)
 {
@@ -103,6 +104,7 @@ void Application::start()
     tskMgr().setCloud(m_taskCloud.get());
     m_mainWindow = std::make_unique<ViewController>(tskMgr(), Documents::standard(), uiUtil(),
                                                     NotificationCenter::standard(), contactsFolder());
+    m_mainWindow->setNamedFilters(m_filters);
     connect(m_mainWindow.get(), &ViewController::terminationRequested, this, &Application::terminate);
     connectWindows();
     connect(m_mainWindow.get(), &ViewController::told, &m_notices, &NoticeLog::add);
@@ -294,6 +296,12 @@ void Application::announceErasure(DataKind kind)
 {
     if (kind == DataKind::Whiteboard)
         m_sharingMenu.removeDraft();
+    const bool holdsNames =
+        kind != DataKind::Notes && kind != DataKind::Whiteboard && kind != DataKind::Cloud;
+    if (holdsNames) { // as the filters do
+        m_filters.clear();
+        m_mainWindow->listKeptFilters();
+    }
     for (ToolWindow *window : m_mainWindow->findChildren<ToolWindow *>())
         window->dataErased(kind);
 }

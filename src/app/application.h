@@ -5,6 +5,7 @@
 #include <base/noticelog.h>
 #include <controls/sharingmenu.h>
 #include <controls/wheelguard.h>
+#include <core/namedfilters.h>
 #include <desktop/keyring.h>
 #include <desktop/portalappearance.h>
 #include <desktop/unixsignals.h>
@@ -70,6 +71,7 @@ private:
     std::unique_ptr<TaskCloud> m_taskCloud; // goes after the session, whose answers it takes
     CloudSession m_cloud;
     NoticeLog m_notices;
+    NamedFilters m_filters;
     SendingRun m_sendingRun;
     DayWatch m_dayWatch;
     std::unique_ptr<ViewController> m_mainWindow;

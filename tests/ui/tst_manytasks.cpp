@@ -1,5 +1,6 @@
 #include "mainwindowfixture.h"
 
+#include <core/namedfilters.h>
 #include <ui/windows/tasktable.h>
 
 namespace {
@@ -94,6 +95,31 @@ private Q_SLOTS:
         QTest::mouseClick(main.table().viewport(), Qt::LeftButton, Qt::ControlModifier,
                           main.table().visualRect(main.table().model()->index(1, 3)).center());
         QCOMPARE(main.selectedName(), u"b"_s); // one stays
+    }
+
+    void narrowsWhatIsSeenByAFilterThatIsKept()
+    {
+        MainWindow main({{.name = "a", .client = "Acme"},
+                         {.name = "b", .client = "Bo"},
+                         {.name = "c", .client = "Acme"}});
+        NamedFilters filters(main.defaults);
+        main.window->setNamedFilters(filters);
+        selectRows(main, {u"c"_s});
+        QTest::keySequence(&main.table(), QKeySequence(u"Ctrl+Shift+F"_s));
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Down);
+        QCOMPARE(main.shown() + main.selectedName(), u"a cc"_s);
+        QCOMPARE(find<QLabel>(*main.window, "filterCounts").text(), u"2 of 3"_s);
+        main.click("hideButton"); // of what is seen
+        QVERIFY(main.file().contains("KEY-c|true|") && main.shown() == u"a"_s);
+        oblino::click(*main.window, "keepFilter");
+        answerNext(main, "filterName", u"Acme & Co"_s);
+        QTest::keyClick(&find<QWidget>(*main.window, "filterClient"), Qt::Key_Escape);
+        QCOMPARE(main.shown(), u"a b"_s);
+        main.views().setCurrentIndex(main.views().findText(u"Acme & Co"_s));
+        QCOMPARE(main.views().currentText() + main.shown(), u"Alla"_s);
+        QTest::keyClicks(&main.searchField(), u"b"_s);
+        QVERIFY(find<QLabel>(*main.window, "emptyTitle").text().contains(u"passes the filter"_s));
+        QCOMPARE(main.store.tasks().size(), 1); // of the store, which knows no filter
     }
 
     void keepsTheDaysInTheirTrueOrder()

@@ -197,6 +197,12 @@ QItemSelectionModel::SelectionFlags TaskTable::selectionCommand(const QModelInde
     return flags;
 }
 
+void TaskTable::selectOnly(int row)
+{
+    selectionModel()->setCurrentIndex(inRow(row),
+                                      QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows);
+}
+
 QList<int> TaskTable::selectedRows() const
 {
     QList<int> rows;
@@ -303,7 +309,7 @@ void TaskTable::keyPressEvent(QKeyEvent *event)
     if (event->matches(QKeySequence::Copy))
         event->ignore(); // tasks are copied as a whole, by a command
     else if (target >= 0)
-        setCurrentIndex(inRow(target));
+        selectOnly(target);
     else
         QTableView::keyPressEvent(event);
 }
@@ -324,7 +330,7 @@ void TaskTable::keyboardSearch(const QString &text)
         const int row = (std::max(first, 0) + i) % rows;
         const QString name = model()->index(row, TaskTableModel::nameColumn).data().toString();
         if (foldedText(name).startsWith(start))
-            return setCurrentIndex(inRow(row));
+            return selectOnly(row);
     }
 }
 

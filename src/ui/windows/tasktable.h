@@ -25,6 +25,8 @@ public:
 
     /// Has the keyboard go on from a row, if there is one, and shows it; the selection stays.
     void goToRow(int row, ScrollHint hint = EnsureVisible);
+    /// Selects a row and no other, whatever keys are held down.
+    void selectOnly(int row);
     /// The rows that are selected, rising.
     [[nodiscard]] QList<int> selectedRows() const;
     /// The one of them that counts where only one does; -1 where none is selected.

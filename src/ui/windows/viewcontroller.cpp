@@ -20,6 +20,7 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QScrollBar>
+#include <QSignalBlocker>
 #include <QToolButton>
 
 namespace oblino {
@@ -43,6 +44,7 @@ ViewController::ViewController(TaskManager &store, Documents &documents, UIUtil 
     fillViews();
     fillSortMenu();
     connectCommands();
+    connectFilter();
     viewDidLoad();
 }
 
@@ -132,6 +134,13 @@ void ViewController::comeToFront()
 
 void ViewController::ChangeView()
 {
+    if (viewIndex() >= viewLabels().size()) { // a filter that was kept, which is seen through the view
+        const QString name = m_ui->viewSelection->currentText();
+        const QSignalBlocker blocker(m_ui->viewSelection);
+        m_ui->viewSelection->setCurrentIndex(m_view);
+        return chooseKeptFilter(name);
+    }
+    m_view = viewIndex();
     trace("Change View", viewIndex());
     m_views->actions().at(viewIndex())->setChecked(true);
     disableSelectionButtons();

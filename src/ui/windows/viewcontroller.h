@@ -23,6 +23,7 @@ class QAction;
 class QActionGroup;
 class QComboBox;
 class QLabel;
+class QMenu;
 class QToolButton;
 
 namespace oblino {
@@ -33,6 +34,7 @@ class ViewController;
 
 class EmptyState;
 class FetchRequest;
+class NamedFilters;
 class NoticeBar;
 class NotificationCenter;
 class SearchField;
@@ -105,6 +107,11 @@ public:
     [[nodiscard]] QByteArray unsavedContent() const override { return m_file.text(); }
     [[nodiscard]] QString unsavedFileName() const override { return TaskListFile::name; }
     [[nodiscard]] QString rescue() override;
+
+    /// Sets the filters that the user has kept; they outlive the window. Without them none can be kept.
+    void setNamedFilters(NamedFilters &filters);
+    /// Follows when they have changed.
+    void listKeptFilters();
 
     /// Brings the window in front of the others.
     void comeToFront();
@@ -212,8 +219,13 @@ private:
     void showCounts();
     void showDue();
     void applyFilter(qsizetype rowsInView);
-    [[nodiscard]] bool isFiltered() const { return false; }
-    [[nodiscard]] int storeRow(int row) const { return row; }
+    void connectFilter();
+    void showFilter(bool isShown);
+    void fillFilterNames();
+    void keepFilter();
+    void chooseKeptFilter(const QString &name);
+    [[nodiscard]] bool isFiltered() const;
+    [[nodiscard]] int storeRow(int row) const;
     [[nodiscard]] QString keyOfShownSelection() const;
     [[nodiscard]] bool showsSelection() const { return !keyOfShownSelection().isEmpty(); }
     [[nodiscard]] int rowOfKey(const QString &key) const;
@@ -246,6 +258,10 @@ private:
     FileWatch m_watch;
     TaskTableModel m_model;
     TaskUndo *m_undo;
+    QList<int> m_filteredRows; // rows of the view that the filter admits; none while there is none
+    NamedFilters *m_keptFilters = nullptr;
+    QMenu *m_filtersMenu = nullptr;
+    int m_view = 0; // the last that was chosen
     QList<SortDescriptor> m_sortPrototypes;
     QString m_dataFolder;
     QPointer<ViewControllerAdd> m_addForm;

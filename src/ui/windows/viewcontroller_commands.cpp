@@ -3,6 +3,7 @@
 
 #include <controls/icons.h>
 #include <ui/uiutil.h>
+#include <ui/windows/filterbar.h>
 #include <ui/windows/tasktable.h>
 #include <ui/windows/viewcontrolleradd.h>
 #include <ui/windows/viewcontrolleredit.h>
@@ -82,6 +83,8 @@ void ViewController::changeList()
     reload();
     disableSelectionButtons();
     showAdded();
+    if (m_ui->filterAction->isChecked())
+        fillFilterNames();
     saveToFile();
 }
 

@@ -127,7 +127,7 @@ void ViewController::moveSelected(bool up, const QString &elsewhereMessage)
     disableSelectionButtons();
     m_store.setSelected(key);
     if (const int row = rowOfKey(key); row >= 0)
-        m_ui->tblView->selectRow(row);
+        m_ui->tblView->selectOnly(row);
     showMessage({});
     saveToFile();
 }
@@ -185,7 +185,7 @@ void ViewController::goToToday()
         return showMessage(tr("There is no task of today or later in this view."));
     m_ui->tblView->setFocus(Qt::OtherFocusReason);
     m_ui->tblView->goToRow(row, QAbstractItemView::PositionAtTop);
-    m_ui->tblView->selectRow(row);
+    m_ui->tblView->selectOnly(row);
     const QDate date = m_model.row(row).date.date();
     showMessage(
         date == today()

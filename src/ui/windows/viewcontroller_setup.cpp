@@ -153,7 +153,7 @@ void ViewController::connectCommands()
     connect(m_ui->searchField, &SearchField::left, m_ui->tblView, [this] {
         m_ui->tblView->setFocus(Qt::OtherFocusReason);
         if (m_model.rowCount() > 0 && !m_ui->tblView->selectionModel()->hasSelection())
-            m_ui->tblView->selectRow(0);
+            m_ui->tblView->selectOnly(0);
     });
     m_ui->editAction->setShortcuts({m_ui->editAction->shortcut(), Qt::Key_F2});
     connect(m_ui->tblView, &QTableView::doubleClicked, this, &ViewController::doubleClickTable);

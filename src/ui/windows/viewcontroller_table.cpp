@@ -112,7 +112,7 @@ void ViewController::restoreSelection(const QString &key)
 {
     const int row = key.isEmpty() ? -1 : rowOfKey(key);
     if (row >= 0) {
-        m_ui->tblView->selectRow(row);
+        m_ui->tblView->selectOnly(row);
         m_ui->tblView->scrollTo(m_model.index(row, m_ui->tblView->currentIndex().column()));
         return;
     }
@@ -150,6 +150,12 @@ void ViewController::showCounts()
     m_emptyState->setVisible(shown == 0);
     if (shown > 0)
         return;
+    if (isFiltered() && m_store.countInView() > 0) {
+        m_emptyState->setText(
+            tr("No task of the view %1 passes the filter").arg(m_ui->viewSelection->currentText()),
+            tr("Press Esc in the filter to close it."));
+        return;
+    }
     const EmptyText text = emptyText({.view = m_ui->viewSelection->currentText(),
                                       .searchTerm = m_store.isSearching() ? m_store.searchTerm() : QString(),
                                       .all = all,
