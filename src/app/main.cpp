@@ -1,4 +1,5 @@
 #include <app/application.h>
+#include <app/commandline.h>
 
 #include <config.h>
 #include <controls/icons.h>
@@ -14,6 +15,7 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <optional>
 
 namespace {
 
@@ -56,6 +58,8 @@ void chooseAudioBackend()
 int main(int argc, char *argv[])
 {
     openMissingStandardStreams();
+    if (const std::optional<int> code = oblino::answeredCommandLine({argv, static_cast<size_t>(argc)}))
+        return *code;
     ensureHome();
     if (!hasDisplay()) {
         std::fputs("oblino: no display: neither DISPLAY nor WAYLAND_DISPLAY is set\n", stderr);

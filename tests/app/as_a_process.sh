@@ -34,6 +34,16 @@ end_by() {
 }
 content() { find "$1" -printf '%P %s %T@\n' | sort; }
 
+answer() { # <exit code> <what is said> [arguments]
+    local code=0 said
+    said=$(env -u QT_QPA_PLATFORM HOME=/nonexistent "$program" "${@:3}" 2>&1) || code=$?
+    [ "$code" = "$1" ] && [[ $said == $2 ]] || fail "${*:3} ends with $code and says: $said"
+}
+answer 0 'Oblino '[0-9]*.*[0-9] --version
+answer 0 'Usage: oblino *--version*' -style fusion --help
+answer 2 'oblino: unknown option --frob; try oblino --help' -platform=offscreen --frob
+answer 2 'oblino: unknown argument list.txt; try oblino --help' list.txt
+
 # with_home <signal> <command that changes the home>: it starts, changes nothing, and ends.
 with_home() {
     local before

@@ -179,6 +179,25 @@ private Q_SLOTS:
         QVERIFY(!main.file().contains("|true|"));
     }
 
+    void tellsItsShortcuts()
+    {
+        const MainWindow main(fourTasks);
+        QCOMPARE(main.button("deleteButton").toolTip(), u"Select a task first."_s);
+        QVERIFY(find<QAction>(*main.window, "newTaskAction").toolTip() == u"Add a task (Ctrl+N)"_s);
+        find<QAction>(*main.window, "shortcutsAction").trigger();
+        const auto &table = find<QTableView>(*main.window, "shortcutTable");
+        QVERIFY(columnOf(table, 2).contains(u"Ctrl+E, F2"_s));
+        QTest::keyClicks(&find<QLineEdit>(*main.window, "shortcutSearch"), u"shift+z"_s);
+        QCOMPARE(columnOf(table, 0) + columnOf(table, 1), u"EditRedo"_s);
+        QSet<QString> keys; // none has two commands
+        for (const QAction *action : main.window->findChildren<QAction *>()) {
+            for (const QKeySequence &key : action->shortcuts()) {
+                QVERIFY2(!keys.contains(key.toString()), qPrintable(key.toString()));
+                keys.insert(key.toString());
+            }
+        }
+    }
+
     void deletesOnlyOnAnExplicitYesTheTaskItAskedAbout()
     {
         MainWindow main(fourTasks);

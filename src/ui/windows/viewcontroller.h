@@ -205,6 +205,7 @@ private:
     void find();
     void copyTask();
     void copyKey();
+    void showShortcuts();
     void about();
     void holdCommands();
     void releaseCommands();

@@ -1,7 +1,10 @@
 // The commands of the main window on the selected task.
 #include <ui/windows/viewcontroller.h>
 
+#include <config.h>
+
 #include <controls/icons.h>
+#include <controls/shortcutlist.h>
 #include <ui/uiutil.h>
 #include <ui/windows/filterbar.h>
 #include <ui/windows/tasktable.h>
@@ -13,8 +16,9 @@
 #include <core/taskmanager.h>
 #include <core/taskviews.h>
 
+#include <QApplication>
 #include <QClipboard>
-#include <QCoreApplication>
+#include <QFile>
 #include <QGuiApplication>
 #include <QLabel>
 #include <QMessageBox>
@@ -45,7 +49,7 @@ void ViewController::setSelectionCommandsEnabled(bool enabled)
     const auto enable = [this](QAction *action, bool isEnabled, const QString &whyNot) {
         action->setEnabled(isEnabled);
         if (action != m_ui->hideAction) // its tool tip says which way it works
-            action->setToolTip(isEnabled ? m_toolTips.value(action) : whyNot);
+            action->setToolTip(isEnabled ? toolTipWithShortcut(m_toolTips.value(action), *action) : whyNot);
     };
     for (QAction *action :
          {m_ui->deleteAction, m_ui->hideAction, m_ui->closeAction, m_ui->copyAction, m_ui->clientOfAction,
@@ -243,13 +247,30 @@ void ViewController::copyKey()
     showMessage(tr("Task key copied."));
 }
 
+void ViewController::showShortcuts()
+{
+    auto *window = new ShortcutsWindow(shortcutRows(*m_ui->menuBar), this);
+    window->setAttribute(Qt::WA_DeleteOnClose);
+    window->open();
+}
+
 void ViewController::about()
 {
-    QMessageBox::about(
-        this, tr("About Oblino"),
+    auto *box = new QMessageBox(QMessageBox::NoIcon, tr("About Oblino"), {}, QMessageBox::Close, this);
+    box->setObjectName(QStringLiteral("about"));
+    box->setAttribute(Qt::WA_DeleteOnClose);
+    constexpr int iconSize = 64;
+    box->setIconPixmap(QApplication::windowIcon().pixmap(iconSize));
+    box->setTextFormat(Qt::RichText);
+    box->setText(
         tr("<h3>Oblino %1</h3><p>Plan work as a list of tasks, and text clients and team members "
-           "their schedules.</p>")
-            .arg(QCoreApplication::applicationVersion()));
+           "their schedules.</p><p>Its page: <a href=\"%2\">%2</a></p><p>Free software under the MIT "
+           "licence; it comes without any warranty.</p>")
+            .arg(QApplication::applicationVersion(), QStringLiteral(OBLINO_STORE_ADDRESS)));
+    QFile licence(QStringLiteral(":/LICENSE"));
+    if (licence.open(QIODevice::ReadOnly))
+        box->setDetailedText(QString::fromUtf8(licence.readAll()));
+    box->open();
 }
 
 } // namespace oblino

@@ -6,6 +6,7 @@
 #include <controls/icons.h>
 #include <controls/noticebar.h>
 #include <controls/searchfield.h>
+#include <controls/shortcutlist.h>
 #include <ui/windows/tasktable.h>
 #include <ui/windows/taskundo.h>
 #include <ui_viewcontroller.h>
@@ -89,6 +90,8 @@ void ViewController::bindOutlets()
 
     for (QAction *action : findChildren<QAction *>()) {
         m_toolTips.insert(action, action->toolTip());
+        if (action != m_ui->hideAction) // whose tool tip says which way it works
+            action->setToolTip(toolTipWithShortcut(action->toolTip(), *action));
         if (const QString icon = action->property("iconName").toString(); !icon.isEmpty())
             action->setIcon(themedIcon(icon));
     }
@@ -122,6 +125,7 @@ void ViewController::connectCommands()
         {m_ui->whiteboardAction, &ViewController::whiteboardRequested},
         {m_ui->earlierVersionsAction, &ViewController::earlierVersionsRequested},
         {m_ui->eraserAction, &ViewController::eraserRequested},
+        {m_ui->shortcutsAction, &ViewController::showShortcuts},
         {m_ui->aboutAction, &ViewController::about}};
     for (const auto &[action, command] : commands)
         connect(action, &QAction::triggered, this, command);
