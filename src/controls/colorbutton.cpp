@@ -1,10 +1,13 @@
 #include <controls/colorbutton.h>
 
+#include <controls/colorname.h>
+#include <controls/colorpopup.h>
+#include <controls/swatches.h>
 #include <controls/theme.h>
 
 #include <QColorDialog>
+#include <QKeyEvent>
 #include <QPainter>
-#include <QPointer>
 
 namespace oblino {
 
@@ -31,20 +34,40 @@ ColorButton::ColorButton(QWidget *parent)
     : QPushButton(parent)
 {
     setMinimumSize(72, 32);
-    connect(this, &QPushButton::clicked, this, &ColorButton::openPanel);
+    setToolTip(tr("Choose a color"));
+    connect(this, &QPushButton::clicked, this, &ColorButton::openPopup);
 }
 
 void ColorButton::setColor(const Color &color)
 {
     m_color = color;
-    setAccessibleDescription(screenColor(color).name(QColor::HexArgb));
+    setAccessibleName(tr("Color: %1").arg(colorName(color)));
+    if (m_popup)
+        m_popup->close(); // which marks the one before, perhaps of the other appearance
     update();
 }
 
 void ColorButton::deactivate()
 {
+    if (m_popup)
+        m_popup->close();
     if (m_panel)
         m_panel->hide();
+}
+
+void ColorButton::openPopup()
+{
+    const QList<Color> colors = m_use == Use::Pen ? penSwatches() : taskSwatches(isDark(palette()));
+    m_popup = new ColorPopup(colors, m_color, this);
+    connect(m_popup, &ColorPopup::picked, this, &ColorButton::pick);
+    connect(m_popup, &ColorPopup::moreChosen, this, &ColorButton::openPanel);
+    m_popup->showAt(*this);
+}
+
+void ColorButton::pick(const Color &color)
+{
+    setColor(color);
+    Q_EMIT picked();
 }
 
 void ColorButton::openPanel()
@@ -58,13 +81,21 @@ void ColorButton::openPanel()
         m_panel->setOptions(QColorDialog::ShowAlphaChannel | QColorDialog::DontUseNativeDialog);
         connect(m_panel, &QColorDialog::currentColorChanged, this, &ColorButton::panelColorChanged);
         connect(m_panel, &QColorDialog::colorSelected, this, [this](const QColor &color) {
-            if (color != screenColor(m_color))
-                setColor(pickedColor(color));
-            Q_EMIT picked();
+            pick(color == screenColor(m_color) ? m_color : pickedColor(color));
         });
     }
     m_panel->setCurrentColor(screenColor(m_color));
     m_panel->open();
+}
+
+void ColorButton::keyPressEvent(QKeyEvent *event)
+{
+    const bool isReturn = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    const bool isAltDown = event->key() == Qt::Key_Down && event->modifiers() == Qt::AltModifier;
+    if (isReturn || isAltDown)
+        click();
+    else
+        QPushButton::keyPressEvent(event);
 }
 
 void ColorButton::paintEvent(QPaintEvent *event)

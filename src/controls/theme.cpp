@@ -30,10 +30,8 @@ constexpr Tones dark = {0xff22262b, 0xff000000, 0xffe7eaee, 0xff2c3138, 0xff7d87
 // Relative luminance, 0..1, as the Web Content Accessibility Guidelines 2.1 define it.
 double luminance(const QColor &color)
 {
-    const auto linear = [](double component) {
-        return component <= 0.04045 ? component / 12.92 : std::pow((component + 0.055) / 1.055, 2.4);
-    };
-    return 0.2126 * linear(color.redF()) + 0.7152 * linear(color.greenF()) + 0.0722 * linear(color.blueF());
+    return 0.2126 * linearComponent(color.redF()) + 0.7152 * linearComponent(color.greenF()) +
+           0.0722 * linearComponent(color.blueF());
 }
 
 bool desktopHasStyle()
@@ -91,6 +89,11 @@ QColor screenColor(const Color &color)
     const auto inside = [](double component) { return static_cast<float>(std::clamp(component, 0.0, 1.0)); };
     return QColor::fromRgbF(inside(color.red()), inside(color.green()), inside(color.blue()),
                             inside(color.alpha()));
+}
+
+double linearComponent(double component)
+{
+    return component <= 0.04045 ? component / 12.92 : std::pow((component + 0.055) / 1.055, 2.4);
 }
 
 QColor readableOn(const QColor &background)

@@ -19,6 +19,9 @@ void applyAppearance(bool dark);
 /// The colour for the screen: components outside 0..1 count as the nearest inside.
 [[nodiscard]] QColor screenColor(const Color &color);
 
+/// A component of sRGB, 0..1, as the light that it stands for, 0..1.
+[[nodiscard]] double linearComponent(double component);
+
 /// Black or white, whichever contrasts more with an opaque background.
 [[nodiscard]] QColor readableOn(const QColor &background);
 

@@ -173,6 +173,7 @@ private Q_SLOTS:
         add.open(false);
         for (const QColor &color : {QColor(10, 20, 30), QColor(Qt::black)}) {
             click(*add.form, "color");
+            click(add.field<QWidget>("colorPopup"), "moreColors");
             auto &panel = add.field<QColorDialog>("colorPanel");
             panel.setCurrentColor(color);
             panel.accept();

@@ -67,6 +67,7 @@ void ViewControllerWhiteboard::connectControls()
 void ViewControllerWhiteboard::viewDidLoad()
 {
     showNotice({});
+    m_ui->color->setUse(ColorButton::Use::Pen);
     m_ui->color->setColor(GlobalVariable::colorWell);
     addLine();
 }
