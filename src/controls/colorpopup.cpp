@@ -117,13 +117,16 @@ void ColorPopup::addButton(QAbstractButton *button, int columnSpan)
 
 void ColorPopup::showAt(const QWidget &button)
 {
-    const QRect screen = button.screen()->availableGeometry();
+    showAt({button.mapToGlobal(QPoint()), button.size()}, button.screen()->availableGeometry());
+}
+
+void ColorPopup::showAt(const QRect &place, const QRect &screen)
+{
     const QSize size = sizeHint();
-    QPoint place = button.mapToGlobal(QPoint(0, button.height()));
-    if (place.y() + size.height() > screen.bottom())
-        place.setY(button.mapToGlobal(QPoint()).y() - size.height());
-    place.setX(std::clamp(place.x(), screen.left(), std::max(screen.left(), screen.right() - size.width())));
-    move(place);
+    const bool hasRoom = place.bottom() + 1 + size.height() <= screen.bottom();
+    const int right = std::max(screen.left(), screen.right() - size.width());
+    move(std::clamp(place.left(), screen.left(), right),
+         hasRoom ? place.bottom() + 1 : place.top() - size.height());
     show();
     if (m_first)
         m_first->setFocus(Qt::PopupFocusReason);

@@ -22,6 +22,8 @@ public:
 
     /// Shows itself below the button, or above where the screen has no room.
     void showAt(const QWidget &button);
+    /// Shows itself below a place on the screen, or above.
+    void showAt(const QRect &place, const QRect &screen);
 
 Q_SIGNALS:
     void picked(const oblino::Color &color);

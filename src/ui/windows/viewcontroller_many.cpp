@@ -1,6 +1,8 @@
 // The commands of the main window on several tasks at once.
 #include <ui/windows/viewcontroller.h>
 
+#include <controls/colorpopup.h>
+#include <controls/swatches.h>
 #include <controls/theme.h>
 #include <ui/uiutil.h>
 #include <ui/windows/tasktable.h>
@@ -18,6 +20,7 @@
 #include <QGuiApplication>
 #include <QInputDialog>
 #include <QLocale>
+#include <QScreen>
 #include <QSet>
 
 #include <algorithm>
@@ -192,15 +195,25 @@ void ViewController::changeColor()
 {
     if (!showsSelection())
         return;
-    auto *dialog = new QColorDialog(screenColor(m_store.getSelectedTask().color), this);
-    dialog->setAttribute(Qt::WA_DeleteOnClose);
-    dialog->setObjectName(QStringLiteral("changeColor"));
-    dialog->setOption(QColorDialog::DontUseNativeDialog);
-    connect(dialog, &QColorDialog::colorSelected, this, [this](const QColor &chosen) {
-        const Color color(chosen.redF(), chosen.greenF(), chosen.blueF(), chosen.alphaF());
+    const Color present = m_store.getSelectedTask().color;
+    auto *popup = new ColorPopup(taskSwatches(m_store.inDarkMode()), present, this);
+    const auto change = [this](const Color &color) {
         changeMany(ChangeKind::Edit, [color](task &t) { t.color = color; });
+    };
+    connect(popup, &ColorPopup::picked, this, change);
+    connect(popup, &ColorPopup::moreChosen, this, [this, present, change] {
+        auto *dialog = new QColorDialog(screenColor(present), this);
+        dialog->setAttribute(Qt::WA_DeleteOnClose);
+        dialog->setObjectName(QStringLiteral("changeColor"));
+        dialog->setOption(QColorDialog::DontUseNativeDialog);
+        connect(dialog, &QColorDialog::colorSelected, this, [change](const QColor &chosen) {
+            change(Color(chosen.redF(), chosen.greenF(), chosen.blueF(), chosen.alphaF()));
+        });
+        dialog->open();
     });
-    dialog->open();
+    const QRect cell = m_ui->tblView->visualRect(m_ui->tblView->currentIndex());
+    popup->showAt({m_ui->tblView->viewport()->mapToGlobal(cell.topLeft()), cell.size()},
+                  screen()->availableGeometry());
 }
 
 } // namespace oblino
