@@ -55,6 +55,15 @@ namespace {
 // A portal that is slower than this colours the window late rather than holding the start up.
 constexpr auto portalTime = 250ms;
 
+// Of the settings.
+const struct
+{
+    QString columns = QStringLiteral("table.columns");
+    QString view = QStringLiteral("table.view");
+    QString order = QStringLiteral("table.order");
+    QString isDescending = QStringLiteral("table.descending");
+} tableKeys;
+
 // The account belongs to the desktop, so it is not among the program's settings.
 CloudAccounts desktopAccounts()
 {
@@ -105,6 +114,7 @@ void Application::start()
     m_mainWindow = std::make_unique<ViewController>(tskMgr(), Documents::standard(), uiUtil(),
                                                     NotificationCenter::standard(), contactsFolder());
     m_mainWindow->setNamedFilters(m_filters);
+    bringBackTable();
     connect(m_mainWindow.get(), &ViewController::terminationRequested, this, &Application::terminate);
     connectWindows();
     connect(m_mainWindow.get(), &ViewController::told, &m_notices, &NoticeLog::add);
@@ -323,6 +333,27 @@ void Application::tellNotRemembered()
     box->open();
 }
 
+void Application::bringBackTable()
+{
+    const Defaults &settings = Defaults::standard();
+    m_mainWindow->setLook({settings.text(tableKeys.columns).value_or(QString()),
+                           static_cast<int>(settings.integer(tableKeys.view)),
+                           settings.text(tableKeys.order).value_or(QString()),
+                           settings.boolean(tableKeys.isDescending)});
+}
+
+// Sizes and flags only; what cannot be written now is no loss.
+void Application::rememberTable()
+{
+    Defaults &settings = Defaults::standard();
+    const TableLook look = m_mainWindow->look();
+    settings.setText(tableKeys.columns, look.columns);
+    settings.setInteger(tableKeys.view, look.view);
+    settings.setText(tableKeys.order, look.order);
+    settings.setBool(tableKeys.isDescending, look.isDescending);
+    (void)settings.save();
+}
+
 void Application::followAppearance()
 {
     applyAppearance(tskMgr().inDarkMode());
@@ -354,6 +385,7 @@ void Application::terminate()
     disconnect(m_mainWindow.get(), &ViewController::terminationRequested, this, nullptr);
     m_mainWindow->setQuitGuard([] { return true; }); // it has asked, or there is no time to
     m_mainWindow->giveUpForms();
+    rememberTable();
     const QWidgetList windows = QApplication::topLevelWidgets();
     for (QWidget *window : windows) {
         if (window->isVisible() && !qobject_cast<QMessageBox *>(window))

@@ -51,6 +51,8 @@ private:
     void announceErasure(DataKind kind);
     void announceRestoring(DataKind kind);
     void tellNotRemembered();
+    void bringBackTable();
+    void rememberTable();
     void followAppearance();
     void followDay();
     /// Asks where something would be broken off.

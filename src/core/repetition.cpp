@@ -107,7 +107,7 @@ QDateTime moved(const QDateTime &moment, qint64 days)
     if (!local.isValid())
         return moment;
     const QDate day = local.date().addDays(days);
-    const QDateTime start = day.startOfDay();
+    QDateTime start = day.startOfDay();
     if (local == local.date().startOfDay())
         return start;
     const QDateTime same(day, local.time());

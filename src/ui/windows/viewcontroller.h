@@ -1,5 +1,6 @@
 #pragma once
 
+#include <ui/windows/tablelook.h>
 #include <ui/windows/tasktablemodel.h>
 
 #include <base/unsavedwork.h>
@@ -112,6 +113,10 @@ public:
     void setNamedFilters(NamedFilters &filters);
     /// Follows when they have changed.
     void listKeptFilters();
+
+    [[nodiscard]] TableLook look() const;
+    /// Shows the table so; what of it makes no sense is left as it is.
+    void setLook(const TableLook &look);
 
     /// Brings the window in front of the others.
     void comeToFront();

@@ -61,6 +61,25 @@ void ViewController::sortBy(const SortDescriptor &order)
     restoreSelection(key);
 }
 
+TableLook ViewController::look() const
+{
+    return {m_ui->tblView->columns(), viewIndex(), m_order.key.value_or(QString()), !m_order.ascending};
+}
+
+void ViewController::setLook(const TableLook &look)
+{
+    m_ui->tblView->setColumns(look.columns);
+    const qsizetype column = m_sortPrototypes.indexOf(SortDescriptor{look.order, true});
+    if (look.order == dateAndTimeOrder) {
+        sortByDateAndTime();
+    } else if (column >= 0) {
+        m_ui->tblView->horizontalHeader()->setSortIndicator(
+            static_cast<int>(column), look.isDescending ? Qt::DescendingOrder : Qt::AscendingOrder);
+    }
+    if (look.view >= 0 && look.view < viewLabels().size())
+        m_ui->viewSelection->setCurrentIndex(look.view);
+}
+
 void ViewController::sortByDateAndTime()
 {
     invalidateSortOrder();
