@@ -79,6 +79,33 @@ private Q_SLOTS:
         QCOMPARE(main.file(), main.listAtStart);
     }
 
+    void repeatsATask()
+    {
+        QLocale::setDefault(QLocale(u"de_DE"_s));
+        MainWindow main({{.name = "a", .date = "3/7/26", .status = 1}}); // a Saturday
+        main.clickRow(u"a"_s);
+        QTest::keySequence(&main.table(), QKeySequence(u"Ctrl+Shift+D"_s));
+        auto &window = find<QDialog>(*main.window, "RepeatWindow");
+        QTRY_COMPARE(QApplication::activeWindow(), &window);
+        QTest::keyClick(&find<QCheckBox>(window, "weekday1"), Qt::Key_Space); // Mondays as well
+        type(find<QWidget>(window, "until"), u"29.03.2026"_s); // where the clocks change in Europe
+        auto &preview = find<QListWidget>(window, "preview");
+        QCOMPARE(preview.count(), 6);
+        QCOMPARE(preview.item(0)->text(), u"Montag, 9. März 2026"_s);
+        QCOMPARE(find<QLabel>(window, "summary").text(), u"6 copies, the last on Samstag, 28. März 2026"_s);
+        QTest::keyClick(&preview, Qt::Key_Down);
+        QTest::keyClick(&preview, Qt::Key_Space); // not on the second
+        click(window, "repeatButton");
+        QByteArrayList days;
+        for (const QByteArray &row : main.file().split('^'))
+            days += row.split('|').value(0) + ' ' + row.split('|').value(7) + ' ' + row.split('|').value(10);
+        QCOMPARE(days.join(','),
+                 "3/7/26 3/9/26 Closed,3/9/26 3/11/26 Open,3/16/26 3/18/26 Open,3/21/26 3/23/26 "
+                 "Open,3/23/26 3/25/26 Open,3/28/26 3/30/26 Open,  ");
+        find<QAction>(*main.window, "undoAction").trigger();
+        QCOMPARE(main.file(), main.listAtStart);
+    }
+
     void knowsWhatIsSelected()
     {
         MainWindow main({{.name = "a"}, {.name = "b"}, {.name = "c", .status = 1}});

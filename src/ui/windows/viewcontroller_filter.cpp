@@ -166,6 +166,4 @@ void ViewController::chooseKeptFilter(const QString &name)
     }
 }
 
-void ViewController::repeatTask() {}
-
 } // namespace oblino

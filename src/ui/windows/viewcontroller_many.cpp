@@ -5,6 +5,7 @@
 #include <controls/swatches.h>
 #include <controls/theme.h>
 #include <ui/uiutil.h>
+#include <ui/windows/repeatwindow.h>
 #include <ui/windows/tasktable.h>
 #include <ui_viewcontroller.h>
 
@@ -214,6 +215,23 @@ void ViewController::changeColor()
     const QRect cell = m_ui->tblView->visualRect(m_ui->tblView->currentIndex());
     popup->showAt({m_ui->tblView->viewport()->mapToGlobal(cell.topLeft()), cell.size()},
                   screen()->availableGeometry());
+}
+
+void ViewController::repeatTask()
+{
+    if (!showsSelection())
+        return;
+    const task original = m_store.getSelectedTask();
+    auto *window = new RepeatWindow(original, this);
+    window->setAttribute(Qt::WA_DeleteOnClose);
+    connect(window, &QDialog::accepted, this, [this, window, original] {
+        const QList<QDate> days = window->days();
+        for (const QDate day : days)
+            m_store.addTask(copyOnDay(original, day), ChangeKind::Repeat);
+        invalidateSortOrder();
+        changeList();
+    });
+    window->open();
 }
 
 } // namespace oblino
