@@ -26,6 +26,20 @@ QString ContactModel::text(int row, ContactColumn column) const
     return index(row, column).data().toString();
 }
 
+ContactModel::Contact ContactModel::take(int row)
+{
+    Contact taken = {key(row), texts(row)};
+    removeRow(row);
+    return taken;
+}
+
+void ContactModel::insert(int row, const Contact &contact)
+{
+    auto *name = new QStandardItem(contact.texts.at(NameColumn));
+    name->setData(contact.key, keyRole);
+    insertRow(row, {name, new QStandardItem(contact.texts.at(PhoneNoColumn))});
+}
+
 QString ContactModel::load(const QSqlDatabase &database)
 {
     QSqlQuery query =

@@ -27,6 +27,16 @@ public:
     [[nodiscard]] const QString &entityName() const { return m_entityName; }
     [[nodiscard]] QString text(int row, ContactColumn column) const;
 
+    /// A contact outside the list; put in again before what is pending is written, it is the same one on
+    /// disk.
+    struct Contact
+    {
+        qint64 key = 0; ///< on disk; 0 for one that is not there yet
+        std::array<QString, 2> texts;
+    };
+    [[nodiscard]] Contact take(int row);
+    void insert(int row, const Contact &contact);
+
     /// Replaces everything, what is pending too, by what is on disk, or by nothing where that cannot be read.
     /// @return an error
     [[nodiscard]] QString load(const QSqlDatabase &database);

@@ -15,11 +15,15 @@ QString stored(const TemporaryHome &home, const QString &table = u"Clients"_s)
     return runElsewhere(home.privateFolder(), rows.arg(table)).join(u' ');
 }
 
-/// Types into what has the focus; \n stands for Return, \t for Tab, \f for End, \x1b for Escape.
+/// Types into what has the focus; \n stands for Return, \t for Tab, \f for End, and as ASCII has them Esc,
+/// Del.
 void type(const QString &text)
 {
-    static const QHash<QChar, Qt::Key> keys = {
-        {u'\n', Qt::Key_Return}, {u'\t', Qt::Key_Tab}, {u'\f', Qt::Key_End}, {u'\x1b', Qt::Key_Escape}};
+    static const QHash<QChar, Qt::Key> keys = {{u'\n', Qt::Key_Return},
+                                               {u'\t', Qt::Key_Tab},
+                                               {u'\f', Qt::Key_End},
+                                               {u'\x1b', Qt::Key_Escape},
+                                               {u'\x7f', Qt::Key_Delete}};
     for (const QChar character : text) {
         if (keys.contains(character))
             QTest::keyClick(QApplication::focusWidget(), keys.value(character));
@@ -142,6 +146,46 @@ private Q_SLOTS:
         QCOMPARE(successes.size(), 1);
     }
 
+    void takesStepsBackByKeysUntilItCloses()
+    {
+        const TemporaryHome home;
+        storeContacts<Clients>(home.privateFolder(), {{u"Cid"_s, u"2"_s}, {u"A&B"_s, u"1"_s}, {u"x"_s, {}}});
+        const Window window(home);
+        clickHeader(*window.table, NameColumn);
+        const auto &undo = find<QToolButton>(*window.controller, "undoButton");
+        const auto &redo = find<QToolButton>(*window.controller, "redoButton");
+        QVERIFY(!undo.isEnabled());
+        clickCell(*window.table, 0, NameColumn);
+        clickCell(*window.table, 1, NameColumn, Qt::ShiftModifier);
+        QContextMenuEvent menu(QContextMenuEvent::Keyboard, {}, {});
+        QCoreApplication::sendEvent(window.table, &menu);
+        auto &entries = find<QMenu>(*window.controller, "contactMenu");
+        QCOMPARE(entries.pos(), window.table->viewport()->mapToGlobal(
+                                    window.table->visualRect(window.table->currentIndex()).bottomLeft()));
+        entries.close();
+        showActive(*window.controller);
+        type(u"\x7f"_s);
+        QCOMPARE(window.shown(), u"x"_s);
+        QCOMPARE(undo.toolTip(), u"Undo Remove 2 Contacts"_s);
+        QTest::keySequence(window.table, QKeySequence(u"Ctrl+Z"_s));
+        QCOMPARE(window.shown(), u"A&B Cid x"_s);
+        QCOMPARE(window.table->selectionModel()->selectedRows().size(), 1);
+        clickCell(*window.table, 0, NameColumn);
+        QTest::keySequence(window.table, QKeySequence(u"Ctrl+Shift+C"_s));
+        QCOMPARE(QGuiApplication::clipboard()->text(), u"1"_s);
+        window.click("removeButton");
+        QCOMPARE(undo.toolTip(), u"Undo Remove “A&B”"_s);
+        QCOMPARE(undo.defaultAction()->text(), u"&Undo Remove “A&&B”"_s);
+        window.typeAt(0, PhoneNoColumn, u"9\n"_s);
+        window.click("undoButton");
+        QCOMPARE(redo.toolTip(), u"Redo Change Number of “Cid”"_s);
+        QTest::keySequence(window.table, QKeySequence(u"Ctrl+Z"_s));
+        QCOMPARE(window.controller->saveNow(), QString());
+        QCOMPARE(stored(home), u"Cid:2 A&B:1 x:"_s);
+        QVERIFY(!undo.isEnabled() && !redo.isEnabled());
+        QCOMPARE(undo.toolTip(), u"Nothing to undo."_s);
+    }
+
     // What was erased must not come back with what the window still has, though it cannot read the store.
     void dropsWhatItStillHasWhenTheEraserSaysSo()
     {
@@ -157,6 +201,7 @@ private Q_SLOTS:
         QVERIFY(window.controller->isUnsaved());
         window.controller->reload(Clients::fetchRequest());
         QVERIFY(!window.controller->isUnsaved());
+        QVERIFY(!find<QToolButton>(*window.controller, "undoButton").isEnabled());
         runElsewhere(home.privateFolder(), u"COMMIT"_s);
         QTRY_VERIFY(!window.controller);
         QCOMPARE(stored(home), QString());

@@ -1,31 +1,39 @@
 #include <contacts/windows/contactlist.h>
 
-#include <contacts/contactmodel.h>
+#include <contacts/contacthistory.h>
 
 namespace oblino {
 
-ContactList::ContactList(QObject *parent)
+ContactList::ContactList(QObject *parent, ContactHistory *history)
     : QSortFilterProxyModel(parent)
+    , m_history(history)
 {
     setDynamicSortFilter(false);
 }
 
 QModelIndex ContactList::add()
 {
-    QAbstractItemModel *contacts = sourceModel();
-    const int row = contacts ? contacts->rowCount() : 0;
-    if (!contacts || !contacts->insertRow(row))
+    if (!m_history || !sourceModel())
         return {};
-    return mapFromSource(contacts->index(row, NameColumn));
+    m_history->add();
+    return mapFromSource(sourceModel()->index(sourceModel()->rowCount() - 1, NameColumn));
 }
 
 void ContactList::remove(const QModelIndexList &rows)
 {
-    QList<QPersistentModelIndex> leaving;
+    QList<int> leaving;
     for (const QModelIndex &index : rows)
-        leaving += mapToSource(index);
-    for (const QPersistentModelIndex &index : leaving)
-        sourceModel()->removeRow(index.row());
+        leaving += mapToSource(index).row();
+    if (m_history)
+        m_history->remove(leaving);
+}
+
+bool ContactList::setData(const QModelIndex &index, const QVariant &value, int role)
+{
+    if (!m_history || role != Qt::EditRole || !index.isValid())
+        return false;
+    m_history->setText(mapToSource(index).row(), ContactColumn(index.column()), value.toString());
+    return true;
 }
 
 QVariant ContactList::headerData(int section, Qt::Orientation /*orientation*/, int role) const

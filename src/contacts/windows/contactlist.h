@@ -5,14 +5,18 @@
 
 namespace oblino {
 
-/// The list controller of a contact table: adds and removes contacts, names the columns, and sorts for the
-/// eye only. Sorting happens when it is asked for, so that no row moves while one edits it.
+class ContactHistory;
+
+/// The list controller of a contact table: adds, edits and removes contacts as steps of a history, names the
+/// columns, and sorts for the eye only. Sorting happens when it is asked for, so that no row moves while one
+/// edits it.
 class ContactList : public QSortFilterProxyModel
 {
     Q_OBJECT
 
 public:
-    explicit ContactList(QObject *parent);
+    /// @param history  none for a list that nobody changes
+    explicit ContactList(QObject *parent, ContactHistory *history = nullptr);
 
     /// Adds an empty contact at the end. @return its name cell, invalid when there is nothing to add to
     QModelIndex add();
@@ -22,9 +26,13 @@ public:
 
     [[nodiscard]] QVariant headerData(int section, Qt::Orientation orientation,
                                       int role = Qt::DisplayRole) const override;
+    bool setData(const QModelIndex &index, const QVariant &value, int role = Qt::EditRole) override;
 
 protected:
     [[nodiscard]] bool lessThan(const QModelIndex &left, const QModelIndex &right) const override;
+
+private:
+    ContactHistory *m_history;
 };
 
 } // namespace oblino

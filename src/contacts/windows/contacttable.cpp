@@ -3,7 +3,7 @@
 #include <contacts/windows/contactdelegate.h>
 #include <controls/tableheader.h>
 
-#include <QEvent>
+#include <QContextMenuEvent>
 #include <QPainter>
 #include <QTextOption>
 
@@ -59,6 +59,14 @@ void ContactTable::endEditing()
         commitData(editor);
         closeEditor(editor, QAbstractItemDelegate::NoHint);
     }
+}
+
+// By the key it opens at the current row, not in the middle of the table.
+void ContactTable::contextMenuEvent(QContextMenuEvent *event)
+{
+    scrollTo(currentIndex());
+    const QPoint row = viewport()->mapToGlobal(visualRect(currentIndex()).bottomLeft());
+    Q_EMIT menuRequested(event->reason() == QContextMenuEvent::Keyboard ? row : event->globalPos());
 }
 
 void ContactTable::paintEvent(QPaintEvent *event)

@@ -23,7 +23,13 @@ public:
     /// Commits and closes the editor that is open, if any.
     void endEditing();
 
+Q_SIGNALS:
+    /// The menu of the selected contacts is asked for.
+    /// @param place  on the screen
+    void menuRequested(const QPoint &place);
+
 protected:
+    void contextMenuEvent(QContextMenuEvent *event) override;
     void paintEvent(QPaintEvent *event) override;
     void changeEvent(QEvent *event) override;
     void closeEditor(QWidget *editor, QAbstractItemDelegate::EndEditHint hint) override;

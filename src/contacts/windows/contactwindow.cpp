@@ -7,11 +7,8 @@
 #include <files/earlierversions.h>
 #include <ui_contactwindow.h>
 
-#include <QItemSelectionModel>
-#include <QPushButton>
 #include <QStandardPaths>
 
-#include <algorithm>
 #include <utility>
 
 namespace oblino {
@@ -38,7 +35,7 @@ ContactWindow::ContactWindow(Kind kind, const QString &folder, QWidget *parent,
     , m_kind(std::move(kind))
     , m_folder(folder)
     , persistentContainer(std::make_unique<ContactStore>(folder))
-    , m_list(new ContactList(this))
+    , m_list(new ContactList(this, &m_history))
 {
     m_ui->setupUi(this);
     setWindowTitle(m_kind.title);
@@ -47,9 +44,7 @@ ContactWindow::ContactWindow(Kind kind, const QString &folder, QWidget *parent,
     m_ui->table->setModel(m_list);
     m_list->setObjectName(m_kind.tableName + QLatin1String("Array"));
     m_ui->addButton->setToolTip(tr("Add a %1 at the end of the list").arg(m_kind.singular));
-    connect(m_ui->table->selectionModel(), &QItemSelectionModel::selectionChanged, this,
-            &ContactWindow::enableRemoving);
-    enableRemoving();
+    connectCommands();
     connect(m_list, &ContactList::dataChanged, this, [this](const QModelIndex &cell) {
         if (cell.column() == NameColumn)
             nameChange(m_ui->table);
@@ -72,7 +67,9 @@ void ContactWindow::openStore()
     const StoreLoading loading = persistentContainer->loadTraced();
     managedObjectContext = persistentContainer->viewContext();
     if (managedObjectContext) {
-        m_list->setSourceModel(managedObjectContext->objects(m_kind.request));
+        ContactModel *contacts = managedObjectContext->objects(m_kind.request);
+        m_history.setContacts(*contacts);
+        m_list->setSourceModel(contacts);
         m_ui->table->setEmptyMessage(tr("No %1 yet.\nChoose Add to enter the first.").arg(m_kind.plural));
         return;
     }
@@ -80,6 +77,7 @@ void ContactWindow::openStore()
         tr("The %1 could not be opened, so none are shown here.").arg(m_kind.plural) + QLatin1String("\n\n") +
         loading.error);
     m_ui->addButton->setEnabled(false);
+    m_ui->addAction->setEnabled(false);
     m_ui->addButton->setToolTip(tr("The %1 could not be opened.").arg(m_kind.plural));
 }
 
@@ -143,9 +141,10 @@ void ContactWindow::retry()
         Q_EMIT savingFailed(error);
 }
 
-// Nothing is pending any more.
+// Nothing is pending any more. A removed contact could only come back as another one on disk.
 void ContactWindow::finishSaving()
 {
+    m_history.clear();
     m_retry.stop();
     if (!std::exchange(m_problem, {}).isEmpty())
         Q_EMIT saved();
@@ -180,43 +179,12 @@ void ContactWindow::reload(const FetchRequest &request)
     finishSaving();
 }
 
-void ContactWindow::addContact()
-{
-    m_ui->table->endEditing();
-    const QModelIndex name = m_list->add();
-    if (!name.isValid())
-        return;
-    m_ui->table->setCurrentIndex(name);
-    m_ui->table->scrollTo(name);
-    m_ui->table->edit(name);
-}
-
-void ContactWindow::removeContacts()
-{
-    m_ui->table->endEditing();
-    const QModelIndexList rows = m_ui->table->selectionModel()->selectedRows();
-    if (rows.isEmpty())
-        return;
-    const int first = std::min_element(rows.begin(), rows.end())->row();
-    m_list->remove(rows);
-    m_ui->table->selectRow(std::min(first, m_list->rowCount() - 1));
-    m_ui->table->setFocus(Qt::OtherFocusReason);
-}
-
 void ContactWindow::dataErased(DataKind kind)
 {
     if (kind == DataKind::Clients)
         reload(Clients::fetchRequest());
     else if (kind == DataKind::TeamMembers)
         reload(TeamMembers::fetchRequest());
-}
-
-void ContactWindow::enableRemoving()
-{
-    const bool selected = m_ui->table->selectionModel()->hasSelection();
-    m_ui->removeButton->setEnabled(selected);
-    m_ui->removeButton->setToolTip(
-        (selected ? tr("Remove the selected %1") : tr("No %1 are selected.")).arg(m_kind.plural));
 }
 
 } // namespace oblino

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <base/unsavedwork.h>
+#include <contacts/contacthistory.h>
 #include <contacts/contacts.h>
 #include <controls/toolwindow.h>
 
@@ -20,6 +21,7 @@ class ContactWindow;
 
 /// What the two management windows have in common: a table of the contacts of one entity, with a container
 /// of the window's own. Edits are pending until the window goes away, by whatever way; then they are saved.
+/// Until then they can be undone and redone, step by step.
 /// Where that fails they stay, and it is tried again now and then; with Qt::WA_DeleteOnClose the window
 /// outlives its closing until it has worked.
 class ContactWindow : public ToolWindow, public UnsavedWork
@@ -80,7 +82,12 @@ protected:
     std::unique_ptr<Ui::ContactWindow> m_ui;
 
 private:
-    void enableRemoving();
+    void connectCommands();
+    void enableCommands();
+    void editContact();
+    void step(void (QUndoStack::*direction)());
+    void openMenu(const QPoint &place);
+    [[nodiscard]] QStringList selectedNumbers() const;
 
     QString save(std::chrono::milliseconds timeout);
     void retry();
@@ -90,6 +97,7 @@ private:
     QString m_folder;
     std::unique_ptr<ContactStore> persistentContainer;
     ContactStore *managedObjectContext = nullptr; // none without a store
+    ContactHistory m_history;
     ContactList *m_list;
     QTimer m_retry;
     QString m_problem;              // why the last saving failed; empty where it did not
