@@ -74,7 +74,8 @@ CloudAccounts desktopAccounts()
 } // namespace
 
 Application::Application(SingleInstance &instance)
-    : m_portal(Appearance::standard(), QDBusConnection::sessionBus())
+    : m_windowMemory(Defaults::standard())
+    , m_portal(Appearance::standard(), QDBusConnection::sessionBus())
     , m_sharingMenu(contactsFolder() + QStringLiteral("/drafts"))
     , m_keyring(QStringLiteral("oblino"))
     , m_cloud(desktopAccounts(), contactsFolder() + QStringLiteral("/Cloud.sqlite"), m_keyring,
@@ -134,6 +135,7 @@ void Application::start()
     Trace::flushWhenIdle();
     qApp->installEventFilter(this);
     qApp->installEventFilter(&m_wheelGuard);
+    qApp->installEventFilter(&m_windowMemory);
     m_mainWindow->show();
     offerRescued();
     s_running = this;
@@ -342,7 +344,7 @@ void Application::bringBackTable()
                            settings.boolean(tableKeys.isDescending)});
 }
 
-// Sizes and flags only; what cannot be written now is no loss.
+// Sizes and flags only, of the windows too; what cannot be written now is no loss.
 void Application::rememberTable()
 {
     Defaults &settings = Defaults::standard();
@@ -351,6 +353,7 @@ void Application::rememberTable()
     settings.setInteger(tableKeys.view, look.view);
     settings.setText(tableKeys.order, look.order);
     settings.setBool(tableKeys.isDescending, look.isDescending);
+    m_windowMemory.rememberAll();
     (void)settings.save();
 }
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <app/lastsave.h>
+#include <app/windowmemory.h>
 #include <base/daywatch.h>
 #include <base/noticelog.h>
 #include <controls/sharingmenu.h>
@@ -66,6 +67,7 @@ private:
     static inline Application *s_running = nullptr;
 
     WheelGuard m_wheelGuard;
+    WindowMemory m_windowMemory;
     UnixSignals m_signals;
     PortalAppearance m_portal;
     SharingMenu m_sharingMenu;
