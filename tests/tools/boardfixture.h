@@ -3,6 +3,7 @@
 #include "toolhome.h"
 #include <support/test.h>
 
+#include <base/datakind.h>
 #include <base/sharingpicker.h>
 #include <controls/colorbutton.h>
 #include <controls/noticelabel.h>

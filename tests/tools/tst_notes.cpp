@@ -3,6 +3,7 @@
 #include <support/faultyfilecalls.h>
 #include <support/place.h>
 
+#include <base/datakind.h>
 #include <controls/noticelabel.h>
 #include <tools/windows/viewcontrollernotes.h>
 
@@ -96,6 +97,23 @@ private Q_SLOTS:
         const struct stat before = statusOf(quick.notes);
         QVERIFY(quick.pad->saveToFile());
         QVERIFY(isUntouched(before, statusOf(quick.notes)));
+    }
+
+    void undoesTypingByKeysButNothingThatWasErased()
+    {
+        const Notes notes(twoLines);
+        const auto textAfter = [&notes](const char *keys) -> QString {
+            QTest::keySequence(&notes.edit(), QKeySequence(QLatin1String(keys)));
+            return notes.edit().toPlainText();
+        };
+        const QString before = notes.edit().toPlainText();
+        notes.type(u"three"_s);
+        QCOMPARE(textAfter("Ctrl+Z"), before);
+        QCOMPARE(textAfter("Ctrl+Shift+Z"), before + u"three"_s);
+        textAfter("Ctrl+A");
+        QCOMPARE(textAfter("Del"), QString());
+        notes.pad->dataErased(DataKind::Notes);
+        QCOMPARE(textAfter("Ctrl+Z"), QString());
     }
 
     void whateverBecomesOfTheFileNoTextIsLost_data()

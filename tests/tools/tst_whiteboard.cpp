@@ -1,5 +1,7 @@
 #include "boardfixture.h"
 
+#include <tools/boardhistory.h>
+
 class tst_whiteboard : public QObject
 {
     Q_OBJECT
@@ -69,6 +71,91 @@ private Q_SLOTS:
         board.click("deleteButton");
         delete board.window; // without being hidden first
         QCOMPARE(board.saved(), empty);
+    }
+
+    void stepsAreUndoneAndRedoneInTheFile()
+    {
+        Board board(pngOf({1080, 720}, Qt::green)); // at a scale that is none of the board's
+        showActive(*board.window);
+        QList<QImage> pictures = {board.shown()};
+        const auto press = [&board](const char *keys) {
+            QTest::keySequence(board.window, QKeySequence(QLatin1String(keys)));
+        };
+        const auto &undo = find<QToolButton>(*board.window, "undoButton");
+        press("Ctrl+Z");
+        board.stroke(corner);
+        pictures += board.shown();
+        Global::lineDraw = true;
+        board.stroke(dash);
+        pictures += board.shown();
+        QCOMPARE(undo.toolTip(), u"Undo Straight Line"_s);
+        board.questions.answer = 0;
+        board.click("deleteButton");
+        pictures += board.shown();
+        for (int round = 1; round <= 2; ++round) {
+            for (int at = 2; at >= 0; --at) {
+                press("Ctrl+Z");
+                QCOMPARE(board.shown(), pictures.at(at));
+            }
+            QVERIFY(!undo.isEnabled() && !board.window->isUnsaved());
+            QCOMPARE(board.saved(), QImage::fromData(pngOf({1080, 720}, Qt::green)));
+            for (int at = 1; at <= 3; ++at) {
+                press("Ctrl+Shift+Z");
+                QCOMPARE(board.shown(), pictures.at(at));
+                QVERIFY(board.saved() == pictures.at(at));
+            }
+        }
+        press("Ctrl+Z");
+        board.window->dataErased(DataKind::Whiteboard); // where the window is open, it stays
+        for (const char *keys : {"Ctrl+Z", "Ctrl+Shift+Z"}) {
+            press(keys);
+            QCOMPARE(board.shown(), pictures.at(2));
+        }
+        board.stroke(corner);
+        board.window->dataRestored(DataKind::Whiteboard);
+        QVERIFY(!undo.isEnabled());
+    }
+
+    void theRightButtonOpensAMenuAndDrawsNothing()
+    {
+        const Board board;
+        QTest::mousePress(&board.area(), Qt::RightButton, {}, corner.first());
+        QTest::mouseMove(&board.area(), corner.last());
+        QTest::mouseRelease(&board.area(), Qt::RightButton, {}, corner.last());
+        QVERIFY(!QFile::exists(board.board));
+        const auto ask = [&board](QWidget &widget, QContextMenuEvent::Reason reason) {
+            QContextMenuEvent event(reason, {9, 9}, widget.mapToGlobal(QPoint(9, 9)));
+            QCoreApplication::sendEvent(&widget, &event);
+            return board.window->findChild<QMenu *>();
+        };
+        board.begin(dash);
+        QVERIFY(!ask(board.area(), QContextMenuEvent::Mouse)); // in the midst of a stroke
+        board.end(dash.last());
+        auto &button = find<QPushButton>(*board.window, "shareButton");
+        QVERIFY(!ask(button, QContextMenuEvent::Mouse));
+        QMenu *menu = ask(button, QContextMenuEvent::Keyboard);
+        QVERIFY(menu && menu->isVisible());
+        menu->actions().first()->trigger();
+        QCOMPARE(board.at({{450, 100}}), Colors{white});
+    }
+
+    void keepsAsManyStepsAsTheLimitAllows()
+    {
+        BoardHistory history(40); // bytes, of which each step takes the four of one pixel
+        QImage picture(7, 5, QImage::Format_RGB32);
+        picture.fill(Qt::white);
+        QList<QImage> pictures;
+        for (int step = 0; step < 30; ++step) {
+            pictures += picture;
+            picture.setPixel(step % 7, step * 3 % 5, QRgb(step));
+            history.record(u"Stroke"_s, pictures.last(), picture);
+        }
+        for (int step = 29; step >= 20; --step) {
+            picture = history.undo(picture);
+            QCOMPARE(picture, pictures.at(step));
+        }
+        QCOMPARE(history.undoName(), QString());
+        QCOMPARE(history.undo(picture), picture);
     }
 
     void drawsWithAPenWhereItIs()

@@ -3,6 +3,7 @@
 #include <contacts/contactmodel.h>
 #include <contacts/windows/contactlist.h>
 #include <controls/icons.h>
+#include <controls/undoaction.h>
 #include <ui_contactwindow.h>
 
 #include <QClipboard>
@@ -10,7 +11,6 @@
 #include <QItemSelectionModel>
 #include <QMenu>
 #include <QPushButton>
-#include <QTextDocument>
 
 #include <algorithm>
 
@@ -117,19 +117,8 @@ void ContactWindow::enableCommands()
     m_ui->removeAction->setEnabled(isSelected);
     m_ui->editAction->setEnabled(isSelected);
     m_ui->copyNumberAction->setEnabled(!selectedNumbers().isEmpty());
-
-    const auto name = [](QAction &action, bool isPossible, const QString &verb, QString step,
-                         const QString &otherwise) {
-        const QString sentence = QString(verb).remove(QLatin1Char('&')).arg(step);
-        const QString toolTip = Qt::mightBeRichText(sentence) ? sentence.toHtmlEscaped() : sentence;
-        action.setEnabled(isPossible);
-        action.setText(verb.arg(step.replace(QLatin1Char('&'), QLatin1String("&&"))).trimmed());
-        action.setToolTip(isPossible ? toolTip : otherwise);
-    };
-    name(*m_ui->undoAction, m_history.canUndo(), tr("&Undo %1"), m_history.undoText(),
-         tr("Nothing to undo."));
-    name(*m_ui->redoAction, m_history.canRedo(), tr("Re&do %1"), m_history.redoText(),
-         tr("Nothing to redo."));
+    showUndoStep(*m_ui->undoAction, m_history.undoText());
+    showRedoStep(*m_ui->redoAction, m_history.redoText());
 }
 
 } // namespace oblino

@@ -29,7 +29,10 @@ QString FileWindow::rescue()
 
 void FileWindow::dataErased(DataKind kind)
 {
-    if (kind != m_kind || isVisible())
+    if (kind != m_kind)
+        return;
+    forgetSteps();
+    if (isVisible())
         return;
     discard();
     delete this; // not later: whoever opens the window meanwhile is to get another one
@@ -37,8 +40,10 @@ void FileWindow::dataErased(DataKind kind)
 
 void FileWindow::dataRestored(DataKind kind)
 {
-    if (kind == m_kind)
-        revert();
+    if (kind != m_kind)
+        return;
+    revert();
+    forgetSteps();
 }
 
 void FileWindow::viewDidDisappear()

@@ -39,6 +39,8 @@ protected:
     /// Shows what the file holds.
     virtual void revert() = 0;
     virtual void showNotice(const QString &notice) = 0;
+    /// What was done can no longer be undone.
+    virtual void forgetSteps() = 0;
 
     /// @param notices  whole sentences, which take the place of earlier ones; without any, those stay
     void showNotices(const QStringList &notices);

@@ -172,6 +172,11 @@ void ViewControllerNotes::showNotice(const QString &notice)
     m_ui->notice->setNotice(notice);
 }
 
+void ViewControllerNotes::forgetSteps()
+{
+    m_ui->textEdit->document()->clearUndoRedoStacks();
+}
+
 bool ViewControllerNotes::isEdited() const
 {
     return m_ui->textEdit->document()->isModified();

@@ -55,6 +55,7 @@ protected:
     void save() override { saveToFile(); }
     void revert() override { readFromFile(); }
     void showNotice(const QString &notice) override;
+    void forgetSteps() override;
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:

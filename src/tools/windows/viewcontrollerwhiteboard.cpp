@@ -45,6 +45,7 @@ ViewControllerWhiteboard::ViewControllerWhiteboard(UIUtil &utilities, SharingPic
             button->setIcon(themedIcon(icon));
     }
     connectControls();
+    connectCommands();
     viewDidLoad();
 }
 
@@ -77,6 +78,7 @@ void ViewControllerWhiteboard::viewDidAppear()
     fileManager = QDir::current();
     m_path = fileManager->absolutePath();
     loadImage();
+    forgetSteps(); // which were of another picture, perhaps
 }
 
 void ViewControllerWhiteboard::viewWillDisappear()
@@ -117,9 +119,11 @@ void ViewControllerWhiteboard::eraser(QObject * /*sender*/)
 
 void ViewControllerWhiteboard::revertToImage(QObject * /*sender*/)
 {
+    const QImage before = shown();
     eraseAllContent();
     trace("Revert Image");
     loadImage();
+    record(tr("Revert"), before);
 }
 
 void ViewControllerWhiteboard::deleteImage(QObject * /*sender*/)
@@ -128,7 +132,9 @@ void ViewControllerWhiteboard::deleteImage(QObject * /*sender*/)
         return;
     trace("Ok Pressed!");
     trace("Delete Image");
+    const QImage before = shown();
     eraseAllContent();
+    record(tr("Delete"), before);
 }
 
 void ViewControllerWhiteboard::shareImage(QObject *sender)

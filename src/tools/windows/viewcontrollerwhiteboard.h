@@ -1,6 +1,7 @@
 #pragma once
 
 #include <base/color.h>
+#include <tools/boardhistory.h>
 #include <tools/whiteboardfile.h>
 #include <tools/windows/filewindow.h>
 
@@ -20,7 +21,8 @@ class SharingPicker;
 class UIUtil;
 
 /// The whiteboard: freehand sketches in a window of fixed size. The picture lies in one PNG file of the
-/// working folder, into which every stroke goes as it ends.
+/// working folder, into which every stroke goes as it ends. What was done since the window was shown can be
+/// undone and redone.
 class ViewControllerWhiteboard final : public FileWindow
 {
     Q_OBJECT
@@ -73,13 +75,23 @@ protected:
     void save() override { capture(); }
     void revert() override { revertToImage(nullptr); }
     void showNotice(const QString &notice) override;
+    void forgetSteps() override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
 
 private:
     void viewDidLoad();
     void connectControls();
     void addLine();
     void showMode();
+    void finishStroke();
     void endStroke();
+    void connectCommands();
+    void showSteps();
+    void step(QImage (BoardHistory::*direction)(const QImage &));
+    /// What is shown was that before a step of this name.
+    void record(const QString &name, const QImage &before);
+    [[nodiscard]] QImage shown() const;
+    [[nodiscard]] bool isDrawing() const;
     [[nodiscard]] bool hasUnsavedStroke() const;
     [[nodiscard]] QImage picture() const;
 
@@ -87,6 +99,7 @@ private:
     SharingPicker &m_picker;
     std::unique_ptr<Ui::ViewControllerWhiteboard> m_ui;
     WhiteboardFile m_file;
+    BoardHistory m_history;
     QImage m_unsaved;         // the picture that could not be written; null where the file holds it
     QImage m_last;            // what the file was last known to hold
     bool m_isChanged = false; // since it was last written or read

@@ -39,11 +39,7 @@ void ViewControllerWhiteboard::Line::mouseUp(const QPointF &point)
     trace("Mouse Up");
     if (GlobalVariable::lineDraw)
         trace("LineEnd:", point.x(), point.y());
-    parentVC.m_isChanged = true;
-    parentVC.capture();
-    parentVC.loadImage();
-    // The stroke is in the picture now. Over it, its edges would grow darker with the next capture.
-    clear();
+    parentVC.finishStroke();
 }
 
 void ViewControllerWhiteboard::Line::clear()

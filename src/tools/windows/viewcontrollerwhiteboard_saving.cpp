@@ -78,6 +78,22 @@ void ViewControllerWhiteboard::savePNG(const QImage &image, const QString &path)
         trace("caught:", writing.error);
 }
 
+void ViewControllerWhiteboard::finishStroke()
+{
+    const QImage before = shown();
+    m_isChanged = true;
+    capture();
+    loadImage();
+    // The stroke is in the picture now. Over it, its edges would grow darker with the next capture.
+    m_line->clear();
+    record(GlobalVariable::lineDraw ? tr("Straight Line") : tr("Stroke"), before);
+}
+
+bool ViewControllerWhiteboard::isDrawing() const
+{
+    return m_line->path().elementCount() > 0;
+}
+
 // A stroke that the window's end cuts off is in the picture as far as it was drawn.
 void ViewControllerWhiteboard::endStroke()
 {
