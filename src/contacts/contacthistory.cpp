@@ -19,10 +19,10 @@ QString shortened(const QString &name)
 
 } // namespace
 
-class ContactHistory::Step : public QUndoCommand
+class ContactHistory::Command : public QUndoCommand
 {
 public:
-    Step(ContactHistory &history, const QString &text)
+    Command(ContactHistory &history, const QString &text)
         : QUndoCommand(text)
         , m_history(history)
     {
@@ -36,10 +36,10 @@ private:
     ContactHistory &m_history;
 };
 
-class ContactHistory::Adding : public Step
+class ContactHistory::Adding : public Command
 {
 public:
-    using Step::Step;
+    using Command::Command;
 
     void redo() override
     {
@@ -53,11 +53,11 @@ public:
     }
 };
 
-class ContactHistory::Editing : public Step
+class ContactHistory::Editing : public Command
 {
 public:
     Editing(ContactHistory &history, const QString &text, const QModelIndex &cell, QString after)
-        : Step(history, text)
+        : Command(history, text)
         , m_row(cell.row())
         , m_column(cell.column())
         , m_before(cell.data().toString())
@@ -81,12 +81,12 @@ private:
     QString m_after;
 };
 
-class ContactHistory::Removing : public Step
+class ContactHistory::Removing : public Command
 {
 public:
     /// @param rows  rising
     Removing(ContactHistory &history, const QString &text, QList<int> rows)
-        : Step(history, text)
+        : Command(history, text)
         , m_rows(std::move(rows))
     {
     }
