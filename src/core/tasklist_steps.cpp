@@ -15,8 +15,7 @@ TaskPlaces TaskList::placesOfRows(const QList<int> &rows) const
             places.push_back(*place);
     }
     std::ranges::sort(places);
-    const auto repeated = std::ranges::unique(places); // a view may list a task twice
-    places.erase(repeated.begin(), repeated.end());
+    places.erase(std::unique(places.begin(), places.end()), places.end()); // a view may list a task twice
     return places;
 }
 

@@ -211,8 +211,7 @@ QList<int> TaskTable::selectedRows() const
             rows.append(row);
     }
     std::ranges::sort(rows);
-    const auto repeated = std::ranges::unique(rows);
-    rows.erase(repeated.begin(), repeated.end());
+    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
     return rows;
 }
 
