@@ -1,5 +1,7 @@
 #include <controls/namebox.h>
 
+#include <QAbstractItemView>
+#include <QAccessible>
 #include <QCompleter>
 #include <QFocusEvent>
 #include <QLineEdit>
@@ -48,7 +50,10 @@ NameBox::NameBox(QWidget *parent)
     completer()->setCaseSensitivity(Qt::CaseInsensitive);
     // On leaving, the box would take the first name that differs from the text by case alone.
     disconnect(lineEdit(), &QLineEdit::editingFinished, this, nullptr);
-    connect(lineEdit(), &QLineEdit::textEdited, this, [this] { m_isTyped = true; });
+    connect(lineEdit(), &QLineEdit::textEdited, this, [this] {
+        m_isTyped = true;
+        passNameTo(*completer()->popup());
+    });
     connect(this, &QComboBox::activated, this, &NameBox::nameEntered);
 }
 
@@ -73,6 +78,25 @@ void NameBox::setName(const QString &name)
 {
     setCurrentIndex(findText(name, Qt::MatchFixedString | Qt::MatchCaseSensitive));
     setEditText(name);
+}
+
+void NameBox::showPopup()
+{
+    passNameTo(*view());
+    QComboBox::showPopup();
+}
+
+void NameBox::showEvent(QShowEvent *event)
+{
+    passNameTo(*lineEdit());
+    QComboBox::showEvent(event);
+}
+
+// A screen reader is told of the part that has the focus, which has no name of its own.
+void NameBox::passNameTo(QWidget &part)
+{
+    if (const QAccessibleInterface *box = QAccessible::queryAccessibleInterface(this))
+        part.setAccessibleName(box->text(QAccessible::Name)); // that of its label, without any other
 }
 
 bool NameBox::isKnown() const

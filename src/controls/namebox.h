@@ -23,6 +23,7 @@ public:
     void setNames(const QStringList &names);
     /// Shows a name, be it one of the list or not.
     void setName(const QString &name);
+    void showPopup() override;
     /// Whether the text is one of the names, apart from case, or none at all.
     [[nodiscard]] bool isKnown() const;
 
@@ -31,11 +32,13 @@ Q_SIGNALS:
     void nameEntered();
 
 protected:
+    void showEvent(QShowEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
     void focusOutEvent(QFocusEvent *event) override;
 
 private:
     [[nodiscard]] QStringList names() const;
+    void passNameTo(QWidget &part);
 
     bool m_isTyped = false; // since the box got the focus
 };

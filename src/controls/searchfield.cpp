@@ -10,7 +10,7 @@ namespace oblino {
 SearchField::SearchField(QWidget *parent)
     : QLineEdit(parent)
 {
-    addAction(themedIcon(QStringLiteral("search")), QLineEdit::LeadingPosition);
+    addAction(themedIcon(QStringLiteral("search")), QLineEdit::LeadingPosition)->setText(tr("Search"));
 
     // In place of setClearButtonEnabled(), which reads the desktop's icon theme and holds the start up.
     QAction *emptying = addAction(themedIcon(QStringLiteral("clear")), QLineEdit::TrailingPosition);

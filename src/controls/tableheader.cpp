@@ -1,5 +1,6 @@
 #include <controls/tableheader.h>
 
+#include <QAbstractButton>
 #include <QMouseEvent>
 #include <QPainter>
 
@@ -35,6 +36,9 @@ TableHeader::TableHeader(QWidget *parent)
     setHighlightSections(false);
     setSectionsClickable(true);
     setSortIndicatorShown(true);
+    // Beside the header a table has a button without a text, of its own making.
+    if (auto *corner = parent ? parent->findChild<QAbstractButton *>() : nullptr)
+        corner->setAccessibleName(tr("Select all"));
 }
 
 QSize TableHeader::sizeHint() const

@@ -51,6 +51,7 @@ TypedField::TypedField(const QString &icon, const QString &buttonText, QWidget *
     m_edit->setMinimumWidth(fontMetrics().averageCharWidth() * shownLength);
     m_edit->installEventFilter(this);
     m_reading->setTextFormat(Qt::PlainText);
+    m_warning->setText(tr("Warning"));
     m_button->setIcon(themedIcon(icon));
     m_button->setToolTip(buttonText);
     m_button->setAccessibleName(buttonText);

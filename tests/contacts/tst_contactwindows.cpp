@@ -104,6 +104,7 @@ private Q_SLOTS:
         QCOMPARE(window.shown(), u"Bob x Y"_s);
         window.typeAt(0, NameColumn, u"Zoe\n"_s);
         window.add(u"B\n"_s);
+        QCOMPARE(namelessIn(*window.controller), QString());
         QCOMPARE(window.shown(), u"Zoe x Y B"_s);
         window.typeAt(2, PhoneNoColumn, u"9"_s);
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_R, Qt::AltModifier);

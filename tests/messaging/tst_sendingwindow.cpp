@@ -144,6 +144,7 @@ private Q_SLOTS:
         const auto [button, table, answer, told] = Questions::cells();
         Window w;
         w.show();
+        QCOMPARE(namelessIn(*w.controller), QString());
         if (table)
             w.clickRow(table, 0);
         w.script.answer = answer;

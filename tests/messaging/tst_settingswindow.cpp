@@ -79,6 +79,7 @@ private Q_SLOTS:
     void storesWhatIsTypedWithoutTellingTheSecret()
     {
         Window w;
+        QCOMPARE(namelessIn(w.window), QString());
         QCOMPARE(w.label("missingLabel"),
                  u"Sending schedules still needs the account SID, the secret, the sending "
                  "number, the switch that allows sending."_s);

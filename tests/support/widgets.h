@@ -53,6 +53,21 @@ inline void clickHeader(const QTableView &table, int column)
                       {header.sectionViewportPosition(column) + 60, header.height() / 2});
 }
 
+/// The controls of which a screen reader could tell nothing but their kind, as "class name".
+[[nodiscard]] inline QString namelessIn(const QWidget &window)
+{
+    QStringList nameless;
+    for (QWidget *widget : window.findChildren<QWidget *>()) {
+        const bool isControl = widget->focusPolicy() != Qt::NoFocus ||
+                               qobject_cast<QAbstractButton *>(widget) ||
+                               qobject_cast<QProgressBar *>(widget);
+        const QAccessibleInterface *accessible = QAccessible::queryAccessibleInterface(widget);
+        if (isControl && accessible && accessible->text(QAccessible::Name).isEmpty())
+            nameless += QLatin1String(widget->metaObject()->className()) + u' ' + widget->objectName();
+    }
+    return nameless.join(QLatin1String(", "));
+}
+
 /// The texts of a column, from top to bottom, joined by blanks.
 [[nodiscard]] inline QString columnOf(const QTableView &table, int column)
 {

@@ -76,6 +76,7 @@ private Q_SLOTS:
         Window w;
         w.keep(before);
         w.open();
+        QCOMPARE(namelessIn(*w.window), QString());
         QTRY_COMPARE(w.differences(), u"+2 −1 ≠1"_s);
         QCOMPARE(columnOf(w.versions(), reasonColumn), u"Before the first change of the day"_s);
         QCOMPARE(columnOf(w.versions(), amountColumn), u"3"_s);

@@ -83,6 +83,7 @@ private Q_SLOTS:
     void nothingErasedIsLeftInAnyFile()
     {
         Eraser eraser;
+        QCOMPARE(namelessIn(*eraser.window), QString());
         QVERIFY(eraser.documents.file(u"ltodonotes.txt"_s)); // as when a pad has been open
         for (const QString &path : {eraser.home.listPath(), eraser.notes, eraser.board}) {
             const QString name = QFileInfo(path).fileName();

@@ -106,6 +106,7 @@ private Q_SLOTS:
             QTest::keySequence(&notes.edit(), QKeySequence(QLatin1String(keys)));
             return notes.edit().toPlainText();
         };
+        QCOMPARE(namelessIn(*notes.pad), QString());
         const QString before = notes.edit().toPlainText();
         notes.type(u"three"_s);
         QCOMPARE(textAfter("Ctrl+Z"), before);

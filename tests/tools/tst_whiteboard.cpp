@@ -128,6 +128,7 @@ private Q_SLOTS:
             QCoreApplication::sendEvent(&widget, &event);
             return board.window->findChild<QMenu *>();
         };
+        QCOMPARE(namelessIn(*board.window), QString());
         board.begin(dash);
         QVERIFY(!ask(board.area(), QContextMenuEvent::Mouse)); // in the midst of a stroke
         board.end(dash.last());
