@@ -89,6 +89,7 @@ private Q_SLOTS:
     {
         QAccessible::setActive(true);
         const MainWindow main(fourTasks);
+        find<QAction>(*main.window, "filterAction").trigger();
         for (QWidget *widget : main.window->findChildren<QWidget *>()) {
             if (widget->focusPolicy() == Qt::NoFocus || !widget->isVisible())
                 continue;

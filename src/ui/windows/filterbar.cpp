@@ -5,6 +5,7 @@
 #include <core/filedays.h>
 #include <ui_filterbar.h>
 
+#include <QLineEdit>
 #include <QLocale>
 #include <QShortcut>
 

@@ -5,6 +5,7 @@
 #include <ui_repeatwindow.h>
 
 #include <QCheckBox>
+#include <QLineEdit>
 #include <QLocale>
 #include <QPushButton>
 #include <QSignalBlocker>
