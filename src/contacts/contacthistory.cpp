@@ -19,10 +19,10 @@ QString shortened(const QString &name)
 
 } // namespace
 
-class ContactHistory::Command : public QUndoCommand
+class ContactHistory::Change : public QUndoCommand
 {
 public:
-    Command(ContactHistory &history, const QString &text)
+    Change(ContactHistory &history, const QString &text)
         : QUndoCommand(text)
         , m_history(history)
     {
@@ -36,10 +36,10 @@ private:
     ContactHistory &m_history;
 };
 
-class ContactHistory::Adding : public Command
+class ContactHistory::Adding : public Change
 {
 public:
-    using Command::Command;
+    using Change::Change;
 
     void redo() override
     {
@@ -53,11 +53,11 @@ public:
     }
 };
 
-class ContactHistory::Editing : public Command
+class ContactHistory::Editing : public Change
 {
 public:
     Editing(ContactHistory &history, const QString &text, const QModelIndex &cell, QString after)
-        : Command(history, text)
+        : Change(history, text)
         , m_row(cell.row())
         , m_column(cell.column())
         , m_before(cell.data().toString())
@@ -81,12 +81,12 @@ private:
     QString m_after;
 };
 
-class ContactHistory::Removing : public Command
+class ContactHistory::Removing : public Change
 {
 public:
     /// @param rows  rising
     Removing(ContactHistory &history, const QString &text, QList<int> rows)
-        : Command(history, text)
+        : Change(history, text)
         , m_rows(std::move(rows))
     {
     }

@@ -31,7 +31,7 @@ public:
     [[nodiscard]] int touchedRow() const { return m_touchedRow; }
 
 private:
-    class Command;
+    class Change;
     class Adding;
     class Editing;
     class Removing;
