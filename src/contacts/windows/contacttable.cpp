@@ -61,12 +61,17 @@ void ContactTable::endEditing()
     }
 }
 
-// By the key it opens at the current row, not in the middle of the table.
+// By the key it opens at the current row, which it is then for, not in the middle of the table.
 void ContactTable::contextMenuEvent(QContextMenuEvent *event)
 {
-    scrollTo(currentIndex());
-    const QPoint row = viewport()->mapToGlobal(visualRect(currentIndex()).bottomLeft());
-    Q_EMIT menuRequested(event->reason() == QContextMenuEvent::Keyboard ? row : event->globalPos());
+    QPoint place = event->globalPos();
+    if (event->reason() == QContextMenuEvent::Keyboard) {
+        if (!selectionModel()->isSelected(currentIndex()))
+            selectRow(currentIndex().row());
+        scrollTo(currentIndex());
+        place = viewport()->mapToGlobal(visualRect(currentIndex()).bottomLeft());
+    }
+    Q_EMIT menuRequested(place);
 }
 
 void ContactTable::paintEvent(QPaintEvent *event)

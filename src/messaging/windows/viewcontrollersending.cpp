@@ -113,6 +113,7 @@ void ViewControllerSending::prepare(ContactTable *table, ContactList *list, cons
         list->setSourceModel(managedObjectContext->objects(request));
     table->setModel(list);
     table->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    table->setContextMenuPolicy(Qt::NoContextMenu); // it would select a row, and there is none here
     table->setSelectionMode(QAbstractItemView::MultiSelection);
     table->setEmptyMessage(emptyMessage);
 }
