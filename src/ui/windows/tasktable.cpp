@@ -192,7 +192,7 @@ QItemSelectionModel::SelectionFlags TaskTable::selectionCommand(const QModelInde
     if ((flags & QItemSelectionModel::Clear) && !selects)
         return QItemSelectionModel::NoUpdate; // beside the rows
     const bool takesAway = flags & (QItemSelectionModel::Deselect | QItemSelectionModel::Toggle);
-    if (takesAway && selectedRows() == QList<int>{index.row()})
+    if (takesAway && selectedCount() == 1 && selectionModel()->isSelected(index))
         return QItemSelectionModel::ClearAndSelect | QItemSelectionModel::Rows;
     return flags;
 }
@@ -213,6 +213,19 @@ QList<int> TaskTable::selectedRows() const
     std::ranges::sort(rows);
     rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
     return rows;
+}
+
+int TaskTable::selectedCount() const
+{
+    QItemSelection ranges = selectionModel()->selection();
+    std::ranges::sort(ranges, {}, &QItemSelectionRange::top);
+    int count = 0;
+    int last = -1;
+    for (const QItemSelectionRange &range : ranges) { // a row stands in several once columns have moved
+        count += std::max(range.bottom() - std::max(range.top() - 1, last), 0);
+        last = std::max(last, range.bottom());
+    }
+    return count;
 }
 
 int TaskTable::mainRow() const

@@ -29,6 +29,8 @@ public:
     void selectOnly(int row);
     /// The rows that are selected, rising.
     [[nodiscard]] QList<int> selectedRows() const;
+    /// How many that are.
+    [[nodiscard]] int selectedCount() const;
     /// The one of them that counts where only one does; -1 where none is selected.
     [[nodiscard]] int mainRow() const;
 

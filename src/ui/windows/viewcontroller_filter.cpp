@@ -52,10 +52,12 @@ void ViewController::connectFilter()
 
 void ViewController::showFilter(bool isShown)
 {
-    if (isShown)
+    if (isShown) {
         fillFilterNames();
-    else
+    } else {
         m_ui->taskFilter->setFilter({});
+        m_ui->taskFilter->setNames({}, {}); // they may be erased meanwhile
+    }
     m_ui->taskFilter->setVisible(isShown);
     const QString key = keyOfShownSelection();
     reload();

@@ -38,7 +38,7 @@ TaskPlaces ViewController::selectedPlaces() const
 
 bool ViewController::isManySelected() const
 {
-    return m_ui->tblView->selectedRows().size() > 1;
+    return m_ui->tblView->selectedCount() > 1;
 }
 
 void ViewController::changeMany(ChangeKind kind, const std::function<void(task &)> &change)

@@ -144,7 +144,7 @@ void ViewController::showCounts()
     const QString counts = shown == all
                                ? tr("%1 %2").arg(locale.toString(all), noun)
                                : tr("%1 of %2 %3").arg(locale.toString(shown), locale.toString(all), noun);
-    const qsizetype selected = m_ui->tblView->selectedRows().size();
+    const int selected = m_ui->tblView->selectedCount();
     statusMessage->setText(selected > 1 ? tr("%1 selected, %2").arg(locale.toString(selected), counts)
                                         : counts);
     m_emptyState->setVisible(shown == 0);
