@@ -9,6 +9,7 @@
 #include <QScreen>
 #include <QTimer>
 #include <QWidget>
+#include <QWindow>
 
 #include <chrono>
 
@@ -87,6 +88,8 @@ void WindowMemory::bringBack(QWidget &window)
         const QRect placed = placedOnScreen({place->corner, place->size}, availableScreens(window));
         window.resize(placed.size());
         window.move(placed.topLeft());
+        if (QWindow *handle = window.windowHandle()) // to which the corner that it has already is no wish
+            handle->setFramePosition(placed.topLeft());
         if (place->isMaximized)
             window.setWindowState(window.windowState() | Qt::WindowMaximized);
     }

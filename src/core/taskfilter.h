@@ -23,7 +23,11 @@ struct TaskFilter
     QDate from = {}; ///< of Range::FromTo; invalid: no first day
     QDate to = {};   ///< the same; invalid: no last day
 
-    [[nodiscard]] bool isEmpty() const { return *this == TaskFilter(); }
+    /// Whether it admits every task.
+    [[nodiscard]] bool isEmpty() const
+    {
+        return client.isEmpty() && teamMember.isEmpty() && !status && !priority && range == Range::AnyDay;
+    }
     [[nodiscard]] bool operator==(const TaskFilter &other) const = default;
 };
 

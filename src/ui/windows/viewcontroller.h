@@ -267,6 +267,7 @@ private:
     QList<int> m_filteredRows; // rows of the view that the filter admits; none while there is none
     NamedFilters *m_keptFilters = nullptr;
     QMenu *m_filtersMenu = nullptr;
+    QMenu *m_columnsMenu = nullptr;
     int m_view = 0; // the last that was chosen
     QList<SortDescriptor> m_sortPrototypes;
     QString m_dataFolder;

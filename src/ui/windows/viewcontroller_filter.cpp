@@ -38,8 +38,6 @@ QStringList distinct(const QList<task> &tasks, QString task::*field)
 void ViewController::connectFilter()
 {
     m_ui->taskFilter->hide();
-    m_filtersMenu = m_ui->viewMenu->addMenu(tr("&Kept Filters"));
-    m_filtersMenu->setEnabled(false);
     connect(m_ui->filterAction, &QAction::toggled, this, &ViewController::showFilter);
     connect(m_ui->taskFilter, &FilterBar::dropped, this, [this] { m_ui->filterAction->setChecked(false); });
     connect(m_ui->taskFilter, &FilterBar::keepRequested, this, &ViewController::keepFilter);

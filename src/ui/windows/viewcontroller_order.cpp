@@ -38,6 +38,7 @@ void ViewController::fillSortMenu()
     menu->addSeparator();
     QAction *reverse = menu->addAction(tr("&Reverse Order"), this, &ViewController::reverseOrder);
     reverse->setShortcut(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_R));
+    m_ui->viewMenu->addMenu(m_columnsMenu);
 }
 
 void ViewController::sortDescriptorsDidChange(int section, Qt::SortOrder order)

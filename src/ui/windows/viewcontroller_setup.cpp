@@ -188,6 +188,8 @@ void ViewController::fillViews()
         action->setShortcut(QKeySequence(Qt::CTRL | static_cast<Qt::Key>(Qt::Key_0 + (i + 1) % 10)));
         m_views->addAction(action);
     }
+    m_filtersMenu = m_ui->viewMenu->addMenu(tr("&Kept Filters"));
+    m_filtersMenu->setEnabled(false);
 }
 
 void ViewController::addContextMenus()
@@ -200,7 +202,8 @@ void ViewController::addContextMenus()
             point = table->visualRect(table->currentIndex()).bottomLeft();
         m_ui->taskMenu->popup(table->viewport()->mapToGlobal(point));
     });
-    QMenu *columns = m_ui->viewMenu->addMenu(tr("&Columns"));
+    auto *columns = new QMenu(tr("&Columns"), this);
+    m_columnsMenu = columns;
     connect(columns, &QMenu::aboutToShow, table, [table, columns] { table->fillColumnMenu(*columns); });
     QHeaderView *header = table->horizontalHeader();
     header->setContextMenuPolicy(Qt::CustomContextMenu);
