@@ -151,6 +151,23 @@ private Q_SLOTS:
         QVERIFY2(kept < 50'000'000, qPrintable(QString::number(kept)));
     }
 
+    void takesBackWhatAnotherProgramHasWritten()
+    {
+        MainWindow main({{.name = "apple", .date = "3/7/26"}, {.name = "pear", .date = "3/8/26"}});
+        main.clickRow(u"pear"_s);
+        main.click("closeButton");
+        const QByteArray closed = main.file();
+        main.setFile(Row{.name = "fig", .date = "3/9/26"}.bytes() + closed);
+        main.window->lookAtFile();
+        QCOMPARE(main.shown(), u"apple pear fig"_s);
+        auto &undo = find<QAction>(*main.window, "undoAction");
+        QCOMPARE(undo.text(), u"&Undo Changes of Another Program"_s);
+        undo.trigger();
+        QCOMPARE(main.file(), closed);
+        undo.trigger();
+        QCOMPARE(main.file(), main.listAtStart);
+    }
+
     void namesWhatItUndoesAndSavesIt()
     {
         MainWindow main({{.name = "apple"}, {.name = "R&D"}, {.name = "pear"}});

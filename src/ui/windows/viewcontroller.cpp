@@ -175,7 +175,7 @@ bool ViewController::saveToFile()
     const bool saved = m_file.saveToFile();
     if (m_file.takeMerged())
         showChangedList(key);
-    m_undo->take(); // what another program has written
+    m_undo->take(TaskUndo::Sorting::OfTheStepBefore); // what another program has written
     m_undo->setSaved();
     m_ui->noticeBar->showNotices({}); // of before this change
     showNotices();
@@ -206,7 +206,7 @@ void ViewController::takeUpChanges()
     const QString key = keyOfShownSelection();
     if (m_file.takeUpChanges()) {
         showChangedList(key);
-        m_undo->take();
+        m_undo->take(TaskUndo::Sorting::OfTheStepBefore);
         if (m_file.hasUnsavedChanges())
             saveToFile();
     }
