@@ -5,9 +5,9 @@
 #include <core/filedays.h>
 #include <ui_filterbar.h>
 
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QLocale>
-#include <QShortcut>
 
 #include <algorithm>
 #include <utility>
@@ -87,8 +87,6 @@ FilterBar::FilterBar(QWidget *parent)
     m_ui->filterDays->hide();
     connect(m_ui->keepFilter, &QToolButton::clicked, this, &FilterBar::keepRequested);
     connect(m_ui->dropFilter, &QToolButton::clicked, this, &FilterBar::dropped);
-    auto *escape = new QShortcut(Qt::Key_Escape, this, nullptr, nullptr, Qt::WidgetWithChildrenShortcut);
-    connect(escape, &QShortcut::activated, this, &FilterBar::dropped);
     setFocusProxy(m_ui->filterClient);
 }
 
@@ -135,6 +133,15 @@ void FilterBar::setCounts(qsizetype shown, qsizetype all)
 {
     const QLocale locale;
     m_ui->filterCounts->setText(tr("%1 of %2").arg(locale.toString(shown), locale.toString(all)));
+}
+
+// Of a list that is open, the key closes that; it does not come here then, as a shortcut would.
+void FilterBar::keyPressEvent(QKeyEvent *event)
+{
+    if (event->key() == Qt::Key_Escape)
+        Q_EMIT dropped();
+    else
+        QWidget::keyPressEvent(event);
 }
 
 void FilterBar::tell()

@@ -38,6 +38,9 @@ Q_SIGNALS:
     /// The bar is to go, and everything to be seen again.
     void dropped();
 
+protected:
+    void keyPressEvent(QKeyEvent *event) override;
+
 private:
     void tell();
 

@@ -96,6 +96,7 @@ void RepeatWindow::connectControls()
 {
     for (QSpinBox *box : {m_ui->every, m_ui->count})
         connect(box, &QSpinBox::valueChanged, this, &RepeatWindow::showDays);
+    connect(m_ui->count, &QSpinBox::valueChanged, m_ui->byCount, [this] { m_ui->byCount->setChecked(true); });
     for (QComboBox *box : {m_ui->unit, m_ui->monthRule})
         connect(box, &QComboBox::currentIndexChanged, this, &RepeatWindow::showDays);
     connect(m_ui->byCount, &QRadioButton::toggled, this, &RepeatWindow::showDays);
