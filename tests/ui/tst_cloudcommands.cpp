@@ -75,14 +75,16 @@ private Q_SLOTS:
 
     void sendsATaskAgainWhoseDeletionIsUndone_data()
     {
-        const Table<bool, bool, int> row;
-        row("deleted there", true, false, 2);
-        row("still being deleted there", true, true, 2);
-        row("never there", false, false, 0);
+        const Table<bool, bool, Fate, QString, int> row;
+        row("deleted there", true, false, Fate::Pass, u""_s, 2);
+        row("still being deleted there", true, true, Fate::Pass, u""_s, 2);
+        row("cannot be sent, which is said", true, false, Fate::Fail, u"scripted"_s, 1);
+        row("never there", false, false, Fate::Pass, u""_s, 0);
     }
     void sendsATaskAgainWhoseDeletionIsUndone()
     {
-        const auto [isSent, isUnderWay, inCloud] = Table<bool, bool, int>::cells();
+        const auto [isSent, isUnderWay, fate, cause, inCloud] =
+            Table<bool, bool, Fate, QString, int>::cells();
         CloudWindow main;
         if (isSent)
             main.command("updateToCloudAction");
@@ -95,11 +97,13 @@ private Q_SLOTS:
         main.clickRow(u"apple"_s);
         main.click("deleteButton");
         QTRY_COMPARE(answers, isUnderWay ? 0 : 1);
+        main.container.setFate(Request::Save, fate);
         find<QAction>(*main.window, "undoAction").trigger();
         QCOMPARE(main.file(), main.listAtStart);
         main.container.setFate(Request::Query, Fate::Pass);
         main.container.release();
         QTRY_COMPARE(answers, isSent ? 2 : 1);
+        QCOMPARE(main.cause(), cause);
         main.store.removeAll();
         main.command("updateFromCloudAction");
         QCOMPARE(main.store.fullList().size(), inCloud);
